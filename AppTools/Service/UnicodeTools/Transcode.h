@@ -1,0 +1,40 @@
+#pragma once
+
+#include <boost/locale/utf.hpp>
+
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace Orvant {
+
+constexpr boost::locale::utf::code_point replacementCharacter = 0xFFFD;
+
+/// Takes one code point off the front of a text, U+FFFD for a code unit that is ill-formed there.
+/// @param position where to read, before `end`; moved behind what was read
+/// @param end      end of the text
+template <typename Char>
+boost::locale::utf::code_point takeCodePoint(const Char*& position, const Char* end) {
+    const Char* const first = position;
+    const auto codePoint = boost::locale::utf::utf_traits<Char>::decode(position, end);
+    if (codePoint != boost::locale::utf::illegal && codePoint != boost::locale::utf::incomplete)
+        return codePoint;
+    // The decoder has taken the unit that broke the sequence; that one may be good by itself.
+    position = first + 1;
+    return replacementCharacter;
+}
+
+/// Converts between UTF-8, UTF-16 and UTF-32, told apart by the size of the character type.
+/// @return the text with U+FFFD for each code unit that is ill-formed
+template <typename To, typename From>
+std::basic_string<To> transcode(std::basic_string_view<From> text) {
+    std::basic_string<To> result;
+    result.reserve(text.size());
+    const From* const end = text.data() + text.size();
+    for (const From* position = text.data(); position != end;)
+        boost::locale::utf::utf_traits<To>::encode(takeCodePoint(position, end),
+                                                   std::back_inserter(result));
+    return result;
+}
+
+} // namespace Orvant

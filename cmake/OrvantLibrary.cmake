@@ -1,0 +1,51 @@
+include(GenerateExportHeader)
+
+# What every target of this project is compiled with.
+function(orvant_compile_options target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /utf-8 $<$<BOOL:${ORVANT_WARNINGS_AS_ERRORS}>:/WX>)
+        return()
+    endif()
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+        $<$<BOOL:${ORVANT_WARNINGS_AS_ERRORS}>:-Werror>
+        # Source locations in exceptions and logs name files as the source tree does, wherever it was built.
+        -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+    if(ORVANT_SANITIZERS)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${ORVANT_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        target_link_options(${target} PRIVATE -fsanitize=${ORVANT_SANITIZERS})
+    endif()
+endfunction()
+
+# orvant_library(FOLDER SOURCES ... [PUBLIC ...] [PRIVATE ...])
+#
+# One shared library from one folder of AppTools/Service: libService_FOLDER, target
+# Orvant::Service_FOLDER, everything hidden but what ORVANT_FOLDER_EXPORT marks
+# (header <FOLDER/Export.h>). PUBLIC and PRIVATE name the libraries it links.
+function(orvant_library folder)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    set(target Service_${folder})
+    string(TOUPPER ${folder} upper)
+
+    add_library(${target} SHARED ${arg_SOURCES})
+    add_library(Orvant::${target} ALIAS ${target})
+    orvant_compile_options(${target})
+    set_target_properties(${target} PROPERTIES
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+
+    set(generated "${PROJECT_BINARY_DIR}/include")
+    generate_export_header(${target}
+        BASE_NAME ORVANT_${upper}
+        EXPORT_FILE_NAME "${generated}/${folder}/Export.h")
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/AppTools/Service>
+        $<BUILD_INTERFACE:${generated}>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+endfunction()
