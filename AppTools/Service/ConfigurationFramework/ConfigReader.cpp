@@ -1,0 +1,7 @@
+#include <ConfigurationFramework/ConfigReader.h>
+
+namespace Orvant {
+
+ConfigReader::~ConfigReader() = default;
+
+} // namespace Orvant

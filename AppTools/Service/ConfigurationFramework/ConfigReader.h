@@ -1,0 +1,107 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationAccessResult.h>
+#include <ConfigurationFramework/Export.h>
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+class ConfigurationObject;
+
+/// The read side of the library: what values and objects load themselves from.
+///
+/// @code
+/// double zoom = 1.0;
+/// bool editable = true;
+/// if (reader.getDouble("Zoom", zoom, editable) == ConfigurationAccessResult::Success)
+///     apply(zoom);
+/// @endcode
+///
+/// A reader has a current node, at first the root of its document. A "name" is the tag of a direct
+/// child element of that node. An element with the attribute editable="false" is locked; the
+/// `editable` outputs tell so. Outputs are written on Success; on Failure they keep what they had,
+/// but for what is said at getUnsignedInt(), getFloat() and getStringVector().
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigReader {
+public:
+    ConfigReader() = default;
+    virtual ~ConfigReader();
+    ConfigReader(const ConfigReader&) = delete;
+    ConfigReader& operator=(const ConfigReader&) = delete;
+
+    /// Loads an object from the first element of that name and key in the whole document.
+    /// @return Failure when there is none
+    virtual ConfigurationAccessResult findAndGetClassContents(const std::string& name,
+                                                              const std::string& key,
+                                                              ConfigurationObject& object) = 0;
+    /// Loads an object from the first element of that name in the whole document.
+    /// @return Failure when there is none
+    virtual ConfigurationAccessResult findAndGetClassContents(const std::string& name,
+                                                              ConfigurationObject& object) = 0;
+    /// Loads an object from the current node itself.
+    virtual ConfigurationAccessResult getClassContents(ConfigurationObject& object) = 0;
+    /// Loads each object from the child of that name with the key at the same index.
+    /// @return Success when all keys were found; objects of found keys are loaded in any case
+    virtual ConfigurationAccessResult
+    getClassContents(const std::string& name, const std::vector<std::string>& keys,
+                     std::vector<ConfigurationObject*>& objects) = 0;
+    /// Loads an object from the child of that name and key; where no child has the key, from the
+    /// last one without a key, the default entry.
+    virtual ConfigurationAccessResult getClassContents(const std::string& name,
+                                                       const std::string& key,
+                                                       ConfigurationObject& object) = 0;
+    /// Loads an object from the first child of that name.
+    virtual ConfigurationAccessResult getClassContents(const std::string& name,
+                                                       ConfigurationObject& object) = 0;
+
+    /// Reads "true" or "false", exactly so written.
+    virtual ConfigurationAccessResult getBool(const std::string& name, bool& value,
+                                              bool& editable) = 0;
+    /// Reads a decimal number, blanks before it and anything behind it ignored.
+    virtual ConfigurationAccessResult getInt(const std::string& name, int& value,
+                                             bool& editable) = 0;
+    /// Reads as getInt() does and takes the bits as unsigned: -1 is 4294967295.
+    /// On Failure `value` is overwritten all the same, with an unspecified number.
+    virtual ConfigurationAccessResult getUnsignedInt(const std::string& name, unsigned int& value,
+                                                     bool& editable) = 0;
+    /// Reads a number in decimal or exponent notation, blanks before it and anything behind it
+    /// ignored.
+    virtual ConfigurationAccessResult getDouble(const std::string& name, double& value,
+                                                bool& editable) = 0;
+    /// Reads as getDouble() does; `precision` has no effect on reading.
+    virtual ConfigurationAccessResult getDoubleScientific(const std::string& name,
+                                                          const int& precision, double& value,
+                                                          bool& editable) = 0;
+    /// Reads as getDouble() does and narrows.
+    /// On Failure `value` is overwritten all the same, with an unspecified number.
+    virtual ConfigurationAccessResult getFloat(const std::string& name, float& value,
+                                               bool& editable) = 0;
+    /// Reads a text as it stands; an element without content is the empty text.
+    virtual ConfigurationAccessResult getString(const std::string& name, std::string& value,
+                                                bool& editable) = 0;
+    /// Reads the texts of the "item" elements. The outputs are cleared first, on Failure too.
+    /// @param itemEditable for each text whether its (last) item is editable
+    virtual ConfigurationAccessResult
+    getStringVector(const std::string& name, std::vector<std::string>& values, bool& editable,
+                    std::map<std::string, bool>& itemEditable) = 0;
+
+    /// Searches the whole document for an element of that name and makes it the current node.
+    virtual ConfigurationAccessResult tagExists(const std::string& name) = 0;
+    /// Reads the editable attribute of the current node itself.
+    virtual ConfigurationAccessResult getEditable(bool& editable) = 0;
+    /// Adds the keys of all children of that name to `keys`.
+    virtual ConfigurationAccessResult getKeys(const std::string& name,
+                                              std::set<std::string>& keys) = 0;
+    /// Calls back with the key of each child of that name, in document order, with the child as
+    /// current node.
+    /// @return Failure when there was no call
+    virtual ConfigurationAccessResult
+    createConfigurationObjects(const std::string& name,
+                               std::function<void(std::string)> callback) = 0;
+};
+
+} // namespace Orvant

@@ -1,0 +1,235 @@
+#include <ConfigurationFramework/ConfigWriter.h>
+
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/RegularFile.h>
+
+#include <FileHandling/FileUtilities.h>
+#include <FileHandling/OvFstream.h>
+
+#include <array>
+#include <charconv>
+
+namespace Orvant {
+
+namespace {
+
+/// A number as std::to_chars writes it: the same in every locale, which streams and
+/// boost::lexical_cast are not.
+template <typename... Arguments>
+std::string formatNumber(Arguments... arguments) {
+    std::array<char, 32> buffer{};
+    char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), arguments...).ptr;
+    return {buffer.data(), end};
+}
+
+/// As a default-formatted stream writes it in the classic locale.
+std::string formatDefault(double value) {
+    return formatNumber(value, std::chars_format::general, 6);
+}
+
+std::string formatScientific(double value) {
+    return formatNumber(value, std::chars_format::scientific, 10);
+}
+
+/// Puts a writer back on its element at the end of the scope.
+class ElementRestorer {
+public:
+    explicit ElementRestorer(ConfigWriterImpl& writer)
+        : m_writer(writer), m_saved(writer.currentElement()) {}
+    ElementRestorer(const ElementRestorer&) = delete;
+    ElementRestorer& operator=(const ElementRestorer&) = delete;
+    ~ElementRestorer() { m_writer.setCurrentElement(m_saved); }
+
+private:
+    ConfigWriterImpl& m_writer;
+    xercesc::DOMElement* m_saved;
+};
+
+bool writeFile(const FileName& file, const std::string& bytes) {
+    OvOfstream out(file, std::ios::out | std::ios::trunc, OvOfstream::NoByteOrderMark);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    return !out.fail();
+}
+
+} // namespace
+
+ConfigWriter::ConfigWriter(const std::string& version)
+    : m_impl(std::make_unique<ConfigWriterImpl>(version)) {}
+
+ConfigWriter::ConfigWriter(const FileName& file, const std::string& content)
+    : m_impl(std::make_unique<ConfigWriterImpl>(file, content)) {}
+
+ConfigWriter::~ConfigWriter() = default;
+
+void ConfigWriter::createNode(const std::string& name, const std::string& comment) {
+    m_impl->createNode(name, comment);
+}
+
+void ConfigWriter::createKeyedNode(const std::string& name, const std::string& key,
+                                   const std::string& comment) {
+    m_impl->createKeyedNode(name, key, comment);
+}
+
+void ConfigWriter::createNodeAndMakeCurrent(const std::string& name, const std::string& comment) {
+    createNode(name, comment);
+    setCurrentNode(name);
+}
+
+void ConfigWriter::createKeyedNodeAndMakeCurrent(const std::string& name, const std::string& key,
+                                                 const std::string& comment) {
+    createKeyedNode(name, key, comment);
+    setCurrentKeyedNode(name, key);
+}
+
+ConfigurationAccessResult ConfigWriter::setCurrentNode(const std::string& name) {
+    return m_impl->setCurrentNode(name);
+}
+
+ConfigurationAccessResult ConfigWriter::setCurrentKeyedNode(const std::string& name,
+                                                            const std::string& key) {
+    return m_impl->setCurrentKeyedNode(name, key);
+}
+
+void ConfigWriter::deleteNodes(const std::string& name, const std::string& key) {
+    m_impl->deleteNodes(name, key);
+}
+
+void ConfigWriter::putString(const std::string& name, const std::string& value,
+                             const std::string& comment) {
+    m_impl->putText(name, value, comment);
+}
+
+void ConfigWriter::putString(const std::string& value) {
+    m_impl->putString(value);
+}
+
+void ConfigWriter::putInt(const std::string& name, const int& value, const std::string& comment) {
+    m_impl->putText(name, formatNumber(value), comment);
+}
+
+void ConfigWriter::putUnsignedInt(const std::string& name, const unsigned int& value,
+                                  const std::string& comment) {
+    putInt(name, static_cast<int>(value), comment);
+}
+
+void ConfigWriter::putFloat(const std::string& name, const float& value,
+                            const std::string& comment) {
+    putDouble(name, value, comment);
+}
+
+void ConfigWriter::putDouble(const std::string& name, const double& value,
+                             const std::string& comment) {
+    m_impl->putText(name, formatDefault(value), comment);
+}
+
+void ConfigWriter::putBool(const std::string& name, const bool& value, const std::string& comment) {
+    m_impl->putText(name, value ? "true" : "false", comment);
+}
+
+void ConfigWriter::putStringVector(const std::string& name, const std::vector<std::string>& values,
+                                   const std::string& comment) {
+    m_impl->putStringVector(name, values, comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const std::string& value,
+                            const int& /*format*/, const std::string& comment) {
+    putString(name, value, comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const int& value, const int& /*format*/,
+                            const std::string& comment) {
+    putInt(name, value, comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const unsigned int& value,
+                            const int& /*format*/, const std::string& comment) {
+    putInt(name, static_cast<int>(value), comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const float& value, const int& /*format*/,
+                            const std::string& comment) {
+    m_impl->putText(name, formatScientific(value), comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const double& value, const int& format,
+                            const std::string& comment) {
+    m_impl->putText(name, format == 0 ? formatDefault(value) : formatScientific(value), comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const bool& value, const int& /*format*/,
+                            const std::string& comment) {
+    putBool(name, value, comment);
+}
+
+void ConfigWriter::putValue(const std::string& name, const std::vector<std::string>& values,
+                            const int& /*format*/, const std::string& comment) {
+    putStringVector(name, values, comment);
+}
+
+void ConfigWriter::putElement(const std::string& name, const std::string& comment,
+                              const std::function<void()>& writeContents) {
+    const ElementRestorer restorer(*m_impl);
+    createNodeAndMakeCurrent(name, comment);
+    writeContents();
+}
+
+void ConfigWriter::putClassContents(const ConfigurationObject& object) {
+    object.saveContent(*this);
+}
+
+void ConfigWriter::putClassContents(const std::string& name, const ConfigurationObject& object,
+                                    const std::string& comment) {
+    putElement(name, comment, [&] { object.saveContent(*this); });
+}
+
+void ConfigWriter::putClassContents(const std::string& name, const std::string& key,
+                                    const ConfigurationObject& object, const std::string& comment) {
+    const ElementRestorer restorer(*m_impl);
+    createKeyedNodeAndMakeCurrent(name, key, comment);
+    object.saveContent(*this);
+}
+
+void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
+                                                 const ConfigurationObject& object,
+                                                 ConfigReader& reader, const std::string& comment) {
+    deleteNodes(name, "");
+    if (object.canBeSavedToUserConfig(reader))
+        putElement(name, comment, [&] { object.saveContent(*this, reader, true); });
+}
+
+void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
+                                                 const ConfigurationObject& object,
+                                                 ConfigReader& reader, const std::string& comment) {
+    const ElementRestorer restorer(*m_impl);
+    m_impl->deleteKeyedNode(name, key);
+    if (!object.canBeSavedToUserConfig(reader))
+        return;
+    createKeyedNodeAndMakeCurrent(name, key, comment);
+    object.saveContent(*this, reader, true);
+}
+
+std::string ConfigWriter::getAsString() {
+    return m_impl->getAsString();
+}
+
+bool ConfigWriter::saveToFile(const FileName& file) try {
+    const std::string text = getAsString();
+    if (text.empty())
+        return false;
+    const bool existed = FileUtilities::exists(file);
+    const auto former = readRegularFile(file);
+    if (writeFile(file, text))
+        return true;
+    if (former)
+        writeFile(file, *former);
+    else if (!existed)
+        FileUtilities::remove(file);
+    return false;
+} catch (const FileNameException&) {
+    return false;
+}
+
+} // namespace Orvant

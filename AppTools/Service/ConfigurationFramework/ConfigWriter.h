@@ -1,0 +1,150 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationAccessResult.h>
+#include <ConfigurationFramework/Export.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+class ConfigReader;
+class ConfigurationObject;
+class ConfigWriterImpl;
+class FileName;
+
+/// Builds one configuration document, new or from an existing one, and writes it to a file.
+///
+/// @code
+/// ConfigWriter writer("1.0");
+/// writer.createNodeAndMakeCurrent("ViewSettings", "");
+/// writer.putDouble("Zoom", 1.5, "Zoom factor at start");
+/// writer.saveToFile("settings.xml");
+/// @endcode
+///
+/// A writer has a current element, at first the root, below which all operations work. A "name" is
+/// the tag of a direct child of it. Every operation that makes an element takes a comment; one that
+/// is not empty is written before the element and goes with it when it is deleted. Texts are UTF-8;
+/// what XML 1.0 cannot hold and bytes that are not UTF-8 become U+FFFD, with an error in the log
+/// that names the element, and a hyphen of a comment that another or the end follows gets a blank
+/// behind it. An invalid name raises the DOM's exception (xercesc::DOMException).
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigWriter {
+public:
+    /// Starts a new document: a root without children.
+    /// @param version value of the root's attribute version, as it stands
+    explicit ConfigWriter(const std::string& version);
+    /// Opens an existing document for editing. Its version is neither checked nor changed.
+    /// @param file    file to read; where it is empty, `content` is the document
+    /// @param content document in memory, up to its first NUL; ignored when there is a file
+    /// @throws ConfigException of type
+    ///   - SourceNotFound: neither file nor content;
+    ///   - InvalidDocument: missing or unreadable, not well-formed, too many entity references, or
+    ///     the root is not Configuration
+    ConfigWriter(const FileName& file, const std::string& content);
+    ConfigWriter(const ConfigWriter&) = delete;
+    ConfigWriter& operator=(const ConfigWriter&) = delete;
+    ~ConfigWriter();
+
+    /// Replaces all children of that name, keyed or not, by one empty element, the last child.
+    void createNode(const std::string& name, const std::string& comment);
+    /// Replaces the child of that name and key by an empty element, the last child. Children with
+    /// other keys stay; an empty key stands for the children without one.
+    void createKeyedNode(const std::string& name, const std::string& key,
+                         const std::string& comment);
+    /// createNode(), then setCurrentNode().
+    void createNodeAndMakeCurrent(const std::string& name, const std::string& comment);
+    /// createKeyedNode(), then setCurrentKeyedNode().
+    void createKeyedNodeAndMakeCurrent(const std::string& name, const std::string& key,
+                                       const std::string& comment);
+    /// Makes the first child of that name the current element. There is no way back up.
+    /// @return Failure when there is none; the current element is then as it was
+    ConfigurationAccessResult setCurrentNode(const std::string& name);
+    /// Makes the first child of exactly that name and key the current element.
+    /// @return Failure when there is none; the current element is then as it was
+    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
+    /// Deletes the children of that name, each with the comment right before it, and all text
+    /// directly below the current element.
+    /// @param key when it is not empty, only children with this key are deleted
+    void deleteNodes(const std::string& name, const std::string& key);
+
+    /// Replaces the children of that name by an element with the text.
+    void putString(const std::string& name, const std::string& value, const std::string& comment);
+    /// Replaces everything in the current element by a text.
+    void putString(const std::string& value);
+    /// Puts a decimal number.
+    void putInt(const std::string& name, const int& value, const std::string& comment);
+    /// Puts the bits of the number as an int: 4294967295 is written as -1 and read back as it was.
+    void putUnsignedInt(const std::string& name, const unsigned int& value,
+                        const std::string& comment);
+    /// Puts the number as putDouble() does.
+    void putFloat(const std::string& name, const float& value, const std::string& comment);
+    /// Puts a number with six significant digits. Infinities and not-a-number are written as "inf"
+    /// and "nan", which no reader takes.
+    void putDouble(const std::string& name, const double& value, const std::string& comment);
+    /// Puts "true" or "false".
+    void putBool(const std::string& name, const bool& value, const std::string& comment);
+    /// Puts an element with an "item" element for each text.
+    void putStringVector(const std::string& name, const std::vector<std::string>& values,
+                         const std::string& comment);
+
+    /// putString(); `format` is ignored.
+    void putValue(const std::string& name, const std::string& value, const int& format,
+                  const std::string& comment);
+    /// putInt(); `format` is ignored.
+    void putValue(const std::string& name, const int& value, const int& format,
+                  const std::string& comment);
+    /// putUnsignedInt(); `format` is ignored.
+    void putValue(const std::string& name, const unsigned int& value, const int& format,
+                  const std::string& comment);
+    /// Puts a number in scientific notation with ten digits behind the point; `format` is ignored.
+    void putValue(const std::string& name, const float& value, const int& format,
+                  const std::string& comment);
+    /// putDouble() for `format` 0, scientific notation with ten digits behind the point for others.
+    void putValue(const std::string& name, const double& value, const int& format,
+                  const std::string& comment);
+    /// putBool(); `format` is ignored.
+    void putValue(const std::string& name, const bool& value, const int& format,
+                  const std::string& comment);
+    /// putStringVector(); `format` is ignored.
+    void putValue(const std::string& name, const std::vector<std::string>& values,
+                  const int& format, const std::string& comment);
+
+    /// createNode(), then calls back with the new element as current one.
+    void putElement(const std::string& name, const std::string& comment,
+                    const std::function<void()>& writeContents);
+
+    /// Writes an object's contents directly below the current element.
+    void putClassContents(const ConfigurationObject& object);
+    /// Writes an object into a new element that replaces all children of that name.
+    void putClassContents(const std::string& name, const ConfigurationObject& object,
+                          const std::string& comment);
+    /// Writes an object into a new element that replaces the child of that name and key.
+    void putClassContents(const std::string& name, const std::string& key,
+                          const ConfigurationObject& object, const std::string& comment);
+    /// Deletes the children of that name and, if the object has something for the user's file,
+    /// writes what differs from the reference into a new element.
+    /// @param reader holds the reference, normally the system configuration
+    void putOnlyDifferentClassContents(const std::string& name, const ConfigurationObject& object,
+                                       ConfigReader& reader, const std::string& comment);
+    /// As above, for the child of that name and key only.
+    void putOnlyDifferentClassContents(const std::string& name, const std::string& key,
+                                       const ConfigurationObject& object, ConfigReader& reader,
+                                       const std::string& comment);
+
+    /// @return the document in UTF-8, beginning with the root's start tag: no XML declaration, no
+    ///         byte-order mark. Empty, with an error in the log, when XML cannot express the
+    ///         document or it is nested deeper than 1,000 elements (indenting it would fill the
+    ///         disk).
+    std::string getAsString();
+    /// Writes getAsString() to a file, in place. The text is complete before the file is touched. A
+    /// write that fails half-way puts back what the file held, as far as the disk allows.
+    /// @return false when there is no text or it could not be written
+    bool saveToFile(const FileName& file);
+
+private:
+    std::unique_ptr<ConfigWriterImpl> m_impl;
+};
+
+} // namespace Orvant

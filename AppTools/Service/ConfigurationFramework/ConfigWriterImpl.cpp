@@ -1,0 +1,245 @@
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+
+#include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/DocumentPreparation.h>
+#include <ConfigurationFramework/DocumentText.h>
+#include <ConfigurationFramework/DomNavigation.h>
+
+#include <FileHandling/FileName.h>
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <Logging/Logging.h>
+
+#include <source_location>
+
+#include <xercesc/dom/DOMComment.hpp>
+#include <xercesc/dom/DOMConfiguration.hpp>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/dom/DOMText.hpp>
+#include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace Orvant {
+
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using XmlChString = std::basic_string<XMLCh>;
+
+const Logging s_log("ConfigWriter");
+
+constexpr const XMLCh* configurationTag = u"Configuration";
+constexpr const XMLCh* versionAttribute = u"version";
+constexpr const XMLCh* keyAttribute = u"key";
+
+struct SerializerRelease {
+    void operator()(xercesc::DOMLSSerializer* serializer) const { serializer->release(); }
+};
+struct XmlChRelease {
+    void operator()(XMLCh* text) const { xercesc::XMLString::release(&text); }
+};
+
+void logError(const std::string& message,
+              const std::source_location& place = std::source_location::current()) {
+    s_log.logERROR(message, place.file_name(), place.function_name(), place.line());
+}
+
+/// A text made fit for the document; what had to be replaced is logged.
+XmlChString checked(DocumentText text, const std::string& elementName) {
+    if (text.changed)
+        logError("Characters that XML cannot hold were replaced by U+FFFD in the element \"" +
+                 elementName + '"');
+    return std::move(text.text);
+}
+
+bool isNamed(const DOMElement& element, const XmlChString& name) {
+    return name == element.getTagName();
+}
+
+xercesc::DOMImplementation& domImplementation() {
+    return *xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+}
+
+} // namespace
+
+ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
+    : m_session(s_log, std::source_location::current()),
+      m_newDocument(domImplementation().createDocument()),
+      m_document(m_newDocument.get()) {
+    m_current = m_document->createElement(configurationTag);
+    m_current->setAttribute(versionAttribute,
+                            checked(toDocumentText(version), "Configuration").c_str());
+    m_document->appendChild(m_current);
+}
+
+ConfigWriterImpl::ConfigWriterImpl(const FileName& file, const std::string& content)
+    : m_session(s_log, std::source_location::current()),
+      m_parser(std::make_unique<xercesc::XercesDOMParser>()) {
+    m_confinement.apply(*m_parser);
+    load(file, content);
+    prepareForWriting(*m_document);
+}
+
+void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
+    if (file.empty() && content.empty())
+        throw ConfigException(ConfigException::SourceNotFound);
+    try {
+        if (file.empty())
+            parseString(*m_parser, content);
+        else
+            parseFile(*m_parser, file);
+    } catch (const xercesc::XMLException&) {
+        throw ConfigException(ConfigException::InvalidDocument);
+    } catch (const xercesc::DOMException&) {
+        throw ConfigException(ConfigException::InvalidDocument);
+    } catch (const FileNameException&) {
+        throw ConfigException(ConfigException::InvalidDocument);
+    }
+    // Without an error handler a broken document gives a tree that ends at the error. Going on from
+    // there would cut the user's file off.
+    if (m_parser->getErrorCount() != 0)
+        throw ConfigException(ConfigException::InvalidDocument);
+    m_document = m_parser->getDocument();
+    if (m_document == nullptr)
+        throw ConfigException(ConfigException::InvalidDocument);
+    m_current = m_document->getDocumentElement();
+    if (m_current == nullptr)
+        throw ConfigException(ConfigException::InvalidDocument);
+    if (!isNamed(*m_current, configurationTag))
+        throw ConfigException(ConfigException::InvalidDocument);
+}
+
+void ConfigWriterImpl::createNode(const std::string& name, const std::string& comment) {
+    appendElement(name, std::nullopt, comment);
+}
+
+void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
+                                       const std::string& comment) {
+    appendElement(name, key, comment)
+        .setAttribute(keyAttribute, checked(toDocumentText(key), name).c_str());
+}
+
+DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const KeyToDelete& replacedKey,
+                                            const std::string& comment) {
+    // Made before anything is deleted: an invalid name is refused here.
+    DOMElement& element = *m_document->createElement(checked(toDocumentText(name), name).c_str());
+    deleteChildren(name, replacedKey);
+    if (!comment.empty())
+        m_current->appendChild(
+            m_document->createComment(checked(toCommentText(comment), name).c_str()));
+    m_current->appendChild(&element);
+    return element;
+}
+
+ConfigurationAccessResult ConfigWriterImpl::setCurrentNode(const std::string& name) {
+    return makeCurrent(name, nullptr);
+}
+
+ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::string& name,
+                                                                const std::string& key) {
+    return makeCurrent(name, &key);
+}
+
+ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
+                                                        const std::string* key) {
+    const XmlChString wantedName = XercesHelperFunctions::stringToXmlCh(name);
+    const XmlChString wantedKey =
+        key == nullptr ? XmlChString() : XercesHelperFunctions::stringToXmlCh(*key);
+    for (DOMNode* node = m_current->getFirstChild(); node != nullptr;
+         node = node->getNextSibling()) {
+        DOMElement* const element = asElement(node);
+        if (element != nullptr && isNamed(*element, wantedName) &&
+            (key == nullptr || wantedKey == element->getAttribute(keyAttribute))) {
+            m_current = element;
+            return ConfigurationAccessResult::Success;
+        }
+    }
+    return ConfigurationAccessResult::Failure;
+}
+
+void ConfigWriterImpl::deleteNodes(const std::string& name, const std::string& key) {
+    deleteChildren(name, key.empty() ? std::nullopt : KeyToDelete(key));
+}
+
+void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::string& key) {
+    deleteChildren(name, key);
+}
+
+void ConfigWriterImpl::deleteChildren(const std::string& name, const KeyToDelete& key) {
+    const XmlChString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
+    const XmlChString keyToDelete =
+        key ? XercesHelperFunctions::stringToXmlCh(*key) : XmlChString();
+    for (DOMNode* node = m_current->getFirstChild(); node != nullptr;) {
+        DOMNode* const next = node->getNextSibling();
+        const DOMElement* const element = asElement(node);
+        if (node->getNodeType() == DOMNode::TEXT_NODE) {
+            m_current->removeChild(node);
+        } else if (element != nullptr && isNamed(*element, nameToDelete) &&
+                   (!key || keyToDelete == element->getAttribute(keyAttribute))) {
+            DOMNode* const previous = node->getPreviousSibling();
+            if (previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE)
+                m_current->removeChild(previous);
+            m_current->removeChild(node);
+        }
+        node = next;
+    }
+}
+
+void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) {
+    const std::string name = XercesHelperFunctions::xmlChToString(element.getTagName());
+    element.appendChild(m_document->createTextNode(checked(toDocumentText(text), name).c_str()));
+}
+
+void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
+                               const std::string& comment) {
+    appendText(appendElement(name, std::nullopt, comment), text);
+}
+
+void ConfigWriterImpl::putString(const std::string& value) {
+    const std::string name = XercesHelperFunctions::xmlChToString(m_current->getTagName());
+    m_current->setTextContent(checked(toDocumentText(value), name).c_str());
+}
+
+void ConfigWriterImpl::putStringVector(const std::string& name,
+                                       const std::vector<std::string>& values,
+                                       const std::string& comment) {
+    DOMElement& list = appendElement(name, std::nullopt, comment);
+    for (const std::string& value : values) {
+        DOMElement& item = *m_document->createElement(u"item");
+        list.appendChild(&item);
+        item.appendChild(m_document->createTextNode(checked(toDocumentText(value), name).c_str()));
+    }
+}
+
+std::string ConfigWriterImpl::getAsString() {
+    const DOMElement* const root = m_document->getDocumentElement();
+    if (nestingDepth(*root) > maxWrittenDepth) {
+        logError("The document is nested too deeply to be written");
+        return {};
+    }
+    const std::unique_ptr<xercesc::DOMLSSerializer, SerializerRelease> serializer(
+        domImplementation().createLSSerializer());
+    xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTBOM, true))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTBOM, false);
+    configuration.setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
+    // The DTD that declares default attributes is not written, so they are.
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false);
+
+    const std::unique_ptr<XMLCh, XmlChRelease> text(serializer->writeToString(root));
+    if (text == nullptr) {
+        logError("The document holds something that XML cannot express");
+        return {};
+    }
+    const std::string printed = XercesHelperFunctions::xmlChToString(text.get());
+    return printed.substr(std::min(printed.find('<'), printed.size()));
+}
+
+} // namespace Orvant

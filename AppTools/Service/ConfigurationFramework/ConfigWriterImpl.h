@@ -1,0 +1,67 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationAccessResult.h>
+#include <ConfigurationFramework/DocumentParsing.h>
+#include <ConfigurationFramework/XercesSession.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace Orvant {
+
+class FileName;
+
+/// The document of a ConfigWriter and the place in it. The operations are those of the writer.
+class ConfigWriterImpl {
+public:
+    explicit ConfigWriterImpl(const std::string& version);
+    ConfigWriterImpl(const FileName& file, const std::string& content);
+
+    void createNode(const std::string& name, const std::string& comment);
+    void createKeyedNode(const std::string& name, const std::string& key,
+                         const std::string& comment);
+    ConfigurationAccessResult setCurrentNode(const std::string& name);
+    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
+    void deleteNodes(const std::string& name, const std::string& key);
+    /// Deletes the child that createKeyedNode() would replace.
+    void deleteKeyedNode(const std::string& name, const std::string& key);
+
+    void putText(const std::string& name, const std::string& text, const std::string& comment);
+    void putString(const std::string& value);
+    void putStringVector(const std::string& name, const std::vector<std::string>& values,
+                         const std::string& comment);
+
+    std::string getAsString();
+
+    xercesc::DOMElement* currentElement() const { return m_current; }
+    void setCurrentElement(xercesc::DOMElement* element) { m_current = element; }
+
+private:
+    struct DocumentRelease {
+        void operator()(xercesc::DOMDocument* document) const { document->release(); }
+    };
+    /// Which children of a name a deletion takes: all, or those whose key (absent: empty) is this.
+    using KeyToDelete = std::optional<std::string>;
+
+    void load(const FileName& file, const std::string& content);
+    xercesc::DOMElement& appendElement(const std::string& name, const KeyToDelete& replacedKey,
+                                       const std::string& comment);
+    void deleteChildren(const std::string& name, const KeyToDelete& key);
+    void appendText(xercesc::DOMElement& element, const std::string& text);
+    ConfigurationAccessResult makeCurrent(const std::string& name, const std::string* key);
+
+    // In the order in which they must be built; they are given back the other way round.
+    XercesSession m_session;
+    ParserConfinement m_confinement;
+    std::unique_ptr<xercesc::XercesDOMParser> m_parser; ///< of a loaded document, which it owns
+    std::unique_ptr<xercesc::DOMDocument, DocumentRelease> m_newDocument; ///< of a new document
+    xercesc::DOMDocument* m_document = nullptr;
+    xercesc::DOMElement* m_current = nullptr;
+};
+
+} // namespace Orvant

@@ -1,0 +1,246 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+
+#include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+
+#include <FileHandling/FileUtilities.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+ConfigurationAccessResult load(AdvancedConfigReader& reader, ConfigurationObject& object,
+                               const std::string& name, const std::optional<std::string>& key) {
+    return key ? reader.getClassContents(name, *key, object)
+               : reader.getClassContents(name, object);
+}
+
+/// The system configuration as an object asks for it while it is compared: it asks by its own name,
+/// and is answered from the element that it is registered under.
+class ReferenceReader : public AdvancedConfigReader {
+public:
+    using AdvancedConfigReader::getClassContents;
+
+    void setElement(const std::string& objectName, const std::string& name,
+                    const std::optional<std::string>& key) {
+        m_objectName = objectName;
+        m_name = name;
+        m_key = key;
+    }
+
+    ConfigurationAccessResult getClassContents(const std::string& name,
+                                               ConfigurationObject& object) override {
+        if (name != m_objectName)
+            return AdvancedConfigReader::getClassContents(name, object);
+        return m_key ? AdvancedConfigReader::getClassContents(m_name, *m_key, object)
+                     : AdvancedConfigReader::getClassContents(m_name, object);
+    }
+
+private:
+    std::string m_objectName;
+    std::string m_name;
+    std::optional<std::string> m_key;
+};
+
+std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
+    // What the file holds of others survives.
+    return FileUtilities::exists(file) ? std::make_unique<ConfigWriter>(file, "")
+                                       : std::make_unique<ConfigWriter>(version);
+}
+
+/// Runs a save; whatever exception it meets leaves the file as it was.
+/// @return what the save returns, false for an exception
+template <typename Save>
+bool guarded(Save save) try {
+    return save();
+} catch (...) {
+    return false;
+}
+
+} // namespace
+
+ConfigurationManager ConfigurationManager::s_instance;
+
+ConfigurationManager::ConfigurationManager() = default;
+
+ConfigurationManager::~ConfigurationManager() = default;
+
+ConfigurationManager& ConfigurationManager::getInstance() {
+    return s_instance;
+}
+
+void ConfigurationManager::setConfigurationFile(const FileName& file) {
+    m_configurationFile = file;
+    m_fileMode = SingleFile;
+}
+
+void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& systemFile,
+                                                             const FileName& userFile) {
+    m_systemFile = systemFile;
+    m_userFile = userFile;
+    m_fileMode = SystemAndUserFile;
+}
+
+void ConfigurationManager::setValidVersionList(const std::list<std::string>& versions) {
+    m_validVersions = versions;
+}
+
+void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                                  const std::string& name) {
+    addConfigurationObject(std::move(object), name, std::nullopt);
+}
+
+void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                                  const std::string& name, const std::string& key) {
+    addConfigurationObject(std::move(object), name, std::optional(key));
+}
+
+void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                                  const std::string& name,
+                                                  const std::optional<std::string>& key) {
+    // An object without a key is saved in place of all elements of its name, those of registered
+    // siblings with a key included, so it does not join them.
+    const auto [first, last] = m_objects.equal_range(name);
+    const bool taken = std::any_of(
+        first, last, [&](const auto& registered) { return !key || registered.second.key == key; });
+    if (!taken)
+        m_objects.emplace(name, RegisteredObject{object, key});
+
+    AdvancedConfigReader reader;
+    if (addSourceToConfigReader(reader))
+        load(reader, *object, name, key);
+}
+
+ConfigurationObject* ConfigurationManager::getConfigurationObject(const std::string& name) const {
+    const auto found = m_objects.lower_bound(name);
+    return found != m_objects.end() && found->first == name ? found->second.object.get() : nullptr;
+}
+
+bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader) {
+    const auto add = [&](const FileName& file, AdvancedConfigReader::Priority priority) {
+        return reader.addFileSource(file, {}, priority, m_validVersions) ==
+               ConfigurationAccessResult::Success;
+    };
+    switch (m_fileMode) {
+    case SystemAndUserFile: {
+        const bool systemAdded = add(m_systemFile, AdvancedConfigReader::Priority::System);
+        const bool userAdded = add(m_userFile, AdvancedConfigReader::Priority::User);
+        return systemAdded || userAdded;
+    }
+    case SingleFile:
+        return add(m_configurationFile, AdvancedConfigReader::Priority::User);
+    case NoFiles:
+        break;
+    }
+    return false;
+}
+
+bool ConfigurationManager::hasSystemConfigFileErrors() {
+    return hasErrors(m_systemFile);
+}
+
+bool ConfigurationManager::hasUserConfigFileErrors() {
+    return hasErrors(m_userFile);
+}
+
+bool ConfigurationManager::hasErrors(const FileName& file) const {
+    if (m_fileMode != SystemAndUserFile || !FileUtilities::exists(file))
+        return false;
+    AdvancedConfigReader reader;
+    return reader.addFileSource(file, {}, AdvancedConfigReader::Priority::System,
+                                m_validVersions) == ConfigurationAccessResult::Failure;
+}
+
+void ConfigurationManager::reset() {
+    m_objects.clear();
+    m_fileMode = NoFiles;
+    m_configurationFile = FileName();
+    m_systemFile = FileName();
+    m_userFile = FileName();
+}
+
+void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {
+    const auto found = m_objects.lower_bound(name);
+    if (found == m_objects.end() || found->first != name)
+        return;
+    const auto& [object, key] = found->second;
+    object->setDefaultValues();
+
+    if (m_fileMode == NoFiles)
+        return;
+    const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
+    const FileName& file = m_fileMode == SingleFile ? m_configurationFile
+                           : fromSystemFile         ? m_systemFile
+                                                    : m_userFile;
+    AdvancedConfigReader reader;
+    const auto added = reader.addFileSource(file, {},
+                                            fromSystemFile ? AdvancedConfigReader::Priority::System
+                                                           : AdvancedConfigReader::Priority::User,
+                                            m_validVersions);
+    // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
+    // tell of the defaults.
+    if (added == ConfigurationAccessResult::Success &&
+        load(reader, *object, name, key) == ConfigurationAccessResult::Failure)
+        object->emitSignalsAfterConfigLoading();
+}
+
+bool ConfigurationManager::saveConfiguration(const std::string& version) const {
+    const FileName target = m_fileMode == SingleFile          ? m_configurationFile
+                            : m_fileMode == SystemAndUserFile ? m_userFile
+                                                              : FileName();
+    if (target.empty())
+        return true;
+    return guarded([&] {
+        auto writer = openForSaving(target, version);
+        return m_fileMode == SystemAndUserFile
+                   ? saveUserAndCompareWithSystemConfiguration(writer, target)
+                   : saveSingleConfiguration(writer, target);
+    });
+}
+
+bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
+                                                   const std::string& version) const {
+    if (fileName.empty())
+        return true;
+    return guarded([&] {
+        const FileName file(fileName);
+        auto writer = openForSaving(file, version);
+        return saveSingleConfiguration(writer, file);
+    });
+}
+
+bool ConfigurationManager::saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer,
+                                                   const FileName& file) const {
+    for (const auto& [name, registered] : m_objects) {
+        if (!registered.object->writesContent())
+            continue;
+        if (registered.key)
+            writer->putClassContents(name, *registered.key, *registered.object, "");
+        else
+            writer->putClassContents(name, *registered.object, "");
+    }
+    return writer->saveToFile(file);
+}
+
+bool ConfigurationManager::saveUserAndCompareWithSystemConfiguration(
+    std::unique_ptr<ConfigWriter>& writer, const FileName& file) const {
+    ReferenceReader reader;
+    reader.addFileSource(m_systemFile, {}, AdvancedConfigReader::Priority::System, m_validVersions);
+    for (const auto& [name, registered] : m_objects) {
+        if (!registered.object->writesContent())
+            continue;
+        reader.setElement(registered.object->getName(), name, registered.key);
+        if (registered.key)
+            writer->putOnlyDifferentClassContents(name, *registered.key, *registered.object, reader,
+                                                  "");
+        else
+            writer->putOnlyDifferentClassContents(name, *registered.object, reader, "");
+    }
+    return writer->saveToFile(file);
+}
+
+} // namespace Orvant

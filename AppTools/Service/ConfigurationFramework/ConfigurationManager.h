@@ -1,0 +1,124 @@
+#pragma once
+
+#include <ConfigurationFramework/Export.h>
+#include <FileHandling/FileName.h>
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Orvant {
+
+class AdvancedConfigReader;
+class ConfigurationObject;
+class ConfigWriter;
+
+/// The process-wide registry of configuration objects: loads them when they are registered and
+/// saves them.
+///
+/// @code
+/// auto& manager = ConfigurationManager::getInstance();
+/// manager.setValidVersionList({"1.0"});
+/// manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
+/// manager.addConfigurationObject(std::make_shared<ViewSettings>(), "ViewSettings");
+/// manager.saveConfiguration("1.0");
+/// @endcode
+///
+/// With one file, a save writes every object in full. With a system and a user file, a save writes
+/// to the user's what differs from the system's, which is never written. What the manager does not
+/// own stays in the file. Use it from one thread.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationManager {
+public:
+    ConfigurationManager(const ConfigurationManager&) = default;
+    ConfigurationManager& operator=(const ConfigurationManager&) = default;
+    virtual ~ConfigurationManager();
+
+    /// @return the one instance of the process
+    static ConfigurationManager& getInstance();
+
+    /// From now on, loads and saves go to one file.
+    void setConfigurationFile(const FileName& file);
+    /// From now on, loads go to two files and saves to the user's.
+    void setSystemAndUserConfigurationFile(const FileName& systemFile, const FileName& userFile);
+    /// Sets the document versions that loading accepts. A file of another version is not loaded.
+    void setValidVersionList(const std::list<std::string>& versions);
+    /// @return the document versions that loading accepts
+    const std::list<std::string>& getValidVersions() const { return m_validVersions; }
+
+    /// Registers an object and loads it from the element of the name.
+    /// @param object shared with the caller; where the files do not have its element, it keeps its
+    ///               values. When the name is taken, the earlier object stays registered, and this
+    ///               one is only loaded.
+    /// @param name   tag of the object's element; the object is also saved there
+    void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                const std::string& name);
+    /// Registers an object and loads it from the element of the name and key, or, where no element
+    /// has the key, from the one without a key. It is saved in the element of the key.
+    ///
+    /// Objects of one name and several keys are registered side by side, each once, so that all are
+    /// saved; look-ups by name find the first.
+    void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                const std::string& name, const std::string& key);
+    /// @return the object that was first registered under the name, owned by the manager; null when
+    ///         there is none
+    ConfigurationObject* getConfigurationObject(const std::string& name) const;
+
+    /// @return true when there are two files and the system file is there but cannot be loaded
+    bool hasSystemConfigFileErrors();
+    /// @return true when there are two files and the user file is there but cannot be loaded
+    bool hasUserConfigFileErrors();
+
+    /// Forgets objects and files; the accepted versions stay.
+    void reset();
+    /// Sets an object to its defaults, locked values excepted, and loads it again from one file.
+    /// @param name         name that it is registered under; of several, the first is reset
+    /// @param fromUserFile with two files: which one to load, the user's alone (what only the
+    /// system
+    ///                     file sets is then at its default) or the system's alone
+    void resetConfigurationObject(const std::string& name, bool fromUserFile);
+
+    /// Writes the objects to the file, or to the user file.
+    /// @param version version of the document if it has to be started; that of a file stays
+    /// @return false when it could not be written or the file is not a configuration; the file is
+    ///         then as it was. True without doing anything when no file is set.
+    bool saveConfiguration(const std::string& version) const;
+    /// Writes all objects in full to a file.
+    /// @param fileName UTF-8; empty: nothing is written, which counts as success
+    /// @param version  version of the document if it has to be started
+    /// @return false when it could not be written or the file is not a configuration; the file is
+    ///         then as it was
+    bool saveConfigurationToFile(const std::string& fileName, const std::string& version) const;
+
+private:
+    enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
+
+    struct RegisteredObject {
+        std::shared_ptr<ConfigurationObject> object;
+        std::optional<std::string> key; ///< of the element; none: the element has just the name
+    };
+
+    ConfigurationManager();
+
+    void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
+                                const std::string& name, const std::optional<std::string>& key);
+    bool addSourceToConfigReader(AdvancedConfigReader& reader);
+    bool hasErrors(const FileName& file) const;
+    bool saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer, const FileName& file) const;
+    bool saveUserAndCompareWithSystemConfiguration(std::unique_ptr<ConfigWriter>& writer,
+                                                   const FileName& file) const;
+
+    static ConfigurationManager s_instance;
+
+    FileMode m_fileMode = NoFiles;
+    FileName m_configurationFile;
+    FileName m_systemFile;
+    FileName m_userFile;
+    /// By name; the objects of one name in the order of their registration.
+    std::multimap<std::string, RegisteredObject> m_objects;
+    std::list<std::string> m_validVersions;
+};
+
+} // namespace Orvant

@@ -1,0 +1,331 @@
+#include <ConfigurationFramework/ConfigurationObject.h>
+
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationValueBase.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+template <typename Item>
+void append(std::vector<Item*>& items, Item* item) {
+    std::unique_ptr<Item> owner(item);
+    items.push_back(item);
+    (void)owner.release();
+}
+
+template <typename Item>
+void deleteAll(std::vector<Item*>& items) {
+    for (Item* item : items)
+        delete item;
+    items.clear();
+}
+
+template <typename Item>
+Item* findByName(const std::vector<Item*>& items, const std::string& name) {
+    const auto found =
+        std::ranges::find_if(items, [&](const Item* item) { return item->getName() == name; });
+    return found == items.end() ? nullptr : *found;
+}
+
+/// The item of the same name among those of another object (null: none); objects of one class have
+/// it at the same position.
+template <typename Item>
+Item* findCounterpart(const std::vector<Item*>& items, std::size_t position,
+                      const std::vector<Item*>* others) {
+    if (others == nullptr)
+        return nullptr;
+    const std::string& name = items[position]->getName();
+    if (position < others->size() && (*others)[position]->getName() == name)
+        return (*others)[position];
+    return findByName(*others, name);
+}
+
+void appendLine(std::string& text, const std::string& line) {
+    if (!text.empty() && !line.empty())
+        text += '\n';
+    text += line;
+}
+
+std::unique_ptr<ConfigurationObject> loadReference(const ConfigurationObject& object,
+                                                   ConfigReader& reader) {
+    std::unique_ptr<ConfigurationObject> reference(object.createConfigurationObject());
+    reader.getClassContents(object.getName(), *reference);
+    return reference;
+}
+
+} // namespace
+
+ConfigurationObject::ConfigurationObject(const std::string& name, const std::string& description,
+                                         Persistence persistence, ProductType productType)
+    : ConfigurationItemBase(name, description, ObjectItem, persistence, productType) {}
+
+ConfigurationObject::ConfigurationObject(const ConfigurationObject& other)
+    : ConfigurationItemBase(other), m_userWarningMessages(other.m_userWarningMessages) {
+    try {
+        appendCopies(other);
+    } catch (...) {
+        clearConfigurationItems();
+        throw;
+    }
+}
+
+ConfigurationObject& ConfigurationObject::operator=(const ConfigurationObject& other) {
+    if (this == &other)
+        return *this;
+    std::vector<ConfigurationValueBase*> oldValues = std::exchange(m_values, {});
+    std::vector<ConfigurationObject*> oldObjects = std::exchange(m_objects, {});
+    try {
+        appendCopies(other);
+        m_userWarningMessages = other.m_userWarningMessages;
+        ConfigurationItemBase::operator=(other);
+    } catch (...) {
+        clearConfigurationItems();
+        m_values.swap(oldValues);
+        m_objects.swap(oldObjects);
+        throw;
+    }
+    deleteAll(oldValues);
+    deleteAll(oldObjects);
+    return *this;
+}
+
+ConfigurationObject::~ConfigurationObject() {
+    clearConfigurationItems();
+}
+
+void ConfigurationObject::loadContent(ConfigReader& reader) {
+    if (!isLoadable() || !isEditable())
+        return;
+    bool editable = isEditable();
+    reader.getEditable(editable);
+    setEditable(editable);
+    for (ConfigurationValueBase* value : m_values)
+        value->loadContent(reader);
+    for (ConfigurationObject* child : m_objects) {
+        if (child->getName().empty())
+            child->loadContent(reader);
+        else
+            reader.getClassContents(child->getName(), *child);
+    }
+}
+
+void ConfigurationObject::saveContent(ConfigWriter& writer) const {
+    if (!writesContent())
+        return;
+    for (const ConfigurationValueBase* value : m_values)
+        value->saveContent(writer);
+    for (const ConfigurationObject* child : m_objects) {
+        if (child->getName().empty())
+            writer.putClassContents(*child);
+        else
+            writer.putClassContents(child->getName(), *child, child->getDescription());
+    }
+}
+
+ConfigurationObject* ConfigurationObject::clone() const {
+    std::unique_ptr<ConfigurationObject> copy(createConfigurationObject());
+    copy->clearConfigurationItems();
+    copy->appendCopies(*this);
+    copy->setEditable(isEditable());
+    copy->m_userWarningMessages = m_userWarningMessages;
+    return copy.release();
+}
+
+void ConfigurationObject::saveContent(ConfigWriter& writer, ConfigReader& reader,
+                                      bool onlyDifferent) const {
+    const auto reference = loadReference(*this, reader);
+    if (onlyDifferent)
+        saveDifferentConfigurationValues(writer, reference.get());
+    else
+        saveContent(writer);
+}
+
+bool ConfigurationObject::canBeSavedToUserConfig(ConfigReader& reader) const {
+    return atLeastOneSavedValueIsDifferent(loadReference(*this, reader).get());
+}
+
+void ConfigurationObject::setDefaultValues() {
+    if (!isEditable())
+        return;
+    for (ConfigurationValueBase* value : m_values)
+        if (value->isEditable())
+            value->resetValue();
+    for (ConfigurationObject* child : m_objects)
+        child->setDefaultValues();
+}
+
+bool ConfigurationObject::hasNonEditableEntries() const {
+    return !isEditable() ||
+           std::ranges::any_of(m_values, [](const auto* value) { return !value->isEditable(); }) ||
+           std::ranges::any_of(m_objects,
+                               [](const auto* child) { return child->hasNonEditableEntries(); });
+}
+
+void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject* other) {
+    if (other != nullptr)
+        takeFromSystem(*other, !other->isEditable());
+}
+
+void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool locked) {
+    setEditable(system.isEditable());
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        ConfigurationValueBase& value = *m_values[i];
+        const auto* systemValue = findCounterpart(m_values, i, &system.m_values);
+        if (systemValue == nullptr)
+            continue;
+        if (locked || !systemValue->isEditable() || !value.hasValue()) {
+            if (systemValue->hasValue())
+                value.adoptValue(systemValue);
+            else
+                value.resetValue();
+        }
+        value.setEditable(systemValue->isEditable());
+    }
+    for (std::size_t i = 0; i < m_objects.size(); ++i) {
+        ConfigurationObject& child = *m_objects[i];
+        const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects);
+        if (systemChild == nullptr)
+            continue;
+        if (locked)
+            child.takeFromSystem(*systemChild, true);
+        else
+            child.overwriteInvalidConfigValues(systemChild);
+    }
+}
+
+void ConfigurationObject::emitSignalsAfterConfigLoading() {
+    for (ConfigurationObject* child : m_objects)
+        child->emitSignalsAfterConfigLoading();
+}
+
+std::string ConfigurationObject::getUserWarningMessages() const {
+    std::string messages = m_userWarningMessages;
+    for (const ConfigurationObject* child : m_objects)
+        appendLine(messages, child->getUserWarningMessages());
+    return messages;
+}
+
+void ConfigurationObject::addUserWarningMessage(const std::string& message) {
+    appendLine(m_userWarningMessages, message);
+}
+
+bool ConfigurationObject::writesContent() const {
+    return isWrittenByCurrentProduct();
+}
+
+ConfigurationValueBase* ConfigurationObject::getConfigurationValue(const std::string& name) const {
+    return findByName(m_values, name);
+}
+
+ConfigurationObject* ConfigurationObject::getConfigurationObject(const std::string& name) const {
+    return findByName(m_objects, name);
+}
+
+std::vector<const ConfigurationValueBase*> ConfigurationObject::getConfigurationValues() const {
+    return {m_values.begin(), m_values.end()};
+}
+
+bool ConfigurationObject::compareWithOtherConfigValue(const ConfigurationObject* other,
+                                                      const std::string& name) const {
+    const ConfigurationValueBase* const mine = getConfigurationValue(name);
+    const ConfigurationValueBase* const others =
+        other == nullptr ? nullptr : other->getConfigurationValue(name);
+    return mine != nullptr && others != nullptr && mine->comapreValue(others);
+}
+
+bool ConfigurationObject::atLeastOneValueIsDifferent(const ConfigurationObject* other) const {
+    return differs(other, false);
+}
+
+bool ConfigurationObject::atLeastOneSavedValueIsDifferent(const ConfigurationObject* other) const {
+    return differs(other, true);
+}
+
+bool ConfigurationObject::differs(const ConfigurationObject* other, bool savedOnly) const {
+    if (other == nullptr || m_values.size() != other->m_values.size() ||
+        m_objects.size() != other->m_objects.size())
+        return true;
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        const ConfigurationValueBase& mine = *m_values[i];
+        const ConfigurationValueBase& others = *other->m_values[i];
+        if (!mine.comapreValue(&others) && (!savedOnly || (mine.isSavable() && others.isSavable())))
+            return true;
+    }
+    // What the children hold never decides: with children an object is always worth saving, and
+    // their differences are their own.
+    return savedOnly && !m_objects.empty();
+}
+
+std::vector<const ConfigurationValueBase*>
+ConfigurationObject::getDifferentConfigurationValues(const ConfigurationObject* other) const {
+    const auto* const otherValues = other == nullptr ? nullptr : &other->m_values;
+    std::vector<const ConfigurationValueBase*> different;
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        const auto* counterpart = findCounterpart(m_values, i, otherValues);
+        if (counterpart == nullptr || !m_values[i]->comapreValue(counterpart))
+            different.push_back(m_values[i]);
+    }
+    return different;
+}
+
+bool ConfigurationObject::hasDifferenceToWrite(const ConfigurationObject* other) const {
+    if (!writesContent())
+        return false;
+    const auto different = getDifferentConfigurationValues(other);
+    if (std::ranges::any_of(different,
+                            [](const auto* value) { return value->isWrittenByCurrentProduct(); }))
+        return true;
+    const auto* const otherObjects = other == nullptr ? nullptr : &other->m_objects;
+    for (std::size_t i = 0; i < m_objects.size(); ++i)
+        if (m_objects[i]->hasDifferenceToWrite(findCounterpart(m_objects, i, otherObjects)))
+            return true;
+    return false;
+}
+
+void ConfigurationObject::saveDifferentConfigurationValues(ConfigWriter& writer,
+                                                           const ConfigurationObject* other) const {
+    if (!writesContent())
+        return;
+    for (const ConfigurationValueBase* value : getDifferentConfigurationValues(other))
+        value->saveContent(writer);
+    const auto* const otherObjects = other == nullptr ? nullptr : &other->m_objects;
+    for (std::size_t i = 0; i < m_objects.size(); ++i) {
+        const ConfigurationObject& child = *m_objects[i];
+        const auto* counterpart = findCounterpart(m_objects, i, otherObjects);
+        const auto writeChild = [&] {
+            child.saveDifferentConfigurationValues(writer, counterpart);
+        };
+        if (child.getName().empty())
+            writeChild();
+        else if (child.hasDifferenceToWrite(counterpart))
+            writer.putElement(child.getName(), child.getDescription(), writeChild);
+    }
+}
+
+void ConfigurationObject::addConfigurationValue(ConfigurationValueBase* value) {
+    append(m_values, value);
+}
+
+void ConfigurationObject::addConfigurationObject(ConfigurationObject* object) {
+    append(m_objects, object);
+}
+
+void ConfigurationObject::clearConfigurationItems() {
+    deleteAll(m_values);
+    deleteAll(m_objects);
+}
+
+void ConfigurationObject::appendCopies(const ConfigurationObject& other) {
+    for (const ConfigurationValueBase* value : other.m_values)
+        append(m_values, value->clone());
+    for (const ConfigurationObject* child : other.m_objects)
+        append(m_objects, child->clone());
+}
+
+} // namespace Orvant

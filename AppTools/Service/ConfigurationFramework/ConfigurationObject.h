@@ -1,0 +1,153 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationItemBase.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+class ConfigurationValueBase;
+
+/// A named group of values and of child objects: one element of the configuration file.
+///
+/// @code
+/// class ViewSettings : public ConfigurationObject {
+/// public:
+///     ViewSettings() : ConfigurationObject("ViewSettings", "The 3D view", LoadAndSave,
+///     AllProducts) {
+///         addConfigurationValue(new ConfigurationValue<double>("Zoom", "Zoom factor at
+///         start", 1.0,
+///                                                              Visible, LoadAndSave,
+///                                                              AllProducts));
+///     }
+///     ConfigurationObject* createConfigurationObject() const override { return new ViewSettings; }
+/// };
+/// @endcode
+///
+/// A child with a name has an element of its own below the object's; a child without a name is
+/// stored inline, in the element of its parent.
+///
+/// The object owns its values and children. Copies are deep: they have values and children of their
+/// own and outlive their originals, so a derived class finds its values by name and keeps no
+/// pointers to them.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationObject : public ConfigurationItemBase {
+public:
+    /// @param name        tag of the object's element; empty for a child that is stored inline
+    /// @param description comment before the element of a child
+    /// @param persistence which way the object goes between memory and file
+    /// @param productType products that have the object
+    ConfigurationObject(const std::string& name, const std::string& description,
+                        Persistence persistence, ProductType productType);
+    ConfigurationObject(const ConfigurationObject& other);
+    ConfigurationObject& operator=(const ConfigurationObject& other);
+    ~ConfigurationObject() override;
+
+    /// Loads lock, values and children from the current node of a reader. Does nothing when the
+    /// object is not loadable or is locked.
+    void loadContent(ConfigReader& reader) override;
+    /// Writes all values and children below the current element of a writer, unless
+    /// writesContent() denies it.
+    void saveContent(ConfigWriter& writer) const override;
+    /// @return a new instance of the concrete class with its defaults, never null; the caller owns
+    /// it
+    virtual ConfigurationObject* createConfigurationObject() const = 0;
+    /// @return a deep copy of the concrete class with values, locks and warnings; the caller owns
+    /// it
+    virtual ConfigurationObject* clone() const;
+    /// Writes the object as compared with what a reader holds for it.
+    /// @param reader        holds the reference, normally the system configuration
+    /// @param onlyDifferent true: only what differs from the reference; false: everything
+    virtual void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const;
+    /// @return true when the object has something for the user's file: as compared with what the
+    ///         reader holds, atLeastOneSavedValueIsDifferent()
+    virtual bool canBeSavedToUserConfig(ConfigReader& reader) const;
+    /// Resets every value that may be edited, in children too. What is locked keeps its value (in a
+    /// locked object, everything does): a reset is no way around a lock.
+    virtual void setDefaultValues();
+    /// @return true when the object, a value or something in a child is locked
+    virtual bool hasNonEditableEntries() const;
+    /// Repairs the object after a user's document was loaded over the system's.
+    ///
+    /// What the system locks gets the system's value; so does a value that the user's document does
+    /// not hold or holds unreadably. Locks become exactly those of the system: a user's document
+    /// neither locks nor unlocks. Children are repaired likewise, named and nameless. Values and
+    /// children that `other` does not have are left alone.
+    /// @param other the object as the system's document left it; null does nothing
+    virtual void overwriteInvalidConfigValues(const ConfigurationObject* other);
+    /// Tells observers that loading is complete. Here it calls each child's; derived classes add
+    /// their signals.
+    virtual void emitSignalsAfterConfigLoading();
+    /// @return own warnings and those of the children, a line each; empty when there are none
+    virtual std::string getUserWarningMessages() const;
+    /// Adds a line to the object's own warnings; an empty message adds none.
+    virtual void addUserWarningMessage(const std::string& message);
+    /// @return false when, by its definition, the object writes nothing in this run: it is
+    ///         NotPersistent or not of the running product. Saves then leave whatever element of
+    ///         its name stands in the file. Override it with saveContent() in a class that never
+    ///         writes.
+    virtual bool writesContent() const;
+
+    /// @return first value of that name, not looking into children; null when there is none
+    ConfigurationValueBase* getConfigurationValue(const std::string& name) const;
+    /// @return first child of that name; null when there is none
+    ConfigurationObject* getConfigurationObject(const std::string& name) const;
+    /// @return the values in the order in which they were added
+    std::vector<const ConfigurationValueBase*> getConfigurationValues() const;
+    /// @return number of values
+    std::size_t getConfigurationValuesSize() const { return m_values.size(); }
+    /// @return number of children
+    std::size_t getConfigurationObjectsSize() const { return m_objects.size(); }
+
+    using ValueIterator = std::vector<ConfigurationValueBase*>::const_iterator;
+    using ObjectIterator = std::vector<ConfigurationObject*>::const_iterator;
+    /// @return first value, in the order in which they were added
+    ValueIterator beginValueIterator() const { return m_values.begin(); }
+    /// @return end of the values
+    ValueIterator endValueIterator() const { return m_values.end(); }
+    /// @return first child, in the order in which they were added
+    ObjectIterator beginObjectIterator() const { return m_objects.begin(); }
+    /// @return end of the children
+    ObjectIterator endObjectIterator() const { return m_objects.end(); }
+
+    /// @return true when both objects have a value of that name and the two are equal
+    bool compareWithOtherConfigValue(const ConfigurationObject* other,
+                                     const std::string& name) const;
+    /// @return true when numbers of values or children differ, or a pair of values at the same
+    ///         position does. Differences inside children do not count. A null `other` differs.
+    bool atLeastOneValueIsDifferent(const ConfigurationObject* other) const;
+    /// As atLeastOneValueIsDifferent(), but a pair counts only when both its values are savable,
+    /// and an object with children always differs.
+    bool atLeastOneSavedValueIsDifferent(const ConfigurationObject* other) const;
+    /// @return values that differ from the value of their name in `other`, or have none there, in
+    ///         order. A null `other` has no values.
+    std::vector<const ConfigurationValueBase*>
+    getDifferentConfigurationValues(const ConfigurationObject* other) const;
+    /// Writes what differs from `other`: values (LoadOnly ones too, as a full save does) and, for
+    /// each named child with a difference somewhere below it, its element holding only what
+    /// differs. Nameless children are written inline.
+    /// @param other the reference; null: everything differs
+    void saveDifferentConfigurationValues(ConfigWriter& writer,
+                                          const ConfigurationObject* other) const;
+
+protected:
+    /// Appends a value and takes ownership of it.
+    void addConfigurationValue(ConfigurationValueBase* value);
+    /// Appends a child and takes ownership of it.
+    void addConfigurationObject(ConfigurationObject* object);
+    /// Deletes all values and children.
+    void clearConfigurationItems();
+
+private:
+    void appendCopies(const ConfigurationObject& other);
+    bool differs(const ConfigurationObject* other, bool savedOnly) const;
+    bool hasDifferenceToWrite(const ConfigurationObject* other) const;
+    void takeFromSystem(const ConfigurationObject& system, bool locked);
+
+    std::vector<ConfigurationValueBase*> m_values;
+    std::vector<ConfigurationObject*> m_objects;
+    std::string m_userWarningMessages;
+};
+
+} // namespace Orvant

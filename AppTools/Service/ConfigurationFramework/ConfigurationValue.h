@@ -1,0 +1,67 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationValueBase.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+/// One named, typed setting with a default.
+///
+/// @code
+/// ConfigurationValue<double> zoom("Zoom", "Zoom factor at start", 1.0,
+///                                 ConfigurationItemBase::Visible,
+///                                 ConfigurationItemBase::LoadAndSave,
+///                                 ConfigurationItemBase::AllProducts);
+/// zoom.setValue(1.5);
+/// @endcode
+///
+/// @tparam T one of int, unsigned int, float, double, std::string, std::vector<std::string>, bool
+template <typename T>
+class ConfigurationValue : public ConfigurationValueBase {
+public:
+    /// Makes a value that reads as its default.
+    /// @param defaultValue what the value is until it is set or loaded
+    /// The other parameters are those of ConfigurationValueBase.
+    ConfigurationValue(const std::string& name, const std::string& description,
+                       const T& defaultValue, GuiVisibility guiVisibility, Persistence persistence,
+                       ProductType productType);
+    ConfigurationValue(const ConfigurationValue&) = default;
+    ConfigurationValue& operator=(const ConfigurationValue&) = default;
+
+    /// @return the value, or the default when there is none
+    /// @throws std::bad_optional_access when an override of hasValue() claims a value that is not
+    ///         there
+    const T& getValue() const;
+    /// @return the default
+    const T& getDefaultValue() const { return m_defaultValue; }
+    /// Sets the value; one that equals the default is a value all the same.
+    void setValue(const T& value) { m_value = value; }
+
+    void loadContent(ConfigReader& reader) override;
+    void saveContent(ConfigWriter& writer) const override;
+    /// @copydoc ConfigurationValueBase::comapreValue
+    /// Floating-point values compare without tolerance.
+    bool comapreValue(const ConfigurationValueBase* other) const override;
+    ConfigurationValueBase* clone() const override;
+    bool hasValue() const override { return m_value.has_value(); }
+    void resetValue() override { m_value.reset(); }
+    void adoptValue(const ConfigurationValueBase* other) override;
+
+private:
+    T m_defaultValue;
+    std::optional<T> m_value;
+};
+
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<bool>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<int>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<unsigned int>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<double>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<float>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValue<std::string>;
+extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT
+    ConfigurationValue<std::vector<std::string>>;
+
+} // namespace Orvant

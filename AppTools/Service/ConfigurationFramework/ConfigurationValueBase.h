@@ -1,0 +1,64 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationItemBase.h>
+
+namespace Orvant {
+
+/// Type-free face of a configuration value: what a configuration object keeps in its list.
+///
+/// @code
+/// for (const ConfigurationValueBase* value : object.getConfigurationValues())
+///     if (value->isGuiVisible())
+///         addRow(value->getName(), value->getValueType());
+/// @endcode
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValueBase : public ConfigurationItemBase {
+public:
+    /// Type of a value. The number 4 is not in use.
+    enum ValueType : std::uint32_t {
+        BoolValue = 0,
+        IntValue = 1,
+        UnsignedIntValue = 2,
+        DoubleValue = 3,
+        FloatValue = 5,
+        StringValue = 6,
+        StringVectorValue = 7
+    };
+
+    /// @param guiVisibility whether a dialogue shows the value
+    /// @param valueType     type of the value
+    /// The other parameters are those of ConfigurationItemBase.
+    ConfigurationValueBase(const std::string& name, const std::string& description,
+                           GuiVisibility guiVisibility, ValueType valueType,
+                           Persistence persistence, ProductType productType);
+    ConfigurationValueBase(const ConfigurationValueBase&) = default;
+    ConfigurationValueBase& operator=(const ConfigurationValueBase&) = default;
+    ~ConfigurationValueBase() override;
+
+    /// Reads the value from the child element of its name. Does nothing when the value is not
+    /// loadable or is locked; falls back to the default when the element is missing or unreadable.
+    void loadContent(ConfigReader& reader) override = 0;
+    /// Writes the value, with its description as comment, unless it is NotPersistent or of another
+    /// product.
+    void saveContent(ConfigWriter& writer) const override = 0;
+    /// @return true when `other` has the same type and exactly the same effective value
+    virtual bool comapreValue(const ConfigurationValueBase* other) const = 0;
+    /// @return a copy that the caller owns
+    virtual ConfigurationValueBase* clone() const = 0;
+    /// @return true when the value is more than its default: it was set or loaded
+    virtual bool hasValue() const = 0;
+    /// Goes back to the default.
+    virtual void resetValue() = 0;
+    /// Takes the effective value of `other` as its own. Ignores null and values of another type.
+    virtual void adoptValue(const ConfigurationValueBase* other) = 0;
+
+    /// @return true when a dialogue shows the value
+    bool isGuiVisible() const { return m_guiVisibility == Visible; }
+    /// @return type of the value
+    ValueType getValueType() const { return m_valueType; }
+
+private:
+    GuiVisibility m_guiVisibility;
+    ValueType m_valueType;
+};
+
+} // namespace Orvant

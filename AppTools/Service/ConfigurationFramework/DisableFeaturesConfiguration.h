@@ -1,0 +1,88 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ConfigurationValue.h>
+
+namespace Orvant {
+
+/// The switches that turn features of the suite's applications off. They are read from the
+/// configuration files and never written; users cannot edit them.
+///
+/// @code
+/// if (DisableFeaturesConfiguration::getRegisteredInstance()->getPlannerFixturesDisable())
+///     hideFixtures();
+/// @endcode
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT DisableFeaturesConfiguration
+    : public ConfigurationObject {
+public:
+    static const std::string s_tag; ///< XML tag and object name
+    static const std::string s_editorSketchItemsDisable;
+    static const std::string s_editorFoldItemsDisable;
+    static const std::string s_plannerStageGaugingDisable;
+    static const std::string s_plannerFixturesDisable;
+    static const std::string s_plannerUnitPriceDisable;
+    static const std::string s_layoutPackInsetDisable;
+    static const std::string s_layoutPackOptionsDisable;
+    static const std::string s_surfaceShapeAuditDisable;
+    static const std::string s_setupEdgeLineDisable;
+    static const std::string s_setupVarianceDisable;
+
+    /// Makes the object with all switches at false.
+    DisableFeaturesConfiguration();
+    /// Copies; so does a move, since an object without its values would answer nothing.
+    DisableFeaturesConfiguration(const DisableFeaturesConfiguration&) = default;
+    DisableFeaturesConfiguration(DisableFeaturesConfiguration&&) = default;
+    DisableFeaturesConfiguration& operator=(const DisableFeaturesConfiguration&) = default;
+    DisableFeaturesConfiguration& operator=(DisableFeaturesConfiguration&&) = default;
+    ~DisableFeaturesConfiguration() override;
+
+    /// The instance that is registered with the configuration manager. It is made and registered,
+    /// and with that loaded, by the first call, and registered again by the first call after
+    /// ConfigurationManager::reset(). May be called from several threads.
+    /// @return always the same pointer, valid for the life of the process
+    static DisableFeaturesConfiguration* getRegisteredInstance();
+
+    ConfigurationObject* createConfigurationObject() const override;
+    /// Resets the switches that may be edited and unlocks the object.
+    void setDefaultValues() override;
+    /// @return false: nothing here is for the user to edit
+    bool hasNonEditableEntries() const override;
+    using ConfigurationObject::saveContent;
+    /// Does nothing.
+    void saveContent(ConfigWriter& writer) const override;
+    /// @return false
+    bool writesContent() const override;
+
+    /// @name State of each switch: true when the feature is off
+    /// @{
+    bool getEditorSketchItemsDisable() const;
+    bool getEditorFoldItemsDisable() const;
+    bool getPlannerStageGaugingDisable() const;
+    bool getPlannerFixturesDisable() const;
+    bool getPlannerUnitPriceDisable() const;
+    bool getLayoutPackInsetDisable() const;
+    bool getLayoutPackOptionsDisable() const;
+    bool getSurfaceShapeAuditDisable() const;
+    bool getSetupEdgeLineDisable() const;
+    bool getSetupVarianceDisable() const;
+    /// @}
+
+    /// @name The value of each switch
+    /// @{
+    const ConfigurationValue<bool>& getEditorSketchItemsDisableConfig() const;
+    const ConfigurationValue<bool>& getEditorFoldItemsDisableConfig() const;
+    const ConfigurationValue<bool>& getPlannerStageGaugingDisableConfig() const;
+    const ConfigurationValue<bool>& getPlannerFixturesDisableConfig() const;
+    const ConfigurationValue<bool>& getPlannerUnitPriceDisableConfig() const;
+    const ConfigurationValue<bool>& getLayoutPackInsetDisableConfig() const;
+    const ConfigurationValue<bool>& getLayoutPackOptionsDisableConfig() const;
+    const ConfigurationValue<bool>& getSurfaceShapeAuditDisableConfig() const;
+    const ConfigurationValue<bool>& getSetupEdgeLineDisableConfig() const;
+    const ConfigurationValue<bool>& getSetupVarianceDisableConfig() const;
+    /// @}
+
+private:
+    const ConfigurationValue<bool>& getSwitch(const std::string& key) const;
+};
+
+} // namespace Orvant

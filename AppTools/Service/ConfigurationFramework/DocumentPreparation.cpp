@@ -1,0 +1,101 @@
+#include <ConfigurationFramework/DocumentPreparation.h>
+
+#include <ConfigurationFramework/DomNavigation.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include <xercesc/dom/DOMText.hpp>
+
+namespace Orvant {
+
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::DOMText;
+
+void collectEntityReferences(DOMNode& root, std::vector<DOMNode*>& references) {
+    for (DOMNode* node = &root; node != nullptr;) {
+        const bool isReference = node->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE;
+        if (isReference)
+            references.push_back(node);
+        node = isReference ? nextBehind(root, node) : nextBelow(root, node);
+    }
+}
+
+void expandEntityReferences(DOMNode& root) {
+    std::vector<DOMNode*> references;
+    collectEntityReferences(root, references);
+    while (!references.empty()) {
+        DOMNode* const reference = references.back();
+        references.pop_back();
+        DOMNode& parent = *reference->getParentNode();
+        for (const DOMNode* child = reference->getFirstChild(); child != nullptr;
+             child = child->getNextSibling())
+            collectEntityReferences(*parent.insertBefore(child->cloneNode(true), reference),
+                                    references);
+        parent.removeChild(reference);
+    }
+}
+
+/// Cuts what the printer has put behind the text, or the reader of the file before an element.
+void cutFormatting(DOMText& text) {
+    const std::basic_string_view<XMLCh> content(text.getData());
+    const auto end = content.find_last_not_of(u" \t\r\n");
+    if (end == content.npos)
+        text.getParentNode()->removeChild(&text);
+    else if (content.find(u'\n', end) != content.npos)
+        text.deleteData(end + 1, content.size() - end - 1);
+}
+
+bool isText(const DOMNode& node) {
+    return node.getNodeType() == DOMNode::TEXT_NODE;
+}
+
+void cutFormattingBetweenElements(DOMElement& root) {
+    for (DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
+        bool hasElements = false;
+        for (DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling())
+            hasElements = hasElements || asElement(child) != nullptr;
+        if (!hasElements)
+            continue;
+        for (DOMNode* child = node->getFirstChild(); child != nullptr;) {
+            DOMNode* const next = child->getNextSibling();
+            if (isText(*child))
+                cutFormatting(static_cast<DOMText&>(*child));
+            child = next;
+        }
+    }
+}
+
+} // namespace
+
+std::size_t nestingDepth(const DOMNode& root) {
+    std::size_t depth = 0;
+    std::size_t deepest = 0;
+    for (const DOMNode* node = &root;;) {
+        if (node->getFirstChild() != nullptr) {
+            node = node->getFirstChild();
+            deepest = std::max(deepest, ++depth);
+            continue;
+        }
+        for (; node != &root && node->getNextSibling() == nullptr; node = node->getParentNode())
+            --depth;
+        if (node == &root)
+            return deepest;
+        node = node->getNextSibling();
+    }
+}
+
+void prepareForWriting(xercesc::DOMDocument& document) {
+    DOMElement& root = *document.getDocumentElement();
+    if (nestingDepth(root) > maxWrittenDepth)
+        return; // It is never written.
+    expandEntityReferences(root);
+    cutFormattingBetweenElements(root);
+    document.setXmlVersion(u"1.0");
+}
+
+} // namespace Orvant

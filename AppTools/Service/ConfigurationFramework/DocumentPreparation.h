@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+
+#include <xercesc/dom/DOMDocument.hpp>
+
+namespace Orvant {
+
+/// Deepest nesting of elements that is written. The indentation of deeper documents, whose size
+/// grows with the square of the depth, would fill the disk.
+constexpr std::size_t maxWrittenDepth = 1'000;
+
+/// @return how deeply the nodes below a node are nested; 0 for a node without children
+std::size_t nestingDepth(const xercesc::DOMNode& root);
+
+/// Makes a parsed document fit for being written as its root element alone, any number of times.
+///
+/// Entity references give way to what they stand for, since their declarations are not written; the
+/// document becomes one of XML 1.0, since no XML declaration is written; line breaks and
+/// indentation between elements go, since the printer adds its own.
+void prepareForWriting(xercesc::DOMDocument& document);
+
+} // namespace Orvant

@@ -1,0 +1,46 @@
+#include <ConfigurationFramework/DocumentText.h>
+
+#include <UnicodeTools/Transcode.h>
+
+namespace Orvant {
+
+namespace {
+
+using boost::locale::utf::code_point;
+
+bool isXmlCharacter(code_point c) {
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) ||
+           (c >= 0xE000 && c <= 0xFFFD) || (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+} // namespace
+
+DocumentText toDocumentText(std::string_view text) {
+    DocumentText result;
+    result.text.reserve(text.size());
+    const char* const end = text.data() + text.size();
+    for (const char* position = text.data(); position != end;) {
+        const char* const first = position;
+        code_point c = takeCodePoint(position, end);
+        // A U+FFFD of the original has three bytes; one that stands for a bad byte has one.
+        if (!isXmlCharacter(c) || (c == replacementCharacter && position - first == 1)) {
+            c = replacementCharacter;
+            result.changed = true;
+        }
+        boost::locale::utf::utf_traits<XMLCh>::encode(c, std::back_inserter(result.text));
+    }
+    return result;
+}
+
+DocumentText toCommentText(std::string_view text) {
+    std::string separated;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        separated += text[i];
+        const bool hyphenOrEndFollows = i + 1 == text.size() || text[i + 1] == '-';
+        if (text[i] == '-' && hyphenOrEndFollows)
+            separated += ' ';
+    }
+    return toDocumentText(separated);
+}
+
+} // namespace Orvant

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <xercesc/util/XercesDefs.hpp>
+
+namespace Orvant {
+
+/// Text that an XML 1.0 document can hold.
+struct DocumentText {
+    std::basic_string<XMLCh> text; ///< the text in UTF-16
+    bool changed = false;          ///< whether something of the original had to be replaced
+};
+
+/// Makes text fit for a document: U+FFFD stands for each character outside the production Char of
+/// XML 1.0, section 2.2, and for each byte that is not UTF-8.
+/// @param text UTF-8
+DocumentText toDocumentText(std::string_view text);
+
+/// Makes text fit for a comment: as toDocumentText(), and with a blank after each hyphen that
+/// another hyphen or the end would follow (XML 1.0, section 2.5).
+/// @param text UTF-8
+DocumentText toCommentText(std::string_view text);
+
+} // namespace Orvant

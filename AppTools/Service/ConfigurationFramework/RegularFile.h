@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace Orvant {
+
+class FileName;
+
+/// Reads all bytes of a regular file. Nothing else is ever opened: a pipe or a device would keep
+/// the application waiting for ever.
+/// @return nothing when the name is not that of a regular file or it cannot be read
+/// @throws FileNameException for a name that no file system could hold
+std::optional<std::string> readRegularFile(const FileName& file);
+
+} // namespace Orvant

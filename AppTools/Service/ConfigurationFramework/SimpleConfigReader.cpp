@@ -1,0 +1,128 @@
+#include <ConfigurationFramework/SimpleConfigReader.h>
+
+#include <ConfigurationFramework/SimpleConfigReaderImpl.h>
+
+#include <utility>
+
+namespace Orvant {
+
+SimpleConfigReader::SimpleConfigReader(const FileName& file, const std::string& content,
+                                       const std::list<std::string>& validVersions)
+    : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, file, content, validVersions)) {}
+
+SimpleConfigReader::~SimpleConfigReader() = default;
+
+ConfigurationAccessResult SimpleConfigReader::setCurrentNode(const std::string& name) {
+    return m_impl->setCurrentNode(name);
+}
+
+ConfigurationAccessResult SimpleConfigReader::setCurrentKeyedNode(const std::string& name,
+                                                                  const std::string& key) {
+    return m_impl->setCurrentKeyedNode(name, key);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getString(std::string& value, bool& editable) {
+    return m_impl->getString(value, editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::findAndGetClassContents(const std::string& name,
+                                                                      const std::string& key,
+                                                                      ConfigurationObject& object) {
+    return m_impl->findAndGetClassContents(name, key, object);
+}
+
+ConfigurationAccessResult SimpleConfigReader::findAndGetClassContents(const std::string& name,
+                                                                      ConfigurationObject& object) {
+    return m_impl->findAndGetClassContents(name, object);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getClassContents(ConfigurationObject& object) {
+    return m_impl->getClassContents(object);
+}
+
+ConfigurationAccessResult
+SimpleConfigReader::getClassContents(const std::string& name, const std::vector<std::string>& keys,
+                                     std::vector<ConfigurationObject*>& objects) {
+    return m_impl->getClassContents(name, keys, objects);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getClassContents(const std::string& name,
+                                                               const std::string& key,
+                                                               ConfigurationObject& object) {
+    return m_impl->getClassContents(name, key, object);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getClassContents(const std::string& name,
+                                                               ConfigurationObject& object) {
+    return m_impl->getClassContents(name, object);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getBool(const std::string& name, bool& value,
+                                                      bool& editable) {
+    return m_impl->getBool(name, value, editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getInt(const std::string& name, int& value,
+                                                     bool& editable) {
+    return m_impl->getNumber(name, value, editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getUnsignedInt(const std::string& name,
+                                                             unsigned int& value, bool& editable) {
+    int signedValue = 0;
+    const auto result = getInt(name, signedValue, editable);
+    value = static_cast<unsigned int>(signedValue);
+    return result;
+}
+
+ConfigurationAccessResult SimpleConfigReader::getDouble(const std::string& name, double& value,
+                                                        bool& editable) {
+    return m_impl->getNumber(name, value, editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getDoubleScientific(const std::string& name,
+                                                                  const int& /*precision*/,
+                                                                  double& value, bool& editable) {
+    // Extraction takes both notations, whichever the stream is set to.
+    return m_impl->getNumber(name, value, editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getFloat(const std::string& name, float& value,
+                                                       bool& editable) {
+    double wideValue = 0.0;
+    const auto result = getDouble(name, wideValue, editable);
+    value = static_cast<float>(wideValue);
+    return result;
+}
+
+ConfigurationAccessResult SimpleConfigReader::getString(const std::string& name, std::string& value,
+                                                        bool& editable) {
+    return m_impl->getString(name, value, editable);
+}
+
+ConfigurationAccessResult
+SimpleConfigReader::getStringVector(const std::string& name, std::vector<std::string>& values,
+                                    bool& editable, std::map<std::string, bool>& itemEditable) {
+    return m_impl->getStringVector(name, values, editable, itemEditable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::tagExists(const std::string& name) {
+    return m_impl->tagExists(name);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getEditable(bool& editable) {
+    return m_impl->getEditable(editable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getKeys(const std::string& name,
+                                                      std::set<std::string>& keys) {
+    return m_impl->getKeys(name, keys);
+}
+
+ConfigurationAccessResult
+SimpleConfigReader::createConfigurationObjects(const std::string& name,
+                                               std::function<void(std::string)> callback) {
+    return m_impl->createConfigurationObjects(name, std::move(callback));
+}
+
+} // namespace Orvant

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigReader.h>
+
+#include <list>
+#include <memory>
+
+namespace Orvant {
+
+class FileName;
+class SimpleConfigReaderImpl;
+
+/// Reader of one XML configuration document, from a file or from a string.
+///
+/// @code
+/// SimpleConfigReader reader("settings.xml", "", {"1.0", "1.1"});
+/// reader.setCurrentNode("ViewSettings");
+/// double zoom = 1.0;
+/// bool editable = true;
+/// reader.getDouble("Zoom", zoom, editable);
+/// @endcode
+///
+/// The document: the root element is Configuration with an attribute version; below it, an element
+/// for each object, in it one for each value and each child object. Objects of one tag are told
+/// apart by the attribute key; one without a key is the default entry of its tag. Values are the
+/// text of their elements, lists of strings are "item" elements. The attribute editable="false"
+/// locks an element.
+///
+/// Opening a document opens nothing else: external entities and DTDs resolve to nothing, and more
+/// than 10,000 entity references are a parse error.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT SimpleConfigReader : public ConfigReader {
+public:
+    /// Parses and checks a document; the current node is then its root.
+    /// @param file          file to read; where it is empty, `content` is the document
+    /// @param content       document in memory, up to its first NUL; ignored when there is a file
+    /// @param validVersions accepted values of the root's attribute version (an absent one is "")
+    /// @throws ConfigException of type
+    ///   - SourceNotFound: no such file, or neither file nor content;
+    ///   - InvalidDocument: not a readable file, or the root is not Configuration;
+    ///   - ParserReportedErrors: not well-formed, or too many entity references;
+    ///   - InvalidVersion: the version is not accepted
+    SimpleConfigReader(const FileName& file, const std::string& content,
+                       const std::list<std::string>& validVersions);
+    ~SimpleConfigReader() override;
+
+    /// Makes the first child of that name the current node. There is no way back up.
+    /// @return Failure when there is none; the current node is then as it was
+    ConfigurationAccessResult setCurrentNode(const std::string& name);
+    /// Makes the first child of that name and key the current node; where no child has the key, the
+    /// last one of that name without a key, the default entry.
+    /// @return Failure when there is neither; the current node is then as it was
+    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
+    /// Reads the text of the current node itself.
+    ConfigurationAccessResult getString(std::string& value, bool& editable);
+
+    ConfigurationAccessResult findAndGetClassContents(const std::string& name,
+                                                      const std::string& key,
+                                                      ConfigurationObject& object) override;
+    ConfigurationAccessResult findAndGetClassContents(const std::string& name,
+                                                      ConfigurationObject& object) override;
+    ConfigurationAccessResult getClassContents(ConfigurationObject& object) override;
+    /// @copydoc ConfigReader::getClassContents(const std::string&, const std::vector<std::string>&,
+    /// std::vector<ConfigurationObject*>&) Keys are matched exactly: the default entry stands in
+    /// for none of them. Keys without an object count as not found.
+    ConfigurationAccessResult getClassContents(const std::string& name,
+                                               const std::vector<std::string>& keys,
+                                               std::vector<ConfigurationObject*>& objects) override;
+    ConfigurationAccessResult getClassContents(const std::string& name, const std::string& key,
+                                               ConfigurationObject& object) override;
+    ConfigurationAccessResult getClassContents(const std::string& name,
+                                               ConfigurationObject& object) override;
+    ConfigurationAccessResult getBool(const std::string& name, bool& value,
+                                      bool& editable) override;
+    ConfigurationAccessResult getInt(const std::string& name, int& value, bool& editable) override;
+    ConfigurationAccessResult getUnsignedInt(const std::string& name, unsigned int& value,
+                                             bool& editable) override;
+    ConfigurationAccessResult getDouble(const std::string& name, double& value,
+                                        bool& editable) override;
+    ConfigurationAccessResult getDoubleScientific(const std::string& name, const int& precision,
+                                                  double& value, bool& editable) override;
+    ConfigurationAccessResult getFloat(const std::string& name, float& value,
+                                       bool& editable) override;
+    ConfigurationAccessResult getString(const std::string& name, std::string& value,
+                                        bool& editable) override;
+    ConfigurationAccessResult getStringVector(const std::string& name,
+                                              std::vector<std::string>& values, bool& editable,
+                                              std::map<std::string, bool>& itemEditable) override;
+    ConfigurationAccessResult tagExists(const std::string& name) override;
+    ConfigurationAccessResult getEditable(bool& editable) override;
+    ConfigurationAccessResult getKeys(const std::string& name,
+                                      std::set<std::string>& keys) override;
+    ConfigurationAccessResult
+    createConfigurationObjects(const std::string& name,
+                               std::function<void(std::string)> callback) override;
+
+private:
+    std::unique_ptr<SimpleConfigReaderImpl> m_impl;
+};
+
+} // namespace Orvant
