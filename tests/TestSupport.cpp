@@ -1,0 +1,89 @@
+#include <TestSupport.h>
+
+#include <gtest/gtest.h>
+#include <spdlog/sinks/ostream_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+namespace Orvant::Support {
+
+namespace {
+
+std::filesystem::path pathOf(const FileName& file) {
+    const std::string name = file.toNativeString();
+    return std::u8string(name.begin(), name.end());
+}
+
+} // namespace
+
+TemporaryDirectory::TemporaryDirectory() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "orvant-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        throw std::runtime_error("no temporary directory");
+    m_path = pattern;
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code error;
+    std::filesystem::remove_all(m_path, error);
+}
+
+FileName TemporaryDirectory::file(const std::string& name) const {
+    FileName result(m_path.string());
+    return result /= name;
+}
+
+FileName TemporaryDirectory::file(const std::string& name, const std::string& bytes) const {
+    const FileName result = file(name);
+    writeFile(result, bytes);
+    return result;
+}
+
+void writeFile(const FileName& file, const std::string& bytes) {
+    std::ofstream out(pathOf(file), std::ios::binary);
+    out << bytes;
+    if (!out.flush())
+        throw std::runtime_error("cannot write " + file.toString());
+}
+
+std::string readFile(const FileName& file) {
+    std::ifstream in(pathOf(file), std::ios::binary);
+    EXPECT_TRUE(in.is_open()) << file.toString();
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+struct LogCapture::State {
+    explicit State(const std::string& name)
+        : sink(std::make_shared<spdlog::sinks::ostream_sink_mt>(text)),
+          former(spdlog::get(name)),
+          logName(name) {}
+
+    std::ostringstream text;
+    spdlog::sink_ptr sink;
+    std::shared_ptr<spdlog::logger> former;
+    std::string logName;
+};
+
+LogCapture::LogCapture(const std::string& logName) : m_state(std::make_unique<State>(logName)) {
+    spdlog::drop(logName);
+    auto logger = std::make_shared<spdlog::logger>(logName, m_state->sink);
+    logger->set_pattern("%v");
+    spdlog::register_logger(logger);
+}
+
+LogCapture::~LogCapture() {
+    spdlog::drop(m_state->logName);
+    if (m_state->former)
+        spdlog::register_logger(m_state->former);
+}
+
+std::string LogCapture::text() const {
+    return m_state->text.str();
+}
+
+} // namespace Orvant::Support

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ConfigurationValue.h>
+#include <FileHandling/FileName.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace Orvant::Support {
+
+/// A new directory that goes with the scope.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+    ~TemporaryDirectory();
+
+    const std::filesystem::path& path() const { return m_path; }
+    /// @return the name of a file in the directory
+    FileName file(const std::string& name) const;
+    /// Writes a file into the directory.
+    /// @return its name
+    FileName file(const std::string& name, const std::string& bytes) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+void writeFile(const FileName& file, const std::string& bytes);
+/// @return the bytes of a file; fails the test when there is none
+std::string readFile(const FileName& file);
+
+/// Gathers what goes to the error log of a name ("SimpleConfigReader", "ConfigWriter", ...) while
+/// it is in scope.
+class LogCapture {
+public:
+    explicit LogCapture(const std::string& logName);
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+    ~LogCapture();
+
+    /// @return a line for each message: message and place
+    std::string text() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// A configuration object whose values and children each test puts together.
+class TestObject : public ConfigurationObject {
+public:
+    explicit TestObject(const std::string& name = "Test", Persistence persistence = LoadAndSave,
+                        ProductType productType = AllProducts)
+        : ConfigurationObject(name, "", persistence, productType) {}
+
+    /// Makes an empty object of this name and fills it with what `build` adds.
+    /// The builder is kept for createConfigurationObject().
+    template <typename Build>
+    static std::shared_ptr<TestObject> make(const std::string& name, Build build) {
+        auto object = std::make_shared<TestObject>(name);
+        object->m_build = build;
+        build(*object);
+        return object;
+    }
+
+    template <typename T>
+    TestObject& add(const std::string& name, const T& defaultValue,
+                    Persistence persistence = LoadAndSave, ProductType productType = AllProducts,
+                    const std::string& description = "") {
+        addConfigurationValue(new ConfigurationValue<T>(name, description, defaultValue, Visible,
+                                                        persistence, productType));
+        return *this;
+    }
+    /// Adds a child; ownership goes to this object.
+    TestObject& addChild(ConfigurationObject* child) {
+        addConfigurationObject(child);
+        return *this;
+    }
+    void clear() { clearConfigurationItems(); }
+
+    template <typename T>
+    ConfigurationValue<T>& value(const std::string& name) const {
+        return dynamic_cast<ConfigurationValue<T>&>(*getConfigurationValue(name));
+    }
+    TestObject& child(const std::string& name) const {
+        return dynamic_cast<TestObject&>(*getConfigurationObject(name));
+    }
+
+    ConfigurationObject* createConfigurationObject() const override {
+        auto fresh = std::make_unique<TestObject>(*this);
+        fresh->clear();
+        fresh->setEditable(true);
+        if (m_build)
+            m_build(*fresh);
+        return fresh.release();
+    }
+    void emitSignalsAfterConfigLoading() override {
+        ++signals;
+        ConfigurationObject::emitSignalsAfterConfigLoading();
+    }
+
+    int signals = 0; ///< calls of emitSignalsAfterConfigLoading()
+
+private:
+    std::function<void(TestObject&)> m_build;
+};
+
+} // namespace Orvant::Support
