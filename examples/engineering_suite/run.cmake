@@ -1,0 +1,13 @@
+file(REMOVE_RECURSE "${WORK}")
+file(COPY "${DATA}/" DESTINATION "${WORK}")
+execute_process(COMMAND "${PROGRAM}" "${WORK}/system.xml" "${WORK}/user.xml"
+    OUTPUT_VARIABLE output RESULT_VARIABLE result)
+message("${output}")
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "The program failed: ${result}")
+endif()
+file(SHA256 "${DATA}/system.xml" before)
+file(SHA256 "${WORK}/system.xml" after)
+if(NOT before STREQUAL after)
+    message(FATAL_ERROR "The system file was written")
+endif()

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing.
+# usage: bootstrap.sh GROUP...   (build, test, check)
+set -euo pipefail
+
+packages=()
+for group in "$@"; do
+    case "$group" in
+    build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
+                      libspdlog-dev xsdcxx libxml2-utils) ;;
+    test) packages+=(libgtest-dev libgmock-dev) ;;
+    check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19) ;;
+    *) echo "bootstrap.sh: no such group: $group" >&2; exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+        missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

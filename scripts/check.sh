@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# What a maintainer adds to the tests before landing: the tests on Clang with AddressSanitizer and
+# UndefinedBehaviorSanitizer, clang-format, clang-tidy.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/bootstrap.sh build test check
+
+echo "== clang-format"
+git ls-files '*.h' '*.cpp' | xargs clang-format-19 --dry-run --Werror
+
+echo "== Clang with sanitizers"
+cmake --preset asan-ubsan
+cmake --build --preset asan-ubsan
+
+echo "== clang-tidy"
+run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/(AppTools|examples)/.*" 2>/dev/null
+
+echo "== Tests under the sanitizers"
+ctest --preset asan-ubsan
