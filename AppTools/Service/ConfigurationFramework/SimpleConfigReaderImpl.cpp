@@ -2,17 +2,14 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/DomNavigation.h>
+#include <ConfigurationFramework/NumberText.h>
 #include <ConfigurationFramework/XercesSession.h>
 
 #include <FileHandling/FileUtilities.h>
-#include <GeneralServices/XercesHelperFunctions.h>
 #include <Logging/Logging.h>
 
 #include <algorithm>
-#include <locale>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include <xercesc/dom/DOMException.hpp>
@@ -22,9 +19,7 @@ namespace Orvant {
 
 namespace {
 
-using xercesc::DOMElement;
-using xercesc::DOMNode;
-using XmlChString = std::basic_string<XMLCh>;
+using Element = DocumentTree::Element;
 
 const Logging s_log("SimpleConfigReader");
 
@@ -32,84 +27,25 @@ ConfigurationAccessResult successIf(bool condition) {
     return condition ? ConfigurationAccessResult::Success : ConfigurationAccessResult::Failure;
 }
 
-/// An element's tag and, where one is asked for, its key.
-class ElementMatch {
-public:
-    explicit ElementMatch(const std::string& name)
-        : m_name(XercesHelperFunctions::stringToXmlCh(name)) {}
-    ElementMatch(const std::string& name, const std::string& key)
-        : m_name(XercesHelperFunctions::stringToXmlCh(name)),
-          m_key(XercesHelperFunctions::stringToXmlCh(key)) {}
+/// The text of an element, empty where it has no child; nothing where its first child is no text.
+std::optional<std::string> optionalText(const DocumentTree& tree, Element element) {
+    if (!tree.hasChildren(element))
+        return std::string();
+    const auto text = tree.text(element);
+    return text ? std::optional<std::string>(*text) : std::nullopt;
+}
 
-    bool operator()(const DOMElement& element) const {
-        return m_name == element.getTagName() && (!m_key || *m_key == element.getAttribute(u"key"));
-    }
+/// Puts a reader back on its element at the end of the scope.
+class CurrentRestorer {
+public:
+    explicit CurrentRestorer(Element& current) : m_current(current), m_saved(current) {}
+    CurrentRestorer(const CurrentRestorer&) = delete;
+    CurrentRestorer& operator=(const CurrentRestorer&) = delete;
+    ~CurrentRestorer() { m_current = m_saved; }
 
 private:
-    XmlChString m_name;
-    std::optional<XmlChString> m_key;
-};
-
-/// Calls back with each matching child element until the callback returns true.
-/// @return the child at which it did, null when it never did
-template <typename Callback>
-DOMElement* findChild(const DOMElement& parent, const ElementMatch& match, Callback callback) {
-    for (DOMNode* node = parent.getFirstChild(); node != nullptr; node = node->getNextSibling()) {
-        DOMElement* const element = asElement(node);
-        if (element != nullptr && match(*element) && callback(*element))
-            return element;
-    }
-    return nullptr;
-}
-
-DOMElement* findChild(const DOMElement& parent, const ElementMatch& match) {
-    return findChild(parent, match, [](const DOMElement&) { return true; });
-}
-
-/// The first matching element after a node in document order below a root; null at the end.
-DOMElement* findNextBelow(const DOMElement& root, const DOMNode& after, const ElementMatch& match) {
-    for (DOMNode* node = nextBelow(root, &after); node != nullptr; node = nextBelow(root, node)) {
-        DOMElement* const element = asElement(node);
-        if (element != nullptr && match(*element))
-            return element;
-    }
-    return nullptr;
-}
-
-std::string getKey(const DOMElement& element) {
-    return XercesHelperFunctions::xmlChToString(element.getAttribute(u"key"));
-}
-
-bool isEditable(const DOMElement& element) {
-    return !XercesHelperFunctions::compareXmlCh(element.getAttribute(u"editable"), u"false");
-}
-
-/// @return the element's text, null when its first child is not text
-std::optional<std::string> requiredText(const DOMElement& element) {
-    const DOMNode* const first = element.getFirstChild();
-    if (first == nullptr || first->getNodeType() != DOMNode::TEXT_NODE)
-        return std::nullopt;
-    return XercesHelperFunctions::xmlChToString(first->getNodeValue());
-}
-
-/// As requiredText(), but an element without any child has the empty text.
-std::optional<std::string> optionalText(const DOMElement& element) {
-    return element.getFirstChild() == nullptr ? std::string() : requiredText(element);
-}
-
-/// Puts a reader back on its node at the end of the scope.
-class NodeRestorer {
-public:
-    explicit NodeRestorer(DOMElement*& current) : m_current(current), m_saved(current) {}
-    NodeRestorer(const NodeRestorer&) = delete;
-    NodeRestorer& operator=(const NodeRestorer&) = delete;
-    ~NodeRestorer() { m_current = m_saved; }
-
-    DOMElement& saved() const { return *m_saved; }
-
-private:
-    DOMElement*& m_current;
-    DOMElement* m_saved;
+    Element& m_current;
+    Element m_saved;
 };
 
 /// With the place of its call, which is that of the throw statement.
@@ -127,58 +63,51 @@ SimpleConfigReaderImpl::SimpleConfigReaderImpl(ConfigReader& reader, const FileN
     init(file, content, validVersions);
 }
 
-ConfigurationAccessResult SimpleConfigReaderImpl::makeCurrent(DOMElement* element) {
-    if (element != nullptr)
+ConfigurationAccessResult SimpleConfigReaderImpl::makeCurrent(Element element) {
+    if (element != DocumentTree::none)
         m_current = element;
-    return successIf(element != nullptr);
+    return successIf(element != DocumentTree::none);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentNode(const std::string& name) {
-    return makeCurrent(findChild(*m_current, ElementMatch(name)));
+    return makeCurrent(m_tree->findChild(m_current, name));
+}
+
+/// The child of that key or the default entry.
+Element SimpleConfigReaderImpl::findKeyed(const std::string& name, const std::string& key) {
+    const Element keyed = m_tree->findChild(m_current, name, key);
+    return keyed != DocumentTree::none ? keyed : m_tree->findChildWithoutKey(m_current, name);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentKeyedNode(const std::string& name,
                                                                       const std::string& key) {
-    DOMElement* defaultEntry = nullptr;
-    const XmlChString wantedKey = XercesHelperFunctions::stringToXmlCh(key);
-    DOMElement* const keyed = findChild(*m_current, ElementMatch(name), [&](DOMElement& element) {
-        const XMLCh* const elementKey = element.getAttribute(u"key");
-        if (*elementKey == 0)
-            defaultEntry = &element;
-        return wantedKey == elementKey;
-    });
-    return makeCurrent(keyed != nullptr ? keyed : defaultEntry);
+    return makeCurrent(findKeyed(name, key));
+}
+
+/// The text of a child, with its lock; nothing, and no lock, where its first child is no text.
+std::optional<std::string_view> SimpleConfigReaderImpl::requiredText(const std::string& name,
+                                                                     bool& editable) {
+    const Element element = m_tree->findChild(m_current, name);
+    const auto text = element == DocumentTree::none ? std::nullopt : m_tree->text(element);
+    if (text)
+        editable = m_tree->isEditable(element);
+    return text;
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getBool(const std::string& name, bool& value,
                                                           bool& editable) {
-    const DOMElement* const element = findChild(*m_current, ElementMatch(name));
-    const auto text = element == nullptr ? std::nullopt : requiredText(*element);
-    if (!text)
+    const auto text = requiredText(name, editable);
+    if (text != "true" && text != "false")
         return ConfigurationAccessResult::Failure;
-    editable = isEditable(*element);
-    if (*text != "true" && *text != "false")
-        return ConfigurationAccessResult::Failure;
-    value = *text == "true";
+    value = text == "true";
     return ConfigurationAccessResult::Success;
 }
 
 template <typename Number>
 ConfigurationAccessResult SimpleConfigReaderImpl::getNumber(const std::string& name, Number& value,
                                                             bool& editable) {
-    const DOMElement* const element = findChild(*m_current, ElementMatch(name));
-    const auto text = element == nullptr ? std::nullopt : requiredText(*element);
-    if (!text)
-        return ConfigurationAccessResult::Failure;
-    editable = isEditable(*element);
-    // The desktop's global locale may write numbers in another way than files do.
-    std::istringstream stream(*text);
-    stream.imbue(std::locale::classic());
-    Number number{};
-    if (!(stream >> number))
-        return ConfigurationAccessResult::Failure;
-    value = number;
-    return ConfigurationAccessResult::Success;
+    const auto text = requiredText(name, editable);
+    return successIf(text && extractNumber(*text, value));
 }
 
 template ConfigurationAccessResult SimpleConfigReaderImpl::getNumber(const std::string&, int&,
@@ -187,8 +116,8 @@ template ConfigurationAccessResult SimpleConfigReaderImpl::getNumber(const std::
                                                                      bool&);
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getString(std::string& value, bool& editable) {
-    editable = isEditable(*m_current);
-    auto text = optionalText(*m_current);
+    editable = m_tree->isEditable(m_current);
+    auto text = optionalText(*m_tree, m_current);
     if (!text)
         return ConfigurationAccessResult::Failure;
     value = std::move(*text);
@@ -197,7 +126,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::getString(std::string& value, 
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getString(const std::string& name,
                                                             std::string& value, bool& editable) {
-    const NodeRestorer restorer(m_current);
+    const CurrentRestorer restorer(m_current);
     return setCurrentNode(name) == ConfigurationAccessResult::Success
                ? getString(value, editable)
                : ConfigurationAccessResult::Failure;
@@ -208,63 +137,56 @@ SimpleConfigReaderImpl::getStringVector(const std::string& name, std::vector<std
                                         bool& editable, std::map<std::string, bool>& itemEditable) {
     values.clear();
     itemEditable.clear();
-    const DOMElement* const list = findNextBelow(*m_current, *m_current, ElementMatch(name));
-    if (list == nullptr)
+    const Element list = m_tree->findBelow(m_current, m_current, name);
+    if (list == DocumentTree::none)
         return ConfigurationAccessResult::Failure;
-    editable = isEditable(*list);
-    const ElementMatch isItem("item");
-    for (const DOMElement* item = findNextBelow(*list, *list, isItem); item != nullptr;
-         item = findNextBelow(*list, *item, isItem)) {
-        const auto text = optionalText(*item);
+    editable = m_tree->isEditable(list);
+    for (Element item = m_tree->findBelow(list, list, "item"); item != DocumentTree::none;
+         item = m_tree->findBelow(list, item, "item")) {
+        const auto text = optionalText(*m_tree, item);
         if (!text)
             return ConfigurationAccessResult::Failure;
         values.push_back(*text);
-        itemEditable[*text] = isEditable(*item);
+        itemEditable[*text] = m_tree->isEditable(item);
     }
     return ConfigurationAccessResult::Success;
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::tagExists(const std::string& name) {
-    const DOMElement& root = *m_document->getDocumentElement();
-    return makeCurrent(findNextBelow(root, root, ElementMatch(name)));
+    return makeCurrent(m_tree->findInDocument(name));
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getEditable(bool& editable) {
-    editable = isEditable(*m_current);
+    editable = m_tree->isEditable(m_current);
     return ConfigurationAccessResult::Success;
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getKeys(const std::string& name,
                                                           std::set<std::string>& keys) {
-    findChild(*m_current, ElementMatch(name), [&](const DOMElement& element) {
-        keys.insert(getKey(element));
-        return false;
-    });
+    m_tree->forEachChild(m_current, name,
+                         [&](Element element) { keys.insert(m_tree->key(element)); });
     return ConfigurationAccessResult::Success;
 }
 
-ConfigurationAccessResult SimpleConfigReaderImpl::loadFrom(DOMElement* element,
+ConfigurationAccessResult SimpleConfigReaderImpl::loadFrom(Element element,
                                                            ConfigurationObject& object) {
-    const NodeRestorer restorer(m_current);
-    if (element != nullptr) {
-        m_current = element;
+    const CurrentRestorer restorer(m_current);
+    const auto result = makeCurrent(element);
+    if (result == ConfigurationAccessResult::Success)
         object.loadContent(m_reader);
-    }
-    return successIf(element != nullptr);
+    return result;
 }
 
 ConfigurationAccessResult
 SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name, const std::string& key,
                                                 ConfigurationObject& object) {
-    const DOMElement& root = *m_document->getDocumentElement();
-    return loadFrom(findNextBelow(root, root, ElementMatch(name, key)), object);
+    return loadFrom(m_tree->findInDocument(name, key), object);
 }
 
 ConfigurationAccessResult
 SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name,
                                                 ConfigurationObject& object) {
-    const DOMElement& root = *m_document->getDocumentElement();
-    return loadFrom(findNextBelow(root, root, ElementMatch(name)), object);
+    return loadFrom(m_tree->findInDocument(name), object);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(ConfigurationObject& object) {
@@ -277,7 +199,7 @@ SimpleConfigReaderImpl::getClassContents(const std::string& name,
                                          std::vector<ConfigurationObject*>& objects) {
     bool allFound = keys.size() <= objects.size();
     for (std::size_t i = 0; i < std::min(keys.size(), objects.size()); ++i) {
-        DOMElement* const element = findChild(*m_current, ElementMatch(name, keys[i]));
+        const Element element = m_tree->findChild(m_current, name, keys[i]);
         if (loadFrom(element, *objects[i]) != ConfigurationAccessResult::Success)
             allFound = false;
     }
@@ -287,27 +209,22 @@ SimpleConfigReaderImpl::getClassContents(const std::string& name,
 ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(const std::string& name,
                                                                    const std::string& key,
                                                                    ConfigurationObject& object) {
-    const NodeRestorer restorer(m_current);
-    const auto result = setCurrentKeyedNode(name, key);
-    if (result == ConfigurationAccessResult::Success)
-        object.loadContent(m_reader);
-    return result;
+    return loadFrom(findKeyed(name, key), object);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(const std::string& name,
                                                                    ConfigurationObject& object) {
-    return loadFrom(findChild(*m_current, ElementMatch(name)), object);
+    return loadFrom(m_tree->findChild(m_current, name), object);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
     const std::string& name, const std::function<void(std::string)>& callback) {
-    const NodeRestorer restorer(m_current);
+    const CurrentRestorer restorer(m_current);
     bool called = false;
-    findChild(restorer.saved(), ElementMatch(name), [&](DOMElement& element) {
-        m_current = &element;
-        callback(getKey(element));
+    m_tree->forEachChild(m_current, name, [&](Element element) {
+        m_current = element;
+        callback(m_tree->key(element));
         called = true;
-        return false;
     });
     return successIf(called);
 }
@@ -320,7 +237,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 63
     initializeXerces(s_log, std::source_location::current());
 
-    m_parser = std::make_unique<xercesc::XercesDOMParser>();
+    m_parser = std::make_unique<ConfigurationParser>();
     m_parser->setErrorHandler(&m_errorHandler);
     m_confinement.apply(*m_parser);
 
@@ -360,23 +277,21 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 153
         throw refusedDocument(ConfigException::ParserReportedErrors);
     }
-    m_document = m_parser->getDocument();
-    if (m_document == nullptr) {
+    m_tree = m_parser->getTree();
+    if (m_tree == nullptr) {
 #line 161
         throw refusedDocument(ConfigException::InvalidDocument);
     }
-    m_current = m_document->getDocumentElement();
-    if (m_current == nullptr) {
+    if (m_tree->empty()) {
 #line 170
         throw refusedDocument(ConfigException::InvalidDocument);
     }
-    if (!ElementMatch("Configuration")(*m_current)) {
+    m_current = DocumentTree::root;
+    if (!m_tree->hasName(m_current, "Configuration")) {
 #line 176
         throw refusedDocument(ConfigException::InvalidDocument);
     }
-    const std::string version =
-        XercesHelperFunctions::xmlChToString(m_current->getAttribute(u"version"));
-    if (std::ranges::find(validVersions, version) == validVersions.end()) {
+    if (std::ranges::find(validVersions, m_parser->getVersion()) == validVersions.end()) {
 #line 185
         throw refusedDocument(ConfigException::InvalidVersion);
     }

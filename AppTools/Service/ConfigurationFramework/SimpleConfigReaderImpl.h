@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
+#include <ConfigurationFramework/ConfigurationParser.h>
 #include <ConfigurationFramework/DocumentParsing.h>
 
 #include <GeneralServices/XmlErrorHandler.h>
@@ -9,12 +10,11 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include <xercesc/dom/DOMDocument.hpp>
-#include <xercesc/dom/DOMElement.hpp>
 
 namespace Orvant {
 
@@ -66,14 +66,16 @@ public:
 private:
     void init(const FileName& file, const std::string& content,
               const std::list<std::string>& validVersions);
-    ConfigurationAccessResult makeCurrent(xercesc::DOMElement* element);
-    ConfigurationAccessResult loadFrom(xercesc::DOMElement* element, ConfigurationObject& object);
+    ConfigurationAccessResult makeCurrent(DocumentTree::Element element);
+    ConfigurationAccessResult loadFrom(DocumentTree::Element element, ConfigurationObject& object);
+    DocumentTree::Element findKeyed(const std::string& name, const std::string& key);
+    std::optional<std::string_view> requiredText(const std::string& name, bool& editable);
 
     ConfigReader& m_reader;
     ParserConfinement m_confinement;
-    std::unique_ptr<xercesc::XercesDOMParser> m_parser;
-    xercesc::DOMDocument* m_document = nullptr;
-    xercesc::DOMElement* m_current = nullptr;
+    std::unique_ptr<ConfigurationParser> m_parser;
+    DocumentTree* m_tree = nullptr; ///< of the parser
+    DocumentTree::Element m_current = DocumentTree::none;
     XmlErrorHandler m_errorHandler;
 };
 

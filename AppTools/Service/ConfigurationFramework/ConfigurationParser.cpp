@@ -1,0 +1,128 @@
+#include <ConfigurationFramework/ConfigurationParser.h>
+
+#include <GeneralServices/XercesHelperFunctions.h>
+
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+
+namespace Orvant {
+
+namespace {
+
+std::string toString(const XMLCh* text) {
+    return XercesHelperFunctions::xmlChToString(text);
+}
+
+} // namespace
+
+ConfigurationParser::ConfigurationParser() {
+    // What a DTD declares takes effect in the scanner; only a DOM would keep the declarations.
+    getScanner()->setDocTypeHandler(nullptr);
+}
+
+void ConfigurationParser::resetDocument() {
+    m_tree.reset();
+    m_version.clear();
+    m_names.clear();
+    m_firstText.clear();
+    m_inFirstText = false;
+}
+
+void ConfigurationParser::startDocument() {
+    m_tree.emplace();
+}
+
+void ConfigurationParser::endDocument() {
+    m_tree->finish();
+    m_names.clear();
+}
+
+void ConfigurationParser::XMLDecl(const XMLCh*, const XMLCh*, const XMLCh*, const XMLCh*) {}
+
+DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& declaration) {
+    const XMLCh* const name = declaration.getFullName();
+    const auto known = m_names.find(name);
+    if (known != m_names.end())
+        return known->second;
+    return m_names.emplace(name, m_tree->addName(toString(name))).first->second;
+}
+
+void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int,
+                                       const XMLCh*,
+                                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    endFirstText();
+    std::string key;
+    bool editable = true;
+    for (XMLSize_t i = 0; i < attributeCount; ++i) {
+        const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
+        if (XercesHelperFunctions::compareXmlCh(attribute.getName(), u"key"))
+            key = toString(attribute.getValue());
+        else if (XercesHelperFunctions::compareXmlCh(attribute.getName(), u"editable"))
+            editable = !XercesHelperFunctions::compareXmlCh(attribute.getValue(), u"false");
+        else if (isRoot && XercesHelperFunctions::compareXmlCh(attribute.getName(), u"version"))
+            m_version = toString(attribute.getValue());
+    }
+    m_tree->startElement(nameOf(declaration), key, editable);
+    if (isEmpty)
+        m_tree->end();
+}
+
+void ConfigurationParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool,
+                                     const XMLCh*) {
+    endFirstText();
+    m_tree->end();
+}
+
+void ConfigurationParser::startEntityReference(const xercesc::XMLEntityDecl&) {
+    endFirstText();
+    m_tree->startEntityReference();
+}
+
+void ConfigurationParser::endEntityReference(const xercesc::XMLEntityDecl&) {
+    endFirstText();
+    m_tree->end();
+}
+
+void ConfigurationParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+    if (!m_tree->isOpen())
+        return;
+    if (isCData) {
+        addOtherChild();
+        return;
+    }
+    m_inFirstText = m_inFirstText || m_tree->awaitsFirstChild();
+    if (m_inFirstText)
+        m_firstText.append(text, length);
+}
+
+void ConfigurationParser::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
+    docCharacters(text, length, isCData);
+}
+
+void ConfigurationParser::docComment(const XMLCh*) {
+    addOtherChild();
+}
+
+void ConfigurationParser::docPI(const XMLCh*, const XMLCh*) {
+    addOtherChild();
+}
+
+void ConfigurationParser::addOtherChild() {
+    endFirstText();
+    if (m_tree->isOpen())
+        m_tree->addOtherChild();
+}
+
+/// Only the end of a text tells that it is complete: it arrives in pieces, and a piece may end
+/// within a character.
+void ConfigurationParser::endFirstText() {
+    if (!m_inFirstText)
+        return;
+    m_tree->addFirstText(toString(m_firstText.c_str()));
+    m_firstText.clear();
+    m_inFirstText = false;
+}
+
+} // namespace Orvant

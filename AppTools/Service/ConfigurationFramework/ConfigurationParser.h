@@ -1,0 +1,55 @@
+#pragma once
+
+#include <ConfigurationFramework/DocumentTree.h>
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+namespace Orvant {
+
+/// The Xerces DOM parser with another tree to fill: its scanner, defaults and error handling stay,
+/// and what it reports becomes a DocumentTree instead of a DOM, whose nodes cost six times the time
+/// of the scanning.
+class ConfigurationParser : public xercesc::XercesDOMParser {
+public:
+    ConfigurationParser();
+
+    /// @return what the last parse gave, null when it came to no document
+    DocumentTree* getTree() { return m_tree ? &*m_tree : nullptr; }
+    /// @return attribute version of the root, empty when there is none
+    const std::string& getVersion() const { return m_version; }
+
+    void resetDocument() override;
+    void startDocument() override;
+    void endDocument() override;
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                 const XMLCh* actualEncoding) override;
+    void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                      const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                      XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
+    void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool isRoot,
+                    const XMLCh* prefix) override;
+    void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+    void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) override;
+    void docComment(const XMLCh* comment) override;
+    void docPI(const XMLCh* target, const XMLCh* data) override;
+
+private:
+    DocumentTree::Name nameOf(const xercesc::XMLElementDecl& declaration);
+    void endFirstText();
+    void addOtherChild();
+
+    std::optional<DocumentTree> m_tree;
+    std::string m_version;
+    std::unordered_map<std::u16string_view, DocumentTree::Name>
+        m_names;                ///< by the parser's own texts
+    std::u16string m_firstText; ///< of the open element, in pieces
+    bool m_inFirstText = false;
+};
+
+} // namespace Orvant

@@ -1,0 +1,81 @@
+#include <ConfigurationFramework/NumberText.h>
+
+#include <algorithm>
+#include <charconv>
+#include <locale>
+#include <sstream>
+#include <string>
+
+namespace Orvant {
+
+namespace {
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string_view withoutLeadingSpace(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t\n\v\f\r");
+    return text.substr(std::min(first, text.size()));
+}
+
+/// The characters that a stream takes for a floating-point number, well-formed or not.
+std::string_view floatingPointPrefix(std::string_view text) {
+    std::size_t i = 0;
+    bool mantissa = false;
+    bool point = false;
+    bool exponent = false;
+    if (i < text.size() && (text[i] == '+' || text[i] == '-'))
+        ++i;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        if (isDigit(c)) {
+            mantissa = true;
+        } else if (c == '.' && !point && !exponent) {
+            point = true;
+        } else if ((c == 'e' || c == 'E') && mantissa && !exponent) {
+            exponent = true;
+            if (i + 1 < text.size() && (text[i + 1] == '+' || text[i + 1] == '-'))
+                ++i;
+        } else {
+            break;
+        }
+    }
+    return text.substr(0, i);
+}
+
+/// Without the plus that std::from_chars does not take; another sign may not follow it.
+/// @return an empty text when one does
+std::string_view withoutPlus(std::string_view text) {
+    if (!text.starts_with('+'))
+        return text;
+    text.remove_prefix(1);
+    return text.starts_with('-') ? std::string_view() : text;
+}
+
+} // namespace
+
+bool extractNumber(std::string_view text, int& number) {
+    const std::string_view digits = withoutPlus(withoutLeadingSpace(text));
+    return std::from_chars(digits.data(), digits.data() + digits.size(), number).ec == std::errc();
+}
+
+bool extractNumber(std::string_view text, double& number) {
+    const std::string_view prefix = floatingPointPrefix(withoutLeadingSpace(text));
+    const std::string_view digits = withoutPlus(prefix);
+    double result = 0.0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
+    if (error == std::errc::result_out_of_range) {
+        // Too large, or too small: here the standard leaves open what the stream decides.
+        std::istringstream stream{std::string(prefix)};
+        stream.imbue(std::locale::classic());
+        if (!(stream >> result))
+            return false;
+    } else if (error != std::errc() || end != digits.data() + digits.size()) {
+        return false;
+    }
+    number = result;
+    return true;
+}
+
+} // namespace Orvant
