@@ -1,0 +1,324 @@
+// The reader over the compact tree and a literal one over a Xerces DOM must be told apart by
+// nothing that a reader can be asked.
+
+#include "DomConfigReader.h"
+
+#include <ConfigurationFramework/SimpleConfigReader.h>
+#include <TestSupport.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <sstream>
+
+namespace Orvant {
+namespace {
+
+using Support::DomConfigReader;
+using Random = std::mt19937;
+
+template <typename Container>
+const auto& anyOf(const Container& container, Random& random) {
+    return container[random() % container.size()];
+}
+
+/// The few names and keys that documents and questions are made of, so that they often meet.
+const std::vector<std::string> names = {"A", "B", "Value", "item", "Configuration", "Größe", "nil"};
+const std::vector<std::string> keys = {"", "1", "k", "ä", "none"};
+
+/// Writes down all that it is asked while it is loaded, and loads a child below it.
+class Recorder : public ConfigurationObject {
+public:
+    Recorder(std::ostream& record, int depth)
+        : ConfigurationObject("Recorder", "", LoadAndSave, AllProducts),
+          m_record(record),
+          m_depth(depth) {}
+
+    void loadContent(ConfigReader& reader) override;
+    ConfigurationObject* createConfigurationObject() const override {
+        return new Recorder(m_record, m_depth);
+    }
+
+private:
+    std::ostream& m_record;
+    int m_depth;
+};
+
+/// Asks a reader everything that needs no name but its own and writes the answers down. The values
+/// start at something that no document holds, so that it shows what is overwritten.
+void ask(ConfigReader& reader, const std::string& name, std::ostream& record) {
+    bool boolValue = false;
+    int intValue = -7;
+    unsigned int unsignedValue = 7;
+    double doubleValue = -0.75;
+    double scientificValue = -0.75;
+    float floatValue = -0.25F;
+    std::string text = "unchanged";
+    std::vector<std::string> texts = {"unchanged"};
+    std::map<std::string, bool> itemEditable = {{"unchanged", true}};
+    std::set<std::string> foundKeys = {"unchanged"};
+    bool editable = true;
+    const auto write = [&](ConfigurationAccessResult result, const auto&... values) {
+        record << result;
+        ((record << ' ' << values), ...);
+        record << ' ' << editable << '\n';
+        editable = !editable;
+    };
+    write(reader.getBool(name, boolValue, editable), boolValue);
+    write(reader.getInt(name, intValue, editable), intValue);
+    // What a failed read leaves in these two is nobody's business.
+    const auto unsignedResult = reader.getUnsignedInt(name, unsignedValue, editable);
+    write(unsignedResult,
+          unsignedResult == ConfigurationAccessResult::Success ? unsignedValue : 0U);
+    const auto floatResult = reader.getFloat(name, floatValue, editable);
+    write(floatResult, floatResult == ConfigurationAccessResult::Success ? floatValue : 0.0F);
+    write(reader.getDouble(name, doubleValue, editable), doubleValue);
+    write(reader.getDoubleScientific(name, 3, scientificValue, editable), scientificValue);
+    write(reader.getString(name, text, editable), text);
+    write(reader.getStringVector(name, texts, editable, itemEditable), texts.size());
+    for (const std::string& item : texts)
+        record << '[' << item << ']';
+    for (const auto& [item, itemIsEditable] : itemEditable)
+        record << item << '=' << itemIsEditable << ' ';
+    write(reader.getEditable(editable));
+    write(reader.getKeys(name, foundKeys));
+    for (const std::string& key : foundKeys)
+        record << '{' << key << '}';
+    record << '\n';
+}
+
+void Recorder::loadContent(ConfigReader& reader) {
+    for (const std::string& name : names)
+        ask(reader, name, m_record);
+    if (m_depth == 0)
+        return;
+    Recorder child(m_record, m_depth - 1);
+    for (const std::string& name : names)
+        m_record << reader.getClassContents(name, child) << '\n';
+}
+
+/// Drives one sequence of operations, the same for the same state of `random`.
+template <typename Reader>
+std::string drive(Reader& reader, Random random, int operations) {
+    std::ostringstream record;
+    record.precision(17);
+    Recorder object(record, 1);
+    for (int i = 0; i < operations; ++i) {
+        const std::string& name = anyOf(names, random);
+        const std::string& key = anyOf(keys, random);
+        const auto operation = random() % 13;
+        record << "operation " << operation << ' ' << name << ' ' << key << '\n';
+        switch (operation) {
+        case 0:
+            record << reader.setCurrentNode(name);
+            break;
+        case 1:
+            record << reader.setCurrentKeyedNode(name, key);
+            break;
+        case 2:
+            record << reader.tagExists(name);
+            break;
+        case 3:
+            record << reader.getClassContents(name, object);
+            break;
+        case 4:
+            record << reader.getClassContents(name, key, object);
+            break;
+        case 5: {
+            std::vector<ConfigurationObject*> objects(2, &object);
+            record << reader.getClassContents(name, {key, anyOf(keys, random)}, objects);
+            break;
+        }
+        case 6:
+            record << reader.findAndGetClassContents(name, object);
+            break;
+        case 7:
+            record << reader.findAndGetClassContents(name, key, object);
+            break;
+        case 8:
+            record << reader.getClassContents(object);
+            break;
+        case 9:
+            record << reader.createConfigurationObjects(name, [&](const std::string& found) {
+                record << "callback " << found << '\n';
+                ask(reader, "Value", record);
+            });
+            break;
+        case 10: {
+            std::string text = "unchanged";
+            bool editable = true;
+            record << reader.getString(text, editable) << text << editable;
+            break;
+        }
+        default:
+            ask(reader, name, record);
+        }
+    }
+    return record.str();
+}
+
+void expectSameAnswers(const std::string& document, Random& random, int sequences, int operations) {
+    for (int i = 0; i < sequences; ++i) {
+        DomConfigReader oracle(document);
+        SimpleConfigReader reader(FileName(), document, {oracle.version()});
+        random.discard(1);
+        const std::string expected = drive(oracle, random, operations);
+        ASSERT_EQ(expected, drive(reader, random, operations)) << document;
+    }
+}
+
+/// A document in memory ends at its first NUL, so what holds one is read from a file.
+void expectSameAnswersFromFile(const std::string& bytes, Random& random) {
+    const Support::TemporaryDirectory directory;
+    const FileName file = directory.file("document.xml", bytes);
+    for (int i = 0; i < 20; ++i) {
+        DomConfigReader oracle(bytes);
+        SimpleConfigReader reader(file, "", {oracle.version()});
+        random.discard(1);
+        const std::string expected = drive(oracle, random, 40);
+        ASSERT_EQ(expected, drive(reader, random, 40)) << bytes;
+    }
+}
+
+std::string utf16(const std::u16string& text, bool bigEndian) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+        const auto high = static_cast<char>(unit >> 8U);
+        const auto low = static_cast<char>(unit & 0xFFU);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+const std::string prolog = "<!DOCTYPE Configuration [\n"
+                           "<!ENTITY text 'some text'><!ENTITY element '<A><Value>1</Value></A>'>\n"
+                           "<!ENTITY nested '&text; and &element;'><!ENTITY empty ''>\n"
+                           "<!ENTITY number '42'><!ENTITY amp2 '&#38;amp;'>\n"
+                           "<!ELEMENT Configuration ANY><!ELEMENT A (Value*,item*)>\n"
+                           "<!ATTLIST A key CDATA 'k' editable (true|false) 'false'>\n"
+                           "<!ATTLIST Value editable CDATA #FIXED 'false' other CDATA 'x'>\n"
+                           "<!ATTLIST Configuration version CDATA '1'>\n"
+                           "<!NOTATION n SYSTEM 'n'><!ENTITY % parameter ''> %parameter;\n"
+                           "<!-- comment --><?pi in the prolog?>]>\n";
+
+TEST(ReaderEquivalence, HoldsOnACorpus) {
+    const std::vector<std::string> corpus = {
+        "<Configuration/>",
+        "<Configuration version='1'><A>text</A></Configuration>",
+        "<Configuration><A><![CDATA[cdata]]></A><B>text<![CDATA[cdata]]></B>"
+        "<Value><![CDATA[]]>text</Value></Configuration>",
+        "<Configuration><A><!--c-->1</A><B>2<!--c-->3</B><Value><!--c--></Value></Configuration>",
+        "<Configuration><A><?pi d?>1</A><B>2<?pi d?>3</B><Value><?pi?></Value></Configuration>",
+        "<!--c--><?pi d?><Configuration><!--c--><A/><?pi d?></Configuration><!--c--><?pi d?>",
+        "<Configuration><A>&lt;&amp;&gt;&quot;&apos;</A><B>&#65;&#x1F600;</B>"
+        "<Value>&#13;&#10;&#9;</Value></Configuration>",
+        "<Configuration>\r\n<A>\r1\r\n</A>\n\r<B>\n</B>\t<Value> true</Value></Configuration>",
+        prolog + "<Configuration><A>&text;</A><B>1&text;2</B><Value>&number;</Value>"
+                 "<item>&empty;</item></Configuration>",
+        prolog + "<Configuration>&element;<A/>&nested;<B>&element;<A key='1'/></B>"
+                 "<item>&amp2;</item></Configuration>",
+        prolog + "<Configuration><A key=''><Value editable='false'>1</Value> <item/></A>"
+                 "<A editable='true'/><A key='1'><Value>2</Value></A></Configuration>",
+        prolog + "<Configuration>&undeclaredButNeverReached2;</Configuration>",
+        "<Configuration xmlns='urn:d' xmlns:p='urn:p'><p:A><A/></p:A><A p:key='1' "
+        "key='2'/></Configuration>",
+        "<?xml version='1.1'?><Configuration><A>&#1;\xC2\x85</A></Configuration>",
+        "<?xml version='1.0' standalone='yes'?><Configuration><Configuration key='k'>"
+        "<Value>nested root</Value></Configuration></Configuration>",
+        "<?xml version='1.0' encoding='ISO-8859-1'?><Configuration><Gr\xF6\xDF"
+        "e>\xE4</Gr\xF6\xDF"
+        "e></Configuration>",
+        "\xEF\xBB\xBF<Configuration><Größe>1.5</Größe></Configuration>",
+        "<Configuration><A><item>1</item><B><item editable='false'>2</item><item/>"
+        "<item><item>3</item></item></B></A></Configuration>",
+        "<Configuration><Value>x</Value><Value>2</Value><A key='1'/><A/><A key=''>last"
+        "</A></Configuration>",
+    };
+    Random random(1);
+    for (const std::string& document : corpus) {
+        try {
+            const DomConfigReader wellFormed(document);
+        } catch (const std::runtime_error&) {
+            EXPECT_ANY_THROW(SimpleConfigReader(FileName(), document, {"", "1"})) << document;
+            continue;
+        }
+        expectSameAnswers(document, random, 40, 40);
+    }
+}
+
+TEST(ReaderEquivalence, HoldsInUtf16) {
+    const std::u16string document = u"\uFEFF<?xml version='1.0' encoding='UTF-16'?>\r\n"
+                                    u"<Configuration><Größe>\U0001F600 ä</Größe></Configuration>";
+    Random random(2);
+    expectSameAnswersFromFile(utf16(document, false), random);
+    expectSameAnswersFromFile(utf16(document, true), random);
+}
+
+TEST(ReaderEquivalence, HoldsForTextsThatArriveInPieces) {
+    Random random(3);
+    for (const std::size_t length : {1000U, 16383U, 16384U, 49151U, 65536U, 300001U}) {
+        std::string text;
+        while (text.size() < length)
+            text += random() % 50 == 0 ? "&amp;" : random() % 3 == 0 ? "\xF0\x9F\x98\x80" : "x";
+        expectSameAnswers("<Configuration><A>" + text + "</A><Value>" + text +
+                              "<!-- -->tail</Value></Configuration>",
+                          random, 3, 10);
+    }
+}
+
+TEST(ReaderEquivalence, HoldsForElementsWithManyChildren) {
+    Random random(4);
+    std::string document = "<Configuration>";
+    for (int i = 0; i < 80; ++i)
+        document += "<" + names[static_cast<std::size_t>(i) % 5] + " key='" +
+                    (i % 3 == 0 ? "" : std::to_string(i % 7)) + "'>" + std::to_string(i) + "</" +
+                    names[static_cast<std::size_t>(i) % 5] + ">";
+    expectSameAnswers(document + "</Configuration>", random, 25, 20);
+}
+
+/// Adds random content to a document: elements of few names, texts of all kinds, whatever else may
+/// stand between them.
+void addContent(std::string& document, int depth, Random& random) {
+    static const std::vector<std::string> pieces = {
+        "true",       "false",      " true",         "12",      "-1",
+        "4294967295", "2147483648", "1.5e3",         "1e",      "0x1F",
+        "abc",        " ",          "\n  ",          "\r\n",    "&#x41;",
+        "&amp;",      "&text;",     "&element;",     "&empty;", "&number;",
+        "<!--c-->",   "<?pi d?>",   "<![CDATA[1]]>", "ä"};
+    const auto count = random() % 5;
+    for (auto i = count; i > 0; --i) {
+        if (random() % 2 == 0 || depth == 0) {
+            document += anyOf(pieces, random);
+            continue;
+        }
+        const std::string& name = names[random() % 6];
+        document += '<' + name;
+        if (random() % 3 == 0)
+            document += " key='" + keys[random() % 4] + '\'';
+        if (random() % 4 == 0)
+            document += random() % 2 == 0 ? " editable='false'" : " editable='no'";
+        if (random() % 8 == 0) {
+            document += "/>";
+            continue;
+        }
+        document += '>';
+        addContent(document, depth - 1, random);
+        document += "</" + name + '>';
+    }
+}
+
+TEST(ReaderEquivalence, HoldsOnGeneratedDocuments) {
+    Random random(20'261'121);
+    for (int i = 0; i < 3000; ++i) {
+        std::string document = prolog + "<Configuration version='" + std::to_string(i) + "'>";
+        addContent(document, 4, random);
+        expectSameAnswers(document + "</Configuration>", random, 1, 12);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+} // namespace
+} // namespace Orvant
