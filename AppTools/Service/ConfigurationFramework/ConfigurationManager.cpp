@@ -6,17 +6,17 @@
 
 #include <FileHandling/FileUtilities.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace Orvant {
 
 namespace {
 
-ConfigurationAccessResult load(AdvancedConfigReader& reader, ConfigurationObject& object,
-                               const std::string& name, const std::optional<std::string>& key) {
-    return key ? reader.getClassContents(name, *key, object)
-               : reader.getClassContents(name, object);
+ConfigurationAccessResult load(AdvancedConfigReader& reader,
+                               const ConfigurationRegistration& registration) {
+    return registration.key
+               ? reader.getClassContents(registration.name, *registration.key, *registration.object)
+               : reader.getClassContents(registration.name, *registration.object);
 }
 
 /// The system configuration as an object asks for it while it is compared: it asks by its own name,
@@ -25,25 +25,22 @@ class ReferenceReader : public AdvancedConfigReader {
 public:
     using AdvancedConfigReader::getClassContents;
 
-    void setElement(const std::string& objectName, const std::string& name,
-                    const std::optional<std::string>& key) {
-        m_objectName = objectName;
-        m_name = name;
-        m_key = key;
+    void setRegistration(const ConfigurationRegistration& registration) {
+        m_registration = &registration;
     }
 
     ConfigurationAccessResult getClassContents(const std::string& name,
                                                ConfigurationObject& object) override {
-        if (name != m_objectName)
+        if (name != m_registration->object->getName())
             return AdvancedConfigReader::getClassContents(name, object);
-        return m_key ? AdvancedConfigReader::getClassContents(m_name, *m_key, object)
-                     : AdvancedConfigReader::getClassContents(m_name, object);
+        return m_registration->key
+                   ? AdvancedConfigReader::getClassContents(m_registration->name,
+                                                            *m_registration->key, object)
+                   : AdvancedConfigReader::getClassContents(m_registration->name, object);
     }
 
 private:
-    std::string m_objectName;
-    std::string m_name;
-    std::optional<std::string> m_key;
+    const ConfigurationRegistration* m_registration = nullptr;
 };
 
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
@@ -89,30 +86,34 @@ void ConfigurationManager::setValidVersionList(const std::list<std::string>& ver
     m_validVersions = versions;
 }
 
+void ConfigurationManager::addConfigurationObjects(
+    const std::vector<ConfigurationRegistration>& registrations) {
+    AdvancedConfigReader reader;
+    const bool hasSource = addSourceToConfigReader(reader);
+    for (const ConfigurationRegistration& registration : registrations) {
+        registerObject(registration);
+        if (hasSource)
+            load(reader, registration);
+    }
+}
+
 void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                                   const std::string& name) {
-    addConfigurationObject(std::move(object), name, std::nullopt);
+    addConfigurationObjects({{std::move(object), name}});
 }
 
 void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                                   const std::string& name, const std::string& key) {
-    addConfigurationObject(std::move(object), name, std::optional(key));
+    addConfigurationObjects({{std::move(object), name, key}});
 }
 
-void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
-                                                  const std::string& name,
-                                                  const std::optional<std::string>& key) {
+void ConfigurationManager::registerObject(const ConfigurationRegistration& registration) {
+    const auto& [object, name, key] = registration;
     // An object without a key is saved in place of all elements of its name, those of registered
     // siblings with a key included, so it does not join them.
-    const auto [first, last] = m_objects.equal_range(name);
-    const bool taken = std::any_of(
-        first, last, [&](const auto& registered) { return !key || registered.second.key == key; });
-    if (!taken)
-        m_objects.emplace(name, RegisteredObject{object, key});
-
-    AdvancedConfigReader reader;
-    if (addSourceToConfigReader(reader))
-        load(reader, *object, name, key);
+    const bool mayJoin = key || !m_objects.contains(name);
+    if (mayJoin && m_taken.emplace(name, key).second)
+        m_objects.emplace(name, registration);
 }
 
 ConfigurationObject* ConfigurationManager::getConfigurationObject(const std::string& name) const {
@@ -157,6 +158,7 @@ bool ConfigurationManager::hasErrors(const FileName& file) const {
 
 void ConfigurationManager::reset() {
     m_objects.clear();
+    m_taken.clear();
     m_fileMode = NoFiles;
     m_configurationFile = FileName();
     m_systemFile = FileName();
@@ -167,8 +169,8 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     const auto found = m_objects.lower_bound(name);
     if (found == m_objects.end() || found->first != name)
         return;
-    const auto& [object, key] = found->second;
-    object->setDefaultValues();
+    const ConfigurationRegistration& registration = found->second;
+    registration.object->setDefaultValues();
 
     if (m_fileMode == NoFiles)
         return;
@@ -184,8 +186,8 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
     // tell of the defaults.
     if (added == ConfigurationAccessResult::Success &&
-        load(reader, *object, name, key) == ConfigurationAccessResult::Failure)
-        object->emitSignalsAfterConfigLoading();
+        load(reader, registration) == ConfigurationAccessResult::Failure)
+        registration.object->emitSignalsAfterConfigLoading();
 }
 
 bool ConfigurationManager::saveConfiguration(const std::string& version) const {
@@ -233,7 +235,7 @@ bool ConfigurationManager::saveUserAndCompareWithSystemConfiguration(
     for (const auto& [name, registered] : m_objects) {
         if (!registered.object->writesContent())
             continue;
-        reader.setElement(registered.object->getName(), name, registered.key);
+        reader.setRegistration(registered);
         if (registered.key)
             writer->putOnlyDifferentClassContents(name, *registered.key, *registered.object, reader,
                                                   "");

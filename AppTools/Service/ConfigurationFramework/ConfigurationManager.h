@@ -8,13 +8,23 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Orvant {
 
 class AdvancedConfigReader;
 class ConfigurationObject;
 class ConfigWriter;
+
+/// An object to be registered, with the element that it is loaded from and saved to.
+struct ConfigurationRegistration {
+    std::shared_ptr<ConfigurationObject> object; ///< shared with the manager
+    std::string name;                            ///< tag of the element
+    std::optional<std::string> key = {};         ///< key of the element, if it has one
+};
 
 /// The process-wide registry of configuration objects: loads them when they are registered and
 /// saves them.
@@ -23,7 +33,8 @@ class ConfigWriter;
 /// auto& manager = ConfigurationManager::getInstance();
 /// manager.setValidVersionList({"1.0"});
 /// manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
-/// manager.addConfigurationObject(std::make_shared<ViewSettings>(), "ViewSettings");
+/// manager.addConfigurationObjects({{std::make_shared<ViewSettings>(), "ViewSettings"},
+///                                  {std::make_shared<Plotter>(), "Plotter", "Hall 1"}});
 /// manager.saveConfiguration("1.0");
 /// @endcode
 ///
@@ -48,7 +59,10 @@ public:
     /// @return the document versions that loading accepts
     const std::list<std::string>& getValidVersions() const { return m_validVersions; }
 
-    /// Registers an object and loads it from the element of the name.
+    /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
+    /// other, but opens each file only once: the way to register what an application has at start.
+    void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
+    /// Registers an object and loads it from the element of the name. Opens the files anew.
     /// @param object shared with the caller; where the files do not have its element, it keeps its
     ///               values. When the name is taken, the earlier object stays registered, and this
     ///               one is only loaded.
@@ -95,15 +109,9 @@ public:
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
 
-    struct RegisteredObject {
-        std::shared_ptr<ConfigurationObject> object;
-        std::optional<std::string> key; ///< of the element; none: the element has just the name
-    };
-
     ConfigurationManager();
 
-    void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
-                                const std::string& name, const std::optional<std::string>& key);
+    void registerObject(const ConfigurationRegistration& registration);
     bool addSourceToConfigReader(AdvancedConfigReader& reader);
     bool hasErrors(const FileName& file) const;
     bool saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer, const FileName& file) const;
@@ -117,7 +125,9 @@ private:
     FileName m_systemFile;
     FileName m_userFile;
     /// By name; the objects of one name in the order of their registration.
-    std::multimap<std::string, RegisteredObject> m_objects;
+    std::multimap<std::string, ConfigurationRegistration> m_objects;
+    /// Names and keys that are taken.
+    std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
     std::list<std::string> m_validVersions;
 };
 
