@@ -36,6 +36,9 @@ constexpr const XMLCh* configurationTag = u"Configuration";
 constexpr const XMLCh* versionAttribute = u"version";
 constexpr const XMLCh* keyAttribute = u"key";
 
+/// Up to here, comparing one child after the other is faster than an index.
+constexpr std::size_t mostChildrenWithoutIndex = 32;
+
 struct SerializerRelease {
     void operator()(xercesc::DOMLSSerializer* serializer) const { serializer->release(); }
 };
@@ -56,8 +59,10 @@ XmlChString checked(DocumentText text, const std::string& elementName) {
     return std::move(text.text);
 }
 
-bool isNamed(const DOMElement& element, const XmlChString& name) {
-    return name == element.getTagName();
+/// @param key null: any
+bool matches(const DOMElement& element, const XmlChString& name, const XmlChString* key) {
+    return name == element.getTagName() &&
+           (key == nullptr || *key == element.getAttribute(keyAttribute));
 }
 
 xercesc::DOMImplementation& domImplementation() {
@@ -109,7 +114,7 @@ void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
     m_current = m_document->getDocumentElement();
     if (m_current == nullptr)
         throw ConfigException(ConfigException::InvalidDocument);
-    if (!isNamed(*m_current, configurationTag))
+    if (!matches(*m_current, configurationTag, nullptr))
         throw ConfigException(ConfigException::InvalidDocument);
 }
 
@@ -119,19 +124,24 @@ void ConfigWriterImpl::createNode(const std::string& name, const std::string& co
 
 void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
                                        const std::string& comment) {
-    appendElement(name, key, comment)
-        .setAttribute(keyAttribute, checked(toDocumentText(key), name).c_str());
+    appendElement(name, key, comment);
 }
 
-DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const KeyToDelete& replacedKey,
+/// Appends an element in place of the children of its name or, if it has a key, of name and key.
+DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const Key& key,
                                             const std::string& comment) {
     // Made before anything is deleted: an invalid name is refused here.
     DOMElement& element = *m_document->createElement(checked(toDocumentText(name), name).c_str());
-    deleteChildren(name, replacedKey);
+    const XmlChString keyText = key ? checked(toDocumentText(*key), name) : XmlChString();
+    if (key)
+        element.setAttribute(keyAttribute, keyText.c_str());
+    deleteChildren(name, key);
     if (!comment.empty())
         m_current->appendChild(
             m_document->createComment(checked(toCommentText(comment), name).c_str()));
     m_current->appendChild(&element);
+    if (ElementIndex* const index = currentIndex())
+        index->add(element, keyText);
     return element;
 }
 
@@ -147,46 +157,76 @@ ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::strin
 ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
                                                         const std::string* key) {
     const XmlChString wantedName = XercesHelperFunctions::stringToXmlCh(name);
-    const XmlChString wantedKey =
-        key == nullptr ? XmlChString() : XercesHelperFunctions::stringToXmlCh(*key);
+    const auto wantedKey =
+        key == nullptr ? std::nullopt : std::optional(XercesHelperFunctions::stringToXmlCh(*key));
+    DOMElement* const found = findChild(wantedName, wantedKey ? &*wantedKey : nullptr);
+    if (found == nullptr)
+        return ConfigurationAccessResult::Failure;
+    m_current = found;
+    return ConfigurationAccessResult::Success;
+}
+
+/// The first child of a name and, if it is not null, of a key; null when there is none.
+DOMElement* ConfigWriterImpl::findChild(const XmlChString& name, const XmlChString* key) {
+    if (const ElementIndex* const index = currentIndex())
+        return index->find(name, key);
     for (DOMNode* node = m_current->getFirstChild(); node != nullptr;
          node = node->getNextSibling()) {
         DOMElement* const element = asElement(node);
-        if (element != nullptr && isNamed(*element, wantedName) &&
-            (key == nullptr || wantedKey == element->getAttribute(keyAttribute))) {
-            m_current = element;
-            return ConfigurationAccessResult::Success;
-        }
+        if (element != nullptr && matches(*element, name, key))
+            return element;
     }
-    return ConfigurationAccessResult::Failure;
+    return nullptr;
+}
+
+/// The index of the current element's children; null while it has none.
+ElementIndex* ConfigWriterImpl::currentIndex() {
+    const auto found = m_indexes.find(m_current);
+    return found == m_indexes.end() ? nullptr : &found->second;
 }
 
 void ConfigWriterImpl::deleteNodes(const std::string& name, const std::string& key) {
-    deleteChildren(name, key.empty() ? std::nullopt : KeyToDelete(key));
+    deleteChildren(name, key.empty() ? std::nullopt : Key(key));
 }
 
 void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::string& key) {
     deleteChildren(name, key);
 }
 
-void ConfigWriterImpl::deleteChildren(const std::string& name, const KeyToDelete& key) {
+void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
     const XmlChString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
-    const XmlChString keyToDelete =
-        key ? XercesHelperFunctions::stringToXmlCh(*key) : XmlChString();
+    const XmlChString keyText = key ? XercesHelperFunctions::stringToXmlCh(*key) : XmlChString();
+    const XmlChString* const keyToDelete = key ? &keyText : nullptr;
+    if (ElementIndex* const index = currentIndex()) {
+        for (DOMElement* element : index->take(nameToDelete, keyToDelete))
+            deleteElement(*element);
+        return;
+    }
+    std::vector<DOMElement*> kept;
     for (DOMNode* node = m_current->getFirstChild(); node != nullptr;) {
         DOMNode* const next = node->getNextSibling();
-        const DOMElement* const element = asElement(node);
-        if (node->getNodeType() == DOMNode::TEXT_NODE) {
+        DOMElement* const element = asElement(node);
+        if (node->getNodeType() == DOMNode::TEXT_NODE)
             m_current->removeChild(node);
-        } else if (element != nullptr && isNamed(*element, nameToDelete) &&
-                   (!key || keyToDelete == element->getAttribute(keyAttribute))) {
-            DOMNode* const previous = node->getPreviousSibling();
-            if (previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE)
-                m_current->removeChild(previous);
-            m_current->removeChild(node);
-        }
+        else if (element != nullptr && matches(*element, nameToDelete, keyToDelete))
+            deleteElement(*element);
+        else if (element != nullptr)
+            kept.push_back(element);
         node = next;
     }
+    if (kept.size() <= mostChildrenWithoutIndex)
+        return;
+    ElementIndex& index = m_indexes[m_current];
+    for (DOMElement* element : kept)
+        index.add(*element, element->getAttribute(keyAttribute));
+}
+
+/// Deletes a child of the current element, with the comment right before it.
+void ConfigWriterImpl::deleteElement(DOMElement& element) {
+    DOMNode* const previous = element.getPreviousSibling();
+    if (previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE)
+        m_current->removeChild(previous);
+    m_current->removeChild(&element);
 }
 
 void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) {
@@ -202,6 +242,7 @@ void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
 void ConfigWriterImpl::putString(const std::string& value) {
     const std::string name = XercesHelperFunctions::xmlChToString(m_current->getTagName());
     m_current->setTextContent(checked(toDocumentText(value), name).c_str());
+    m_indexes.erase(m_current);
 }
 
 void ConfigWriterImpl::putStringVector(const std::string& name,

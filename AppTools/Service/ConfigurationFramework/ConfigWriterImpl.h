@@ -2,11 +2,13 @@
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
 #include <ConfigurationFramework/DocumentParsing.h>
+#include <ConfigurationFramework/ElementIndex.h>
 #include <ConfigurationFramework/XercesSession.h>
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -45,13 +47,17 @@ private:
     struct DocumentRelease {
         void operator()(xercesc::DOMDocument* document) const { document->release(); }
     };
-    /// Which children of a name a deletion takes: all, or those whose key (absent: empty) is this.
-    using KeyToDelete = std::optional<std::string>;
+    using XmlChString = ElementIndex::XmlChString;
+    /// A key, where an absent one counts as empty; nothing: any key.
+    using Key = std::optional<std::string>;
 
     void load(const FileName& file, const std::string& content);
-    xercesc::DOMElement& appendElement(const std::string& name, const KeyToDelete& replacedKey,
+    xercesc::DOMElement& appendElement(const std::string& name, const Key& key,
                                        const std::string& comment);
-    void deleteChildren(const std::string& name, const KeyToDelete& key);
+    void deleteChildren(const std::string& name, const Key& key);
+    void deleteElement(xercesc::DOMElement& element);
+    xercesc::DOMElement* findChild(const XmlChString& name, const XmlChString* key);
+    ElementIndex* currentIndex();
     void appendText(xercesc::DOMElement& element, const std::string& text);
     ConfigurationAccessResult makeCurrent(const std::string& name, const std::string* key);
 
@@ -62,6 +68,8 @@ private:
     std::unique_ptr<xercesc::DOMDocument, DocumentRelease> m_newDocument; ///< of a new document
     xercesc::DOMDocument* m_document = nullptr;
     xercesc::DOMElement* m_current = nullptr;
+    /// Of the elements that have many children and no text.
+    std::unordered_map<const xercesc::DOMElement*, ElementIndex> m_indexes;
 };
 
 } // namespace Orvant

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace Orvant {
+
+/// The child elements of one element by tag, and by tag and key (an absent key counts as empty), so
+/// that elements with many children are edited without a walk over all of them for each.
+class ElementIndex {
+public:
+    using XmlChString = std::basic_string<XMLCh>;
+
+    /// Adds a child behind all that were added before.
+    void add(xercesc::DOMElement& child, const XmlChString& key);
+
+    /// @return the first child of that tag and, if it is not null, that key; null when there is
+    /// none
+    xercesc::DOMElement* find(const XmlChString& name, const XmlChString* key) const;
+
+    /// Takes the children of that tag and, if it is not null, that key out of the index.
+    /// @return the children, in order
+    std::vector<xercesc::DOMElement*> take(const XmlChString& name, const XmlChString* key);
+
+private:
+    using Position = std::size_t;
+    struct Namesakes {
+        std::map<Position, xercesc::DOMElement*> elements;
+        std::unordered_map<XmlChString, std::set<Position>> byKey;
+    };
+
+    std::unordered_map<XmlChString, Namesakes> m_namesakes;
+    Position m_next = 0;
+};
+
+} // namespace Orvant
