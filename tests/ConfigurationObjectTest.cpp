@@ -1182,5 +1182,11 @@ TEST(ConfigurationObject, CanReplaceItsChild) {
     EXPECT_EQ(expected, save(child));
 }
 
+TEST(ConfigurationObject, RefusesNullItems) {
+    TestObject object;
+    EXPECT_THROW(object.addChild(nullptr), std::invalid_argument);
+    EXPECT_EQ(0U, object.getConfigurationObjectsSize());
+}
+
 } // namespace
 } // namespace Orvant

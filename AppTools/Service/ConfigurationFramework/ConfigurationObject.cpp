@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <utility>
+#include <stdexcept>
 
 namespace Orvant {
 
@@ -14,6 +14,8 @@ namespace {
 
 template <typename Item>
 void append(std::vector<Item*>& items, Item* item) {
+    if (item == nullptr)
+        throw std::invalid_argument("a configuration object cannot hold a null item");
     std::unique_ptr<Item> owner(item);
     items.push_back(item);
     (void)owner.release();
@@ -61,37 +63,53 @@ std::unique_ptr<ConfigurationObject> loadReference(const ConfigurationObject& ob
 
 } // namespace
 
+/// Copies of an object's values and children, deleted with the scope unless an object takes them.
+class ConfigurationObject::OwnedItems {
+public:
+    explicit OwnedItems(const ConfigurationObject& original) try {
+        for (const ConfigurationValueBase* value : original.m_values)
+            append(m_values, value->clone());
+        for (const ConfigurationObject* child : original.m_objects)
+            append(m_objects, child->clone());
+    } catch (...) {
+        clear();
+        throw;
+    }
+    OwnedItems(const OwnedItems&) = delete;
+    OwnedItems& operator=(const OwnedItems&) = delete;
+    ~OwnedItems() { clear(); }
+
+    void swapWith(ConfigurationObject& object) {
+        m_values.swap(object.m_values);
+        m_objects.swap(object.m_objects);
+    }
+
+private:
+    void clear() {
+        deleteAll(m_values);
+        deleteAll(m_objects);
+    }
+
+    std::vector<ConfigurationValueBase*> m_values;
+    std::vector<ConfigurationObject*> m_objects;
+};
+
 ConfigurationObject::ConfigurationObject(const std::string& name, const std::string& description,
                                          Persistence persistence, ProductType productType)
     : ConfigurationItemBase(name, description, ObjectItem, persistence, productType) {}
 
 ConfigurationObject::ConfigurationObject(const ConfigurationObject& other)
     : ConfigurationItemBase(other), m_userWarningMessages(other.m_userWarningMessages) {
-    try {
-        appendCopies(other);
-    } catch (...) {
-        clearConfigurationItems();
-        throw;
-    }
+    OwnedItems copies(other);
+    copies.swapWith(*this);
 }
 
 ConfigurationObject& ConfigurationObject::operator=(const ConfigurationObject& other) {
-    if (this == &other)
-        return *this;
-    std::vector<ConfigurationValueBase*> oldValues = std::exchange(m_values, {});
-    std::vector<ConfigurationObject*> oldObjects = std::exchange(m_objects, {});
-    try {
-        appendCopies(other);
-        m_userWarningMessages = other.m_userWarningMessages;
-        ConfigurationItemBase::operator=(other);
-    } catch (...) {
-        clearConfigurationItems();
-        m_values.swap(oldValues);
-        m_objects.swap(oldObjects);
-        throw;
-    }
-    deleteAll(oldValues);
-    deleteAll(oldObjects);
+    // The copies are complete before anything is deleted: one of the two may be inside the other.
+    OwnedItems items(other);
+    m_userWarningMessages = other.m_userWarningMessages;
+    ConfigurationItemBase::operator=(other);
+    items.swapWith(*this);
     return *this;
 }
 
@@ -130,8 +148,8 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
 
 ConfigurationObject* ConfigurationObject::clone() const {
     std::unique_ptr<ConfigurationObject> copy(createConfigurationObject());
-    copy->clearConfigurationItems();
-    copy->appendCopies(*this);
+    OwnedItems items(*this);
+    items.swapWith(*copy);
     copy->setEditable(isEditable());
     copy->m_userWarningMessages = m_userWarningMessages;
     return copy.release();
@@ -168,18 +186,24 @@ bool ConfigurationObject::hasNonEditableEntries() const {
 }
 
 void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject* other) {
-    if (other != nullptr)
-        takeFromSystem(*other, !other->isEditable());
+    if (other == nullptr)
+        return;
+    takeFromSystem(*other, !other->isEditable());
+    for (std::size_t i = 0; i < m_objects.size(); ++i)
+        m_objects[i]->overwriteInvalidConfigValues(
+            findCounterpart(m_objects, i, &other->m_objects));
 }
 
-void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool locked) {
+/// Takes the locks, and the values that the system decides: with `all`, every value, in children
+/// too.
+void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool all) {
     setEditable(system.isEditable());
     for (std::size_t i = 0; i < m_values.size(); ++i) {
         ConfigurationValueBase& value = *m_values[i];
         const auto* systemValue = findCounterpart(m_values, i, &system.m_values);
         if (systemValue == nullptr)
             continue;
-        if (locked || !systemValue->isEditable() || !value.hasValue()) {
+        if (all || !systemValue->isEditable() || !value.hasValue()) {
             if (systemValue->hasValue())
                 value.adoptValue(systemValue);
             else
@@ -187,16 +211,9 @@ void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool
         }
         value.setEditable(systemValue->isEditable());
     }
-    for (std::size_t i = 0; i < m_objects.size(); ++i) {
-        ConfigurationObject& child = *m_objects[i];
-        const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects);
-        if (systemChild == nullptr)
-            continue;
-        if (locked)
-            child.takeFromSystem(*systemChild, true);
-        else
-            child.overwriteInvalidConfigValues(systemChild);
-    }
+    for (std::size_t i = 0; all && i < m_objects.size(); ++i)
+        if (const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects))
+            m_objects[i]->takeFromSystem(*systemChild, true);
 }
 
 void ConfigurationObject::emitSignalsAfterConfigLoading() {
@@ -319,13 +336,6 @@ void ConfigurationObject::addConfigurationObject(ConfigurationObject* object) {
 void ConfigurationObject::clearConfigurationItems() {
     deleteAll(m_values);
     deleteAll(m_objects);
-}
-
-void ConfigurationObject::appendCopies(const ConfigurationObject& other) {
-    for (const ConfigurationValueBase* value : other.m_values)
-        append(m_values, value->clone());
-    for (const ConfigurationObject* child : other.m_objects)
-        append(m_objects, child->clone());
 }
 
 } // namespace Orvant

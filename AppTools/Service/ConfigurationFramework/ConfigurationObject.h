@@ -133,17 +133,20 @@ public:
 
 protected:
     /// Appends a value and takes ownership of it.
+    /// @throws std::invalid_argument for null
     void addConfigurationValue(ConfigurationValueBase* value);
     /// Appends a child and takes ownership of it.
+    /// @throws std::invalid_argument for null
     void addConfigurationObject(ConfigurationObject* object);
     /// Deletes all values and children.
     void clearConfigurationItems();
 
 private:
-    void appendCopies(const ConfigurationObject& other);
+    class OwnedItems;
+
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
     bool hasDifferenceToWrite(const ConfigurationObject* other) const;
-    void takeFromSystem(const ConfigurationObject& system, bool locked);
+    void takeFromSystem(const ConfigurationObject& system, bool all);
 
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;

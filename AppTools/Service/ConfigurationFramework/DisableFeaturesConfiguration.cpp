@@ -42,10 +42,12 @@ DisableFeaturesConfiguration* DisableFeaturesConfiguration::getRegisteredInstanc
     static std::shared_ptr<DisableFeaturesConfiguration> s_instance;
 
     const std::lock_guard lock(s_mutex);
-    if (s_instance == nullptr)
+    const bool isFirstCall = s_instance == nullptr;
+    if (isFirstCall)
         s_instance = std::make_shared<DisableFeaturesConfiguration>();
+    // Registering loads it, even when another object has taken the name.
     auto& manager = ConfigurationManager::getInstance();
-    if (manager.getConfigurationObject(s_tag) == nullptr)
+    if (isFirstCall || manager.getConfigurationObject(s_tag) == nullptr)
         manager.addConfigurationObject(s_instance, s_instance->getName());
     return s_instance.get();
 }

@@ -23,7 +23,7 @@ public:
     void warning(const xercesc::SAXParseException& exception) override;
     void error(const xercesc::SAXParseException& exception) override;
     void fatalError(const xercesc::SAXParseException& exception) override;
-    /// Forgets the errors. The parser calls it too, at the start of each parse.
+    /// Forgets the errors.
     void resetErrors() override;
 
 private:
