@@ -262,8 +262,10 @@ TEST_F(RegisteredFeaturesTest, AreTheSameForAllThreads) {
             return Features::getRegisteredInstance();
         }));
     start.set_value();
-    for (auto& thread : threads)
-        EXPECT_EQ(manager.getConfigurationObject(Features::s_tag), thread.get());
+    for (auto& thread : threads) {
+        const Features* const features = thread.get();
+        EXPECT_EQ(manager.getConfigurationObject(Features::s_tag), features);
+    }
 }
 
 TEST_F(RegisteredFeaturesTest, OutliveAResetOfTheManagerAndAreRegisteredAgain) {
