@@ -21,9 +21,9 @@ using Support::LogCapture;
 using Support::readFile;
 using Support::TemporaryDirectory;
 using Support::TestObject;
+using Support::ThrowingObject;
 using Support::withoutFormatting;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 using testing::ValuesIn;
 
@@ -618,21 +618,6 @@ TEST_F(ConfigWriterDifference, IsTheDecisionOfTheObject) {
     }
 }
 
-/// Throws when it is to save itself.
-class ThrowingObject : public TestObject {
-public:
-    using TestObject::TestObject;
-
-    void saveContent(ConfigWriter& writer) const override {
-        writer.createNodeAndMakeCurrent("begun", "");
-        throw std::runtime_error("cannot be saved");
-    }
-    void saveContent(ConfigWriter& writer, ConfigReader&, bool) const override {
-        saveContent(writer);
-    }
-    bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
-};
-
 struct ObjectOperation {
     std::string name;
     std::function<void(ConfigWriter&, const ConfigurationObject&, ConfigReader&)> put;
@@ -681,13 +666,13 @@ TEST_P(ConfigWriterObjectOperation, ComesBackToTheCurrentElement) {
 
 TEST_P(ConfigWriterObjectOperation, ComesBackWhenTheObjectThrows) {
     expectBackAfter([&] {
-        EXPECT_THROW(GetParam().put(m_writer, ThrowingObject("o"), m_reader), std::runtime_error);
+        EXPECT_THROW(GetParam().put(m_writer, ThrowingObject(), m_reader), std::runtime_error);
     });
 }
 
 TEST(ConfigWriterObjects, PassOnWhatTheyThrowInPlace) {
     ConfigWriter writer("1.0");
-    EXPECT_THROW(writer.putClassContents(ThrowingObject("o")), std::runtime_error);
+    EXPECT_THROW(writer.putClassContents(ThrowingObject()), std::runtime_error);
 }
 
 } // namespace

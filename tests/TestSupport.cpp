@@ -1,5 +1,7 @@
 #include <TestSupport.h>
 
+#include <ConfigurationFramework/ConfigWriter.h>
+
 #include <gtest/gtest.h>
 #include <spdlog/sinks/ostream_sink.h>
 #include <spdlog/spdlog.h>
@@ -98,6 +100,15 @@ LogCapture::~LogCapture() {
 
 std::string LogCapture::text() const {
     return m_state->text.str();
+}
+
+void ThrowingObject::saveContent(ConfigWriter& writer) const {
+    writer.createNodeAndMakeCurrent("begun", "");
+    throw std::runtime_error("cannot be saved");
+}
+
+void ThrowingObject::saveContent(ConfigWriter& writer, ConfigReader&, bool) const {
+    saveContent(writer);
 }
 
 } // namespace Orvant::Support

@@ -119,4 +119,14 @@ private:
     std::function<void(TestObject&)> m_build;
 };
 
+/// Throws a std::runtime_error in the middle of saving itself, in full or only what differs.
+class ThrowingObject : public TestObject {
+public:
+    using TestObject::TestObject;
+
+    void saveContent(ConfigWriter& writer) const override;
+    void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const override;
+    bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
+};
+
 } // namespace Orvant::Support
