@@ -1,5 +1,7 @@
 #include <TestSupport.h>
 
+#include <ConfigurationFramework/ConfigWriter.h>
+
 #include <gtest/gtest.h>
 #include <spdlog/sinks/ostream_sink.h>
 #include <spdlog/spdlog.h>
@@ -57,6 +59,20 @@ std::string readFile(const FileName& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+std::string withoutFormatting(const std::string& text) {
+    constexpr const char* blanks = " \t\r";
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line);)
+        if (const auto first = line.find_first_not_of(blanks); first != line.npos)
+            result += line.substr(first, line.find_last_not_of(blanks) + 1 - first);
+    return result;
+}
+
+std::string document(const std::string& contents) {
+    return "<Configuration version=\"1.0\">" + contents + "</Configuration>";
+}
+
 struct LogCapture::State {
     explicit State(const std::string& name)
         : sink(std::make_shared<spdlog::sinks::ostream_sink_mt>(text)),
@@ -84,6 +100,15 @@ LogCapture::~LogCapture() {
 
 std::string LogCapture::text() const {
     return m_state->text.str();
+}
+
+void ThrowingObject::saveContent(ConfigWriter& writer) const {
+    writer.createNodeAndMakeCurrent("begun", "");
+    throw std::runtime_error("cannot be saved");
+}
+
+void ThrowingObject::saveContent(ConfigWriter& writer, ConfigReader&, bool) const {
+    saveContent(writer);
 }
 
 } // namespace Orvant::Support

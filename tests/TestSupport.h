@@ -34,6 +34,13 @@ void writeFile(const FileName& file, const std::string& bytes);
 /// @return the bytes of a file; fails the test when there is none
 std::string readFile(const FileName& file);
 
+/// @return the text without line ends and without the blanks around them, so that documents compare
+///         whatever their indentation
+std::string withoutFormatting(const std::string& text);
+
+/// @return a document of version 1.0 that holds the contents
+std::string document(const std::string& contents);
+
 /// Gathers what goes to the error log of a name ("SimpleConfigReader", "ConfigWriter", ...) while
 /// it is in scope.
 class LogCapture {
@@ -61,8 +68,10 @@ public:
     /// Makes an empty object of this name and fills it with what `build` adds.
     /// The builder is kept for createConfigurationObject().
     template <typename Build>
-    static std::shared_ptr<TestObject> make(const std::string& name, Build build) {
-        auto object = std::make_shared<TestObject>(name);
+    static std::shared_ptr<TestObject> make(const std::string& name, Build build,
+                                            Persistence persistence = LoadAndSave,
+                                            ProductType productType = AllProducts) {
+        auto object = std::make_shared<TestObject>(name, persistence, productType);
         object->m_build = build;
         build(*object);
         return object;
@@ -108,6 +117,16 @@ public:
 
 private:
     std::function<void(TestObject&)> m_build;
+};
+
+/// Throws a std::runtime_error in the middle of saving itself, in full or only what differs.
+class ThrowingObject : public TestObject {
+public:
+    using TestObject::TestObject;
+
+    void saveContent(ConfigWriter& writer) const override;
+    void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const override;
+    bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
 };
 
 } // namespace Orvant::Support

@@ -29,7 +29,8 @@ class FileName;
 /// is not empty is written before the element and goes with it when it is deleted. Texts are UTF-8;
 /// what XML 1.0 cannot hold and bytes that are not UTF-8 become U+FFFD, with an error in the log
 /// that names the element, and a hyphen of a comment that another or the end follows gets a blank
-/// behind it. An invalid name raises the DOM's exception (xercesc::DOMException).
+/// behind it. Names are not mended: an invalid one raises the DOM's exception
+/// (xercesc::DOMException).
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigWriter {
 public:
     /// Starts a new document: a root without children.

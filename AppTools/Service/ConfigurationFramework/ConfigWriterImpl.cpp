@@ -127,11 +127,19 @@ void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::strin
     appendElement(name, key, comment);
 }
 
+/// @throws xercesc::DOMException for an invalid name
+DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
+    const DocumentText tag = toDocumentText(name);
+    if (tag.changed)
+        throw xercesc::DOMException(xercesc::DOMException::INVALID_CHARACTER_ERR);
+    return *m_document->createElement(tag.text.c_str());
+}
+
 /// Appends an element in place of the children of its name or, if it has a key, of name and key.
 DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const Key& key,
                                             const std::string& comment) {
     // Made before anything is deleted: an invalid name is refused here.
-    DOMElement& element = *m_document->createElement(checked(toDocumentText(name), name).c_str());
+    DOMElement& element = createElement(name);
     const XmlChString keyText = key ? checked(toDocumentText(*key), name) : XmlChString();
     if (key)
         element.setAttribute(keyAttribute, keyText.c_str());
@@ -195,7 +203,7 @@ void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::strin
 
 void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
     const XmlChString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
-    const XmlChString keyText = key ? XercesHelperFunctions::stringToXmlCh(*key) : XmlChString();
+    const XmlChString keyText = key ? toDocumentText(*key).text : XmlChString();
     const XmlChString* const keyToDelete = key ? &keyText : nullptr;
     if (ElementIndex* const index = currentIndex()) {
         for (DOMElement* element : index->take(nameToDelete, keyToDelete))

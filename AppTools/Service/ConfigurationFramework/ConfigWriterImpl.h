@@ -52,6 +52,7 @@ private:
     using Key = std::optional<std::string>;
 
     void load(const FileName& file, const std::string& content);
+    xercesc::DOMElement& createElement(const std::string& name);
     xercesc::DOMElement& appendElement(const std::string& name, const Key& key,
                                        const std::string& comment);
     void deleteChildren(const std::string& name, const Key& key);

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ConfigurationValueBase.h>
 
 #include <FileHandling/FileUtilities.h>
 
@@ -42,6 +43,17 @@ public:
 private:
     const ConfigurationRegistration* m_registration = nullptr;
 };
+
+/// Gives an object the locks of a copy of it.
+void restoreLocks(ConfigurationObject& object, const ConfigurationObject& copy) {
+    object.setEditable(copy.isEditable());
+    for (auto value = object.beginValueIterator(), former = copy.beginValueIterator();
+         value != object.endValueIterator(); ++value, ++former)
+        (*value)->setEditable((*former)->isEditable());
+    for (auto child = object.beginObjectIterator(), former = copy.beginObjectIterator();
+         child != object.endObjectIterator(); ++child, ++former)
+        restoreLocks(**child, **former);
+}
 
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
     // What the file holds of others survives.
@@ -178,15 +190,22 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     const FileName& file = m_fileMode == SingleFile ? m_configurationFile
                            : fromSystemFile         ? m_systemFile
                                                     : m_userFile;
+    const bool fromUserFileAlone = m_fileMode == SystemAndUserFile && fromUserFile;
+    const std::unique_ptr<ConfigurationObject> former(
+        fromUserFileAlone ? registration.object->clone() : nullptr);
     AdvancedConfigReader reader;
     const auto added = reader.addFileSource(file, {},
                                             fromSystemFile ? AdvancedConfigReader::Priority::System
                                                            : AdvancedConfigReader::Priority::User,
                                             m_validVersions);
+    if (added != ConfigurationAccessResult::Success)
+        return;
+    const auto loaded = load(reader, registration);
+    if (former != nullptr)
+        restoreLocks(*registration.object, *former); // The user's file locks nothing.
     // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
     // tell of the defaults.
-    if (added == ConfigurationAccessResult::Success &&
-        load(reader, registration) == ConfigurationAccessResult::Failure)
+    if (loaded == ConfigurationAccessResult::Failure)
         registration.object->emitSignalsAfterConfigLoading();
 }
 

@@ -40,26 +40,35 @@ void expandEntityReferences(DOMNode& root) {
     }
 }
 
-/// Cuts what the printer has put behind the text, or the reader of the file before an element.
+/// Cuts the line break and indentation before a tag, which the printer makes anew.
 void cutFormatting(DOMText& text) {
     const std::basic_string_view<XMLCh> content(text.getData());
-    const auto end = content.find_last_not_of(u" \t\r\n");
-    if (end == content.npos)
+    const auto lastOther = content.find_last_not_of(u" \t\r\n");
+    if (lastOther == content.npos) {
         text.getParentNode()->removeChild(&text);
-    else if (content.find(u'\n', end) != content.npos)
-        text.deleteData(end + 1, content.size() - end - 1);
+        return;
+    }
+    const auto lineBreak = content.find(u'\n', lastOther);
+    if (lineBreak != content.npos)
+        text.deleteData(lineBreak, content.size() - lineBreak);
 }
 
 bool isText(const DOMNode& node) {
     return node.getNodeType() == DOMNode::TEXT_NODE;
 }
 
-void cutFormattingBetweenElements(DOMElement& root) {
+/// Whether the printer gives the node a line of its own.
+bool hasOwnLine(const DOMNode& node) {
+    return node.getNodeType() == DOMNode::ELEMENT_NODE ||
+           node.getNodeType() == DOMNode::PROCESSING_INSTRUCTION_NODE;
+}
+
+void cutFormattingBetweenLines(DOMElement& root) {
     for (DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
-        bool hasElements = false;
-        for (DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling())
-            hasElements = hasElements || asElement(child) != nullptr;
-        if (!hasElements)
+        bool hasLines = false;
+        for (const DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling())
+            hasLines = hasLines || hasOwnLine(*child);
+        if (!hasLines)
             continue;
         for (DOMNode* child = node->getFirstChild(); child != nullptr;) {
             DOMNode* const next = child->getNextSibling();
@@ -94,7 +103,7 @@ void prepareForWriting(xercesc::DOMDocument& document) {
     if (nestingDepth(root) > maxWrittenDepth)
         return; // It is never written.
     expandEntityReferences(root);
-    cutFormattingBetweenElements(root);
+    cutFormattingBetweenLines(root);
     document.setXmlVersion(u"1.0");
 }
 

@@ -32,6 +32,10 @@ DocumentText toDocumentText(std::string_view text) {
     return result;
 }
 
+std::string throughDocument(const std::string& text) {
+    return transcode<char>(std::basic_string_view<XMLCh>(toDocumentText(text).text));
+}
+
 DocumentText toCommentText(std::string_view text) {
     std::string separated;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -18,6 +18,10 @@ struct DocumentText {
 /// @param text UTF-8
 DocumentText toDocumentText(std::string_view text);
 
+/// @return the text in UTF-8 as it reads when it has been through a document
+/// @param text UTF-8
+std::string throughDocument(const std::string& text);
+
 /// Makes text fit for a comment: as toDocumentText(), and with a blank after each hyphen that
 /// another hyphen or the end would follow (XML 1.0, section 2.5).
 /// @param text UTF-8

@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/DocumentText.h>
 #include <ConfigurationFramework/NumberText.h>
 #include <ConfigurationFramework/XercesSession.h>
 
@@ -75,7 +76,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentNode(const std::stri
 
 /// The child of that key or the default entry.
 Element SimpleConfigReaderImpl::findKeyed(const std::string& name, const std::string& key) {
-    const Element keyed = m_tree->findChild(m_current, name, key);
+    const Element keyed = m_tree->findChild(m_current, name, throughDocument(key));
     return keyed != DocumentTree::none ? keyed : m_tree->findChildWithoutKey(m_current, name);
 }
 
@@ -180,7 +181,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::loadFrom(Element element,
 ConfigurationAccessResult
 SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name, const std::string& key,
                                                 ConfigurationObject& object) {
-    return loadFrom(m_tree->findInDocument(name, key), object);
+    return loadFrom(m_tree->findInDocument(name, throughDocument(key)), object);
 }
 
 ConfigurationAccessResult
@@ -199,7 +200,7 @@ SimpleConfigReaderImpl::getClassContents(const std::string& name,
                                          std::vector<ConfigurationObject*>& objects) {
     bool allFound = keys.size() <= objects.size();
     for (std::size_t i = 0; i < std::min(keys.size(), objects.size()); ++i) {
-        const Element element = m_tree->findChild(m_current, name, keys[i]);
+        const Element element = m_tree->findChild(m_current, name, throughDocument(keys[i]));
         if (loadFrom(element, *objects[i]) != ConfigurationAccessResult::Success)
             allFound = false;
     }

@@ -1,0 +1,679 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+
+#include <ConfigurationFramework/DisableFeaturesConfiguration.h>
+
+#include <ManagerFixture.h>
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+
+namespace Orvant {
+namespace {
+
+using Support::document;
+using Support::readFile;
+using Support::TestObject;
+using Support::ThrowingObject;
+using Support::withoutFormatting;
+using Support::writeFile;
+using testing::HasSubstr;
+using testing::Values;
+
+using Strings = std::vector<std::string>;
+
+/// An object with the int values "a" (default 1) and "b" (default 2).
+std::shared_ptr<TestObject>
+makeObject(const std::string& name = "Test",
+           TestObject::Persistence persistence = TestObject::LoadAndSave,
+           TestObject::ProductType productType = TestObject::AllProducts) {
+    return TestObject::make(
+        name, [](TestObject& object) { object.add("a", 1).add("b", 2); }, persistence, productType);
+}
+
+/// An object as makeObject() makes it, with "a" set to a number.
+std::shared_ptr<TestObject> makeChanged(int a, const std::string& name = "Test") {
+    const auto object = makeObject(name);
+    object->value<int>("a").setValue(a);
+    return object;
+}
+
+template <typename T = int>
+T get(const TestObject& object, const std::string& value) {
+    return object.value<T>(value).getValue();
+}
+
+// Every way to save
+
+enum class Way { OneFile, UserFile, NamedFile };
+
+class ConfigurationManagerSaving : public Support::ManagerFixture,
+                                   public testing::WithParamInterface<Way> {
+protected:
+    ConfigurationManagerSaving() {
+        if (GetParam() == Way::OneFile)
+            useOneFile();
+        else
+            useTwoFiles();
+    }
+    bool save(const std::string& version = "1.0") const {
+        return GetParam() == Way::NamedFile
+                   ? m_manager.saveConfigurationToFile(m_target.toString(), version)
+                   : m_manager.saveConfiguration(version);
+    }
+    void writeTarget(const std::string& contents) { writeFile(m_target, document(contents)); }
+    std::string target() const { return withoutFormatting(readFile(m_target)); }
+    /// @return the element of makeChanged(): in full, or what differs from the defaults
+    std::string changed(int a, const std::string& startTag = "<Test>") const {
+        const bool inFull = GetParam() != Way::UserFile;
+        return startTag + "<a>" + std::to_string(a) + "</a>" + (inFull ? "<b>2</b>" : "") + "</" +
+               startTag.substr(1, startTag.find_first_of(" >") - 1) + ">";
+    }
+
+    const FileName m_target = GetParam() == Way::OneFile    ? m_file
+                              : GetParam() == Way::UserFile ? m_userFile
+                                                            : m_directory.file("named.xml");
+};
+std::string wayName(const testing::TestParamInfo<Way>& info) {
+    return info.param == Way::OneFile    ? "OneFile"
+           : info.param == Way::UserFile ? "UserFile"
+                                         : "NamedFile";
+}
+
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerSaving,
+                         Values(Way::OneFile, Way::UserFile, Way::NamedFile), wayName);
+
+TEST_P(ConfigurationManagerSaving, StartsADocumentOfTheGivenVersion) {
+    add(makeChanged(5));
+    EXPECT_TRUE(save("7.1 beta"));
+    EXPECT_EQ("<Configuration version=\"7.1 beta\">" + changed(5) + "</Configuration>", target());
+}
+
+TEST_P(ConfigurationManagerSaving, StartsADocumentWithoutObjects) {
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", target());
+}
+
+TEST_P(ConfigurationManagerSaving, KeepsTheVersionOfAFile) {
+    writeFile(m_target, "<?xml version=\"1.0\"?><Configuration version=\"0.9\"/>");
+    add(makeChanged(5));
+    EXPECT_TRUE(save("2.0"));
+    EXPECT_EQ("<Configuration version=\"0.9\">" + changed(5) + "</Configuration>", target());
+}
+
+TEST_P(ConfigurationManagerSaving, KeepsWhatItDoesNotOwn) {
+    const std::string foreign = "<!--foreign--><Foreign editable=\"false\"><x><y>1</y></x>"
+                                "</Foreign><?pi data?>";
+    writeTarget("<!--old--><Test><a>3</a><old/></Test>" + foreign + "<Test><a>4</a></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(foreign + changed(5)), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesTheObjectsInTheOrderOfTheirNames) {
+    for (const std::string name : {"b", "\xC3\xA4", "a", "B", "a1"})
+        add(makeChanged(5, name));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(changed(5, "<B>") + changed(5, "<a>") + changed(5, "<a1>") +
+                       changed(5, "<b>") + changed(5, "<\xC3\xA4>")),
+              target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesTheFirstObjectOfAName) {
+    add(makeChanged(5));
+    add(makeChanged(6));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(changed(5)), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesAnObjectUnderTheNameItIsRegisteredUnder) {
+    writeTarget("<Test><a>3</a></Test><Alias><a>4</a></Alias>");
+    const auto object = makeObject();
+    m_manager.addConfigurationObject(object, "Alias");
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>3</a></Test>" + changed(5, "<Alias>")), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesAKeyedObjectToItsElementAndLeavesItsSiblings) {
+    const std::string siblings = "<!--of l--><Test key=\"l\"><a>6</a></Test><Test><a>7</a></Test>";
+    writeTarget("<Test key=\"k\"><a>3</a></Test>" + siblings);
+    const auto object = add(makeObject(), "Test", "k");
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(siblings + changed(5, "<Test key=\"k\">")), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesEachOfTheRegisteredSiblings) {
+    writeTarget("<Test key=\"other\"/>");
+    for (const auto& [key, a] : {std::pair("l", 5), std::pair("k", 6), std::pair("", 7)})
+        add(makeChanged(a), "Test", key);
+    add(makeChanged(8), "Test", "k"); // The key is taken.
+    for (int time = 0; time < 3; ++time)
+        EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test key=\"other\"/>" + changed(5, "<Test key=\"l\">") +
+                       changed(6, "<Test key=\"k\">") + changed(7, "<Test key=\"\">")),
+              target());
+}
+
+TEST_P(ConfigurationManagerSaving, TakesAnEmptyKeyForTheElementWithoutOne) {
+    const std::string sibling = "<Test key=\"k\"><a>6</a></Test>";
+    writeTarget("<Test><a>4</a></Test>" + sibling);
+    const auto object = add(makeObject(), "Test", "");
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(sibling + changed(5, "<Test key=\"\">")), target());
+}
+
+TEST_P(ConfigurationManagerSaving, PassesOverObjectsThatNeverWriteOrNotInThisRun) {
+    const Support::RunningProduct product(1);
+    const std::string switches = DisableFeaturesConfiguration::s_tag;
+    const auto registerAll = [&] {
+        add(makeObject("Transient", TestObject::NotPersistent));
+        add(makeObject("Foreign", TestObject::LoadAndSave,
+                       TestObject::Product0 | TestObject::Product2));
+        add(makeObject("Keyed", TestObject::NotPersistent), "Keyed", "k");
+        add(std::make_shared<DisableFeaturesConfiguration>());
+    };
+    std::string elements;
+    for (const std::string& name : {std::string("Transient"), std::string("Foreign"), switches})
+        elements += "<!--of " + name + "--><" + name +
+                    " x=\"1\"><a>9</a><EditorFoldItemsDisable>"
+                    "true</EditorFoldItemsDisable></" +
+                    name + ">";
+    elements += "<Keyed key=\"k\"><a>9</a></Keyed>";
+
+    registerAll();
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", target());
+
+    writeTarget(elements);
+    m_manager.addConfigurationObject(makeChanged(5), "Own");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(elements + changed(5, "<Own>")), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesObjectsWhileTheirProductRuns) {
+    const auto object = add(
+        makeObject("Test", TestObject::LoadAndSave, TestObject::Product0 | TestObject::Product5));
+    for (const int product : {0, 1, 5}) {
+        const Support::RunningProduct running(product);
+        writeTarget("");
+        object->value<int>("a").setValue(5);
+        EXPECT_TRUE(save());
+        if (product == 1)
+            EXPECT_EQ("<Configuration version=\"1.0\"/>", target());
+        else
+            EXPECT_EQ(document(changed(5)), target());
+    }
+}
+
+TEST_P(ConfigurationManagerSaving, WritesObjectsThatAreOnlyLoaded) {
+    const auto object = add(makeObject("Test", TestObject::LoadOnly));
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(changed(5)), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesNoValueThatIsNotPersistentOrOfAnotherProduct) {
+    const Support::RunningProduct product(1);
+    const auto object = TestObject::make("Test", [](TestObject& o) {
+        o.add("a", 1)
+            .add("transient", 1, TestObject::NotPersistent)
+            .add("foreign", 1, TestObject::LoadAndSave, TestObject::Product0)
+            .add("saved", 1, TestObject::SaveOnly, TestObject::Product1);
+    });
+    add(object);
+    for (const std::string name : {"a", "transient", "foreign", "saved"})
+        object->value<int>(name).setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>5</a><saved>5</saved></Test>"), target());
+}
+
+TEST_P(ConfigurationManagerSaving, WritesDescriptionsAsComments) {
+    const auto object = TestObject::make("Test", [](TestObject& o) {
+        o.add("a", 1, TestObject::LoadAndSave, TestObject::AllProducts, "what a is");
+    });
+    add(object);
+    object->value<int>("a").setValue(5);
+    for (int time = 0; time < 3; ++time)
+        EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><!--what a is--><a>5</a></Test>"), target());
+}
+
+TEST_P(ConfigurationManagerSaving, ChangesNothingTheSecondTime) {
+    writeFile(m_target, "<?xml version=\"1.0\"?>\n<!-- header -->\n<Configuration version=\"1.0\">"
+                        "\n  <!-- c -->\n  <Foreign>\n    <x> </x>\n  </Foreign>\n\n</"
+                        "Configuration>\n");
+    for (const std::string name : {"a", "b"})
+        add(makeChanged(5, name))->value<int>("a").setValue(6);
+    EXPECT_TRUE(save());
+    const std::string first = readFile(m_target);
+    for (int time = 0; time < 10; ++time)
+        EXPECT_TRUE(save());
+    EXPECT_EQ(first, readFile(m_target));
+}
+
+TEST_P(ConfigurationManagerSaving, LeavesTheFileAsItWasWhenAnObjectThrows) {
+    add(makeChanged(5));
+    add(std::make_shared<ThrowingObject>("Throwing"));
+    EXPECT_FALSE(save());
+    EXPECT_FALSE(std::filesystem::exists(m_target.toPath()));
+    writeTarget("<Test/>");
+    EXPECT_FALSE(save());
+    EXPECT_EQ(document("<Test/>"), readFile(m_target));
+}
+
+TEST_P(ConfigurationManagerSaving, LeavesAFileAloneThatIsNoConfiguration) {
+    const Support::LogCapture log("ConfigWriter");
+    add(makeChanged(5));
+    std::string tooDeep;
+    for (const std::string tag : {"<x>", "</x>"})
+        for (int level = 0; level < 1001; ++level)
+            tooDeep += tag;
+    for (const std::string& content :
+         {std::string(), std::string("notes"), std::string("<Settings/>"),
+          std::string("<Configuration version=\"1.0\"><Test><a>5</a>"), document(tooDeep)}) {
+        writeFile(m_target, content);
+        EXPECT_FALSE(save()) << content;
+        EXPECT_EQ(content, readFile(m_target));
+    }
+}
+
+TEST_P(ConfigurationManagerSaving, FailsOnADirectory) {
+    add(makeChanged(5));
+    std::filesystem::create_directory(m_target.toPath());
+    EXPECT_FALSE(save());
+    EXPECT_TRUE(std::filesystem::is_empty(m_target.toPath()));
+}
+
+TEST_P(ConfigurationManagerSaving, FailsOnAPipeWithoutWaiting) {
+    add(makeChanged(5));
+    ASSERT_EQ(0, mkfifo(m_target.toNativeString().c_str(), 0600));
+    EXPECT_FALSE(save());
+}
+
+TEST_P(ConfigurationManagerSaving, FailsWhereTheFileCannotBe) {
+    add(makeChanged(5));
+    std::filesystem::remove_all(m_directory.path());
+    EXPECT_FALSE(save());
+    EXPECT_FALSE(std::filesystem::exists(m_directory.path()));
+}
+
+// Without or with another target
+
+class ConfigurationManagerSavingTest : public Support::ManagerFixture {
+protected:
+    bool save() const { return m_manager.saveConfiguration("1.0"); }
+    std::string userFile() const { return withoutFormatting(readFile(m_userFile)); }
+
+    /// Forgets everything as the end of the process does.
+    void restart() {
+        m_manager.reset();
+        m_manager.setValidVersionList({"1.0"});
+    }
+};
+
+TEST_F(ConfigurationManagerSavingTest, SucceedsWithNothingToSaveTo) {
+    add(makeChanged(5));
+    EXPECT_TRUE(save());
+    useTwoFiles();
+    EXPECT_TRUE(m_manager.saveConfigurationToFile("", "1.0"));
+    m_manager.setSystemAndUserConfigurationFile(m_systemFile, FileName());
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(std::filesystem::is_empty(m_directory.path()));
+}
+
+TEST_F(ConfigurationManagerSavingTest, FailsForANameThatNoFileCanHave) {
+    add(makeChanged(5));
+    writeFile(m_file, "");
+    const std::string name = m_file.toString() + '\0' + ".xml";
+    EXPECT_FALSE(m_manager.saveConfigurationToFile(name, "1.0"));
+    m_manager.setConfigurationFile(name);
+    EXPECT_FALSE(save());
+    EXPECT_EQ("", readFile(m_file));
+}
+
+TEST_F(ConfigurationManagerSavingTest, WritesANamedFileWithoutAnyMode) {
+    add(makeChanged(5));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    EXPECT_EQ(document("<Test><a>5</a><b>2</b></Test>"), withoutFormatting(readFile(m_file)));
+}
+
+TEST_F(ConfigurationManagerSavingTest, WritesANamedFileAndNoOther) {
+    useTwoFiles();
+    add(makeChanged(5));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    EXPECT_FALSE(std::filesystem::exists(m_userFile.toPath()));
+    EXPECT_FALSE(std::filesystem::exists(m_systemFile.toPath()));
+}
+
+TEST_F(ConfigurationManagerSavingTest, IsDoneByACopyOfTheManagerToo) {
+    useOneFile();
+    const ConfigurationManager empty = m_manager;
+    add(makeChanged(5));
+    const ConfigurationManager copy = m_manager;
+    m_manager.reset();
+    EXPECT_TRUE(copy.saveConfiguration("1.0"));
+    EXPECT_EQ(document("<Test><a>5</a><b>2</b></Test>"), withoutFormatting(readFile(m_file)));
+    std::filesystem::remove(m_file.toPath());
+    EXPECT_TRUE(empty.saveConfiguration("1.0"));
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", withoutFormatting(readFile(m_file)));
+}
+
+// One file
+
+/// An object with a value of each type.
+std::shared_ptr<TestObject> makeOfAllTypes(const std::string& name = "AllTypes") {
+    return TestObject::make(name, [](TestObject& object) {
+        object.add("int", 1)
+            .add("unsigned", 1u)
+            .add("float", 1.0f)
+            .add("double", 1.0)
+            .add("string", std::string("default"))
+            .add("strings", Strings{"default"})
+            .add("bool", false);
+    });
+}
+
+void changeAll(const TestObject& object) {
+    object.value<int>("int").setValue(-2147483647 - 1);
+    object.value<unsigned>("unsigned").setValue(4294967295u);
+    object.value<float>("float").setValue(-1.5f);
+    object.value<double>("double").setValue(2.5e-10);
+    object.value<std::string>("string").setValue(" <\xC3\xA4> \r\n & \t");
+    object.value<Strings>("strings").setValue({"", " ", "b", "a", "b"});
+    object.value<bool>("bool").setValue(true);
+}
+
+void emptyTexts(const TestObject& object) {
+    object.value<std::string>("string").setValue("");
+    object.value<Strings>("strings").setValue({});
+    object.value<int>("int").setValue(0);
+}
+
+TEST_F(ConfigurationManagerSavingTest, BringsBackAllTypesFromOneFile) {
+    for (const auto& change : {changeAll, emptyTexts}) {
+        const auto saved = makeOfAllTypes();
+        change(*saved);
+        std::filesystem::remove(m_file.toPath());
+        useOneFile();
+        add(saved);
+        ASSERT_TRUE(save());
+        const std::string bytes = readFile(m_file);
+        restart();
+
+        useOneFile();
+        const auto loaded = add(makeOfAllTypes());
+        for (const auto* value : loaded->getConfigurationValues()) {
+            EXPECT_TRUE(value->hasValue()) << value->getName();
+            EXPECT_TRUE(saved->compareWithOtherConfigValue(loaded.get(), value->getName()))
+                << value->getName();
+        }
+        EXPECT_TRUE(save());
+        EXPECT_EQ(bytes, readFile(m_file));
+        restart();
+    }
+}
+
+void buildGrandchild(TestObject& object) {
+    object.add("c", 1).add("list", Strings{"x"});
+}
+
+void buildChild(TestObject& object) {
+    object.add("b", 1).addChild(TestObject::make("Grandchild", buildGrandchild)->clone());
+}
+
+void buildNameless(TestObject& object) {
+    object.add("inline", 1);
+}
+
+/// An object with children, a grandchild and a child that is stored inline.
+std::shared_ptr<TestObject> makeFamily() {
+    return TestObject::make("Family", [](TestObject& object) {
+        object.add("a", 1)
+            .addChild(TestObject::make("Child", buildChild)->clone())
+            .addChild(makeObject("Sibling")->clone())
+            .addChild(TestObject::make("", buildNameless)->clone());
+    });
+}
+
+TEST_F(ConfigurationManagerSavingTest, WritesChildrenInFull) {
+    useOneFile();
+    add(makeFamily())->child("Child").child("Grandchild").value<int>("c").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Family><a>1</a><Child><b>1</b><Grandchild><c>5</c><list><item>x</item>"
+                       "</list></Grandchild></Child><Sibling><a>1</a><b>2</b></Sibling>"
+                       "<inline>1</inline></Family>"),
+              withoutFormatting(readFile(m_file)));
+}
+
+// System and user file
+
+class ConfigurationManagerTwoFiles : public ConfigurationManagerSavingTest {
+protected:
+    void writeFiles(const std::string& system, const std::string& user) {
+        writeFile(m_systemFile, document(system));
+        writeFile(m_userFile, document(user));
+        useTwoFiles();
+    }
+};
+
+TEST_F(ConfigurationManagerTwoFiles, WritesOnlyWhatDiffersFromTheSystem) {
+    writeFiles("<Test><a>5</a><b>6</b></Test>", "<Test><a>7</a></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("b").setValue(8);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>7</a><b>8</b></Test>"), userFile());
+
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><b>8</b></Test>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, WritesDefaultsThatDifferFromTheSystem) {
+    writeFiles("<Test><a>5</a><b>6</b></Test>", "");
+    const auto object = add(makeObject());
+    object->setDefaultValues();
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>1</a><b>2</b></Test>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, LeaveNoElementForAnObjectWithoutDifferences) {
+    writeFiles("<Test><a>5</a></Test>", "<!--old--><Test><a>7</a></Test><Other/><Test key=\"k\"/>");
+    add(makeObject())->value<int>("a").setValue(5);
+    add(makeObject("Defaults"));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Other/>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, LeaveOfKeyedObjectsOnlyTheDifferent) {
+    writeFiles(
+        "<Test key=\"k\"><a>5</a></Test><Test key=\"l\"><a>6</a></Test><Test><a>7</a></Test>",
+        "<Test key=\"k\"><a>8</a></Test><!--of l--><Test key=\"l\"><a>8</a></Test>");
+    const auto k = add(makeObject(), "Test", "k");
+    const auto l = add(makeObject(), "Test", "l");
+    k->value<int>("a").setValue(5);
+    l->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test key=\"l\"><a>5</a></Test>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, CompareAnObjectWithTheElementItIsRegisteredUnder) {
+    writeFiles("<Test><a>5</a></Test><Alias><a>6</a></Alias><Alias key=\"k\"><a>7</a></Alias>", "");
+    const auto object = makeObject();
+    m_manager.addConfigurationObject(object, "Alias");
+    const auto keyed = add(makeObject(), "Alias", "k");
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", userFile());
+
+    object->value<int>("a").setValue(5);
+    keyed->value<int>("a").setValue(6);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Alias><a>5</a></Alias><Alias key=\"k\"><a>6</a></Alias>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, CompareWithTheDefaultsWhereTheSystemFileIsOfNoUse) {
+    useTwoFiles();
+    for (const std::string system : {"<broken", "<Configuration version=\"2.0\"><Test><a>5</a>"
+                                                "</Test></Configuration>"}) {
+        writeFile(m_systemFile, system);
+        add(makeChanged(5));
+        EXPECT_TRUE(save());
+        EXPECT_EQ(document("<Test><a>5</a></Test>"), userFile());
+        EXPECT_EQ(system, readFile(m_systemFile));
+    }
+}
+
+TEST_F(ConfigurationManagerTwoFiles, HoldNoOnlyLoadedValueUnlessAnotherDiffers) {
+    writeFiles("<Test><loaded>5</loaded></Test>", "<Test><loaded>6</loaded></Test>");
+    const auto object = TestObject::make(
+        "Test", [](TestObject& o) { o.add("loaded", 1, TestObject::LoadOnly).add("a", 1); });
+    add(object);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", userFile());
+
+    object->value<int>("a").setValue(7);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><loaded>6</loaded><a>7</a></Test>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, HoldAnElementForEveryObjectWithChildren) {
+    writeFiles("", "<Family><a>1</a><Child/></Family>");
+    add(makeFamily());
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Family/>"), userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, HoldOfChildrenOnlyWhatDiffers) {
+    writeFiles(
+        "<Family><Child><Grandchild><c>5</c></Grandchild></Child><inline>6</inline></Family>", "");
+    const auto family = add(makeFamily());
+    family->child("Child").child("Grandchild").value<int>("c").setValue(7);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Family><Child><Grandchild><c>7</c></Grandchild></Child></Family>"),
+              userFile());
+    family->child("").value<int>("inline").setValue(8);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Family><Child><Grandchild><c>7</c></Grandchild></Child>"
+                       "<inline>8</inline></Family>"),
+              userFile());
+}
+
+TEST_F(ConfigurationManagerTwoFiles, HoldNoLockedValueAndNoLock) {
+    const std::string locks = "<Test><a editable=\"false\">5</a><b>6</b></Test>"
+                              "<Whole editable=\"false\"><a>5</a></Whole>"
+                              "<Family><Child editable=\"false\"><b>5</b></Child></Family>";
+    writeFiles(locks, "<Test><a editable=\"true\">8</a><b editable=\"false\">7</b></Test>"
+                      "<Whole editable=\"true\"><a>8</a><b>8</b></Whole>"
+                      "<Family editable=\"false\"><a>9</a><Child editable=\"true\"><b>8</b>"
+                      "<Grandchild><c>8</c></Grandchild></Child></Family>");
+    for (int session = 0; session < 3; ++session) {
+        const auto object = add(makeObject());
+        const auto whole = add(makeObject("Whole"));
+        const auto family = add(makeFamily());
+        EXPECT_EQ(5, get(*object, "a"));
+        EXPECT_EQ(5, get(*whole, "a"));
+        EXPECT_EQ(2, get(*whole, "b"));
+        EXPECT_EQ(9, get(*family, "a"));
+        EXPECT_EQ(5, get(family->child("Child"), "b"));
+        EXPECT_EQ(1, get(family->child("Child").child("Grandchild"), "c"));
+        EXPECT_TRUE(save());
+        EXPECT_EQ(document("<Family><a>9</a></Family><Test><b>7</b></Test>"), userFile());
+        restart();
+        useTwoFiles();
+    }
+    EXPECT_EQ(document(locks), readFile(m_systemFile));
+}
+
+TEST_F(ConfigurationManagerTwoFiles, BringBackAllTypes) {
+    for (const auto& change : {changeAll, emptyTexts}) {
+        writeFiles("<AllTypes><int>3</int><unsigned>3</unsigned><float>3.5</float>"
+                   "<double>3.5</double><string>system</string><strings><item>s</item></strings>"
+                   "<bool>false</bool></AllTypes>",
+                   "");
+        const auto saved = add(makeOfAllTypes());
+        EXPECT_EQ("system", get<std::string>(*saved, "string"));
+        change(*saved);
+        ASSERT_TRUE(save());
+        const std::string bytes = readFile(m_userFile);
+        restart();
+
+        useTwoFiles();
+        const auto loaded = add(makeOfAllTypes());
+        for (const auto* value : loaded->getConfigurationValues())
+            EXPECT_TRUE(saved->compareWithOtherConfigValue(loaded.get(), value->getName()))
+                << value->getName();
+        EXPECT_TRUE(save());
+        EXPECT_EQ(bytes, readFile(m_userFile));
+        restart();
+    }
+}
+
+TEST_F(ConfigurationManagerTwoFiles, BringBackWhatIsDeepInsideAnObject) {
+    const std::string system = "<Family><a>2</a><Child><b>3</b><Grandchild><c>4</c><list>"
+                               "<item>s</item></list></Grandchild></Child></Family>";
+    writeFiles(system, "<Foreign>kept</Foreign>");
+    const auto family = add(makeFamily());
+    const auto& grandchild = family->child("Child").child("Grandchild");
+    EXPECT_EQ(4, get(grandchild, "c"));
+    grandchild.value<int>("c").setValue(40);
+    grandchild.value<Strings>("list").setValue({"x", "y"});
+    family->child("Sibling").value<int>("b").setValue(50);
+    family->child("").value<int>("inline").setValue(60);
+
+    for (int session = 0; session < 5; ++session) {
+        ASSERT_TRUE(save());
+        restart();
+        useTwoFiles();
+        const auto loaded = add(makeFamily());
+        EXPECT_EQ(2, get(*loaded, "a"));
+        EXPECT_EQ(3, get(loaded->child("Child"), "b"));
+        EXPECT_EQ(40, get(loaded->child("Child").child("Grandchild"), "c"));
+        EXPECT_EQ((Strings{"x", "y"}),
+                  get<Strings>(loaded->child("Child").child("Grandchild"), "list"));
+        EXPECT_EQ(50, get(loaded->child("Sibling"), "b"));
+        EXPECT_EQ(60, get(loaded->child(""), "inline"));
+    }
+    EXPECT_EQ(document(system), readFile(m_systemFile));
+    EXPECT_THAT(userFile(), HasSubstr("<Foreign>kept</Foreign>"));
+}
+
+TEST_F(ConfigurationManagerTwoFiles, BringBackAliasesAndKeys) {
+    writeFiles("<Alias><a>2</a></Alias><Test key=\"k\"><a>3</a></Test>", "");
+    for (int session = 0; session < 3; ++session) {
+        const auto alias = makeObject();
+        m_manager.addConfigurationObject(alias, "Alias");
+        const auto keyed = add(makeObject(), "Test", "k");
+        EXPECT_EQ(2 + session, get(*alias, "a"));
+        EXPECT_EQ(3 + session, get(*keyed, "a"));
+        for (const auto& object : {alias, keyed})
+            object->value<int>("a").setValue(get(*object, "a") + 1);
+        ASSERT_TRUE(save());
+        restart();
+        useTwoFiles();
+    }
+}
+
+TEST_F(ConfigurationManagerTwoFiles, NeverWriteTheSystemFile) {
+    const std::string system = "<?xml version=\"1.0\"?>\r\n<Configuration version=\"1.0\">\r\n"
+                               "<Test>\t<a>5</a></Test></Configuration>\r\n\r\n";
+    writeFile(m_systemFile, system);
+    useTwoFiles();
+    const auto object = add(makeObject());
+    add(std::make_shared<ThrowingObject>("Throwing"), "Throwing", "k");
+    EXPECT_FALSE(save());
+    restart();
+    useTwoFiles();
+    add(object);
+    for (int time = 0; time < 10; ++time) {
+        object->value<int>("a").setValue(time);
+        EXPECT_TRUE(save());
+        m_manager.resetConfigurationObject("Test", time % 2 == 0);
+    }
+    EXPECT_EQ(system, readFile(m_systemFile));
+}
+
+} // namespace
+} // namespace Orvant

@@ -1,0 +1,450 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+
+#include <ConfigurationFramework/DisableFeaturesConfiguration.h>
+
+#include <ManagerFixture.h>
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <type_traits>
+
+namespace Orvant {
+namespace {
+
+using Support::document;
+using Support::TestObject;
+using Support::writeFile;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// An object with the int values "a" (default 1) and "b" (default 2).
+std::shared_ptr<TestObject> makeObject(const std::string& name = "Test") {
+    return TestObject::make(name, [](TestObject& object) { object.add("a", 1).add("b", 2); });
+}
+
+int get(const TestObject& object, const std::string& value) {
+    return object.value<int>(value).getValue();
+}
+
+class ConfigurationManagerTest : public Support::ManagerFixture {
+protected:
+    void writeSystemAndUser(const std::string& system, const std::string& user) {
+        writeFile(m_systemFile, document(system));
+        writeFile(m_userFile, document(user));
+        useTwoFiles();
+    }
+};
+
+TEST_F(ConfigurationManagerTest, IsOneForTheProcess) {
+    EXPECT_EQ(&ConfigurationManager::getInstance(), &ConfigurationManager::getInstance());
+    EXPECT_FALSE(std::is_default_constructible_v<ConfigurationManager>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<ConfigurationManager>);
+}
+
+TEST_F(ConfigurationManagerTest, KeepsTheVersionsItWasGivenLast) {
+    m_manager.setValidVersionList({"2", "1", "2"});
+    EXPECT_THAT(m_manager.getValidVersions(), ElementsAre("2", "1", "2"));
+    m_manager.setValidVersionList({});
+    EXPECT_THAT(m_manager.getValidVersions(), IsEmpty());
+}
+
+// Registering
+
+TEST_F(ConfigurationManagerTest, FindsObjectsByTheNameTheyAreRegisteredUnder) {
+    const auto first = makeObject();
+    const auto second = makeObject("Other");
+    m_manager.addConfigurationObject(first, "First");
+    add(second, "Second", "k");
+    EXPECT_EQ(first.get(), m_manager.getConfigurationObject("First"));
+    EXPECT_EQ(second.get(), m_manager.getConfigurationObject("Second"));
+    for (const std::string name : {"Test", "Other", "first", "Firs", "First ", ""})
+        EXPECT_EQ(nullptr, m_manager.getConfigurationObject(name)) << name;
+}
+
+template <typename Manager>
+concept TakesLiterals = requires(Manager& manager, std::shared_ptr<TestObject> object) {
+    manager.addConfigurationObject(object, "Test");
+    manager.addConfigurationObject(object, "Test", "key");
+};
+
+TEST_F(ConfigurationManagerTest, TakesLiteralsForNameAndKey) {
+    EXPECT_TRUE(TakesLiterals<ConfigurationManager>);
+}
+
+TEST_F(ConfigurationManagerTest, SharesTheObjectsWithItsCallers) {
+    const std::weak_ptr<TestObject> object = add(makeObject());
+    EXPECT_FALSE(object.expired());
+    m_manager.reset();
+    EXPECT_TRUE(object.expired());
+}
+
+TEST_F(ConfigurationManagerTest, KeepsTheFirstObjectOfANameAndLoadsTheSecondAllTheSame) {
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    const auto first = add(makeObject());
+    const auto second = add(makeObject());
+    EXPECT_EQ(first.get(), m_manager.getConfigurationObject("Test"));
+    EXPECT_EQ(5, get(*second, "a"));
+    EXPECT_EQ(1, second.use_count());
+}
+
+TEST_F(ConfigurationManagerTest, FindsTheFirstOfTheObjectsWithSeveralKeys) {
+    const auto first = makeObject();
+    for (const auto& [object, key] :
+         {std::pair(first, "z"), std::pair(makeObject(), "a"), std::pair(makeObject(), "z")})
+        add(object, "Test", key);
+    EXPECT_EQ(first.get(), m_manager.getConfigurationObject("Test"));
+}
+
+// Loading
+
+TEST_F(ConfigurationManagerTest, LoadsNothingWithoutFiles) {
+    const auto object = makeObject();
+    object->value<int>("a").setValue(7);
+    add(object);
+    EXPECT_EQ(7, get(*object, "a"));
+    EXPECT_EQ(0, object->signals);
+    EXPECT_EQ(object.get(), m_manager.getConfigurationObject("Test"));
+}
+
+TEST_F(ConfigurationManagerTest, LoadsFromTheOneFile) {
+    writeFile(m_file, document("<Other><a>4</a></Other><Test><a>5</a></Test>"));
+    useOneFile();
+    const auto object = add(makeObject());
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(2, get(*object, "b"));
+    EXPECT_EQ(1, object->signals);
+}
+
+TEST_F(ConfigurationManagerTest, LoadsTheElementOfTheNameThatTheObjectIsRegisteredUnder) {
+    writeFile(m_file, document("<Test><a>4</a></Test><Alias><a>5</a></Alias>"));
+    useOneFile();
+    const auto object = makeObject();
+    m_manager.addConfigurationObject(object, "Alias");
+    EXPECT_EQ(5, get(*object, "a"));
+}
+
+TEST_F(ConfigurationManagerTest, LoadsTheElementOfTheKey) {
+    writeFile(m_file, document("<Test key=\"x\"><a>4</a></Test><Test key=\"y\"><a>5</a></Test>"
+                               "<Test><a>6</a></Test>"));
+    useOneFile();
+    for (const auto& [key, expected] : {std::pair("y", 5), std::pair("x", 4), std::pair("", 6),
+                                        std::pair("without element of its own", 6)}) {
+        const auto object = add(makeObject(), "Test", key);
+        EXPECT_EQ(expected, get(*object, "a")) << key;
+    }
+}
+
+TEST_F(ConfigurationManagerTest, LoadsTheUsersValuesOverTheSystems) {
+    writeSystemAndUser("<Test><a>5</a><b>6</b></Test>", "<Test><b>7</b></Test>");
+    const auto object = add(makeObject());
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(7, get(*object, "b"));
+    EXPECT_EQ(1, object->signals);
+}
+
+TEST_F(ConfigurationManagerTest, LoadsTheKeyedElementsOfBothFiles) {
+    writeSystemAndUser("<Test key=\"x\"><a>5</a><b>6</b></Test><Test><a>0</a></Test>",
+                       "<Test><b>0</b></Test><Test key=\"x\"><b>7</b></Test>");
+    const auto object = add(makeObject(), "Test", "x");
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(7, get(*object, "b"));
+}
+
+TEST_F(ConfigurationManagerTest, LetsTheUserBreakNoLock) {
+    writeSystemAndUser("<Test><a editable=\"false\">5</a><b>6</b></Test>"
+                       "<Locked editable=\"false\"><a>5</a></Locked>",
+                       "<Test><a editable=\"true\">8</a><b>7</b></Test>"
+                       "<Locked editable=\"true\"><a>8</a><b>9</b></Locked>");
+    const auto object = add(makeObject());
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_FALSE(object->value<int>("a").isEditable());
+    EXPECT_EQ(7, get(*object, "b"));
+    const auto locked = add(makeObject("Locked"));
+    EXPECT_EQ(5, get(*locked, "a"));
+    EXPECT_EQ(2, get(*locked, "b"));
+    EXPECT_FALSE(locked->isEditable());
+}
+
+TEST_F(ConfigurationManagerTest, LoadsFromEitherFileWhereTheOtherIsMissingOrBroken) {
+    useTwoFiles();
+    for (const std::string other : {"", "<broken"}) {
+        writeFile(m_systemFile, document("<Test><a>5</a></Test>"));
+        writeFile(m_userFile, other);
+        EXPECT_EQ(5, get(*add(makeObject()), "a")) << other;
+
+        writeFile(m_systemFile, other);
+        writeFile(m_userFile, document("<Test><a>6</a></Test>"));
+        EXPECT_EQ(6, get(*add(makeObject()), "a")) << other;
+    }
+    std::filesystem::remove(m_directory.path() / "system.xml");
+    EXPECT_EQ(6, get(*add(makeObject()), "a"));
+    std::filesystem::rename(m_directory.path() / "user.xml", m_directory.path() / "system.xml");
+    EXPECT_EQ(6, get(*add(makeObject()), "a"));
+}
+
+TEST_F(ConfigurationManagerTest, LeavesAnObjectAsItIsWhereNothingCanBeLoaded) {
+    useOneFile();
+    for (const std::string content : {"", "<broken", "<Other version=\"1.0\"/>",
+                                      "<Configuration version=\"2.0\"><Test><a>5</a></Test>"
+                                      "</Configuration>",
+                                      "<Configuration version=\"1.0\"><Other><a>5</a></Other>"
+                                      "</Configuration>"}) {
+        writeFile(m_file, content);
+        const auto object = makeObject();
+        object->value<int>("a").setValue(7);
+        add(object);
+        EXPECT_EQ(7, get(*object, "a")) << content;
+        EXPECT_EQ(0, object->signals) << content;
+    }
+}
+
+TEST_F(ConfigurationManagerTest, AcceptsOnlyTheVersionsOfItsList) {
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    m_manager.setValidVersionList({"0.9", "1.0 "});
+    EXPECT_EQ(1, get(*add(makeObject()), "a"));
+    m_manager.setValidVersionList({"0.9", "1.0"});
+    EXPECT_EQ(5, get(*add(makeObject()), "a"));
+    m_manager.setValidVersionList({});
+    EXPECT_EQ(1, get(*add(makeObject()), "a"));
+}
+
+TEST_F(ConfigurationManagerTest, ReadsTheFilesAnewForEachObject) {
+    useOneFile();
+    for (const int number : {5, 6}) {
+        writeFile(m_file, document("<Test><a>" + std::to_string(number) + "</a></Test>"));
+        EXPECT_EQ(number, get(*add(makeObject()), "a"));
+    }
+}
+
+TEST_F(ConfigurationManagerTest, SwitchesBetweenOneAndTwoFilesAndRemembersNeitherWrongly) {
+    writeFile(m_file, document("<Test><a>4</a></Test>"));
+    writeSystemAndUser("<Test><a>5</a></Test>", "");
+    useOneFile();
+    EXPECT_EQ(4, get(*add(makeObject()), "a"));
+    useTwoFiles();
+    EXPECT_EQ(5, get(*add(makeObject()), "a"));
+    m_manager.setConfigurationFile(FileName());
+    EXPECT_EQ(1, get(*add(makeObject()), "a"));
+}
+
+TEST_F(ConfigurationManagerTest, PassesOnWhatAnObjectThrows) {
+    class ThrowingObject : public TestObject {
+    public:
+        void loadContent(ConfigReader&) override { throw std::runtime_error("cannot be loaded"); }
+    };
+    writeFile(m_file, document("<Test/>"));
+    useOneFile();
+    EXPECT_THROW(add(std::make_shared<ThrowingObject>()), std::runtime_error);
+}
+
+// Errors of the files
+
+TEST_F(ConfigurationManagerTest, ReportsTheFilesThatAreThereButCannotBeLoaded) {
+    struct Case {
+        std::string content;
+        bool hasErrors;
+    };
+    useTwoFiles();
+    for (const auto& [content, hasErrors] :
+         {Case{document("<a/>"), false}, Case{"", true}, Case{"<broken", true},
+          Case{"<Other version=\"1.0\"/>", true}, Case{"<Configuration version=\"2.0\"/>", true},
+          Case{"<Configuration/>", true}}) {
+        writeFile(m_systemFile, content);
+        writeFile(m_userFile, document(""));
+        EXPECT_EQ(hasErrors, m_manager.hasSystemConfigFileErrors()) << content;
+        EXPECT_FALSE(m_manager.hasUserConfigFileErrors()) << content;
+
+        writeFile(m_systemFile, document(""));
+        writeFile(m_userFile, content);
+        EXPECT_FALSE(m_manager.hasSystemConfigFileErrors()) << content;
+        EXPECT_EQ(hasErrors, m_manager.hasUserConfigFileErrors()) << content;
+    }
+}
+
+TEST_F(ConfigurationManagerTest, ReportsADirectoryInPlaceOfAFile) {
+    std::filesystem::create_directory(m_directory.path() / "user.xml");
+    useTwoFiles();
+    EXPECT_TRUE(m_manager.hasUserConfigFileErrors());
+}
+
+TEST_F(ConfigurationManagerTest, ReportsNoMissingFiles) {
+    useTwoFiles();
+    EXPECT_FALSE(m_manager.hasSystemConfigFileErrors());
+    EXPECT_FALSE(m_manager.hasUserConfigFileErrors());
+}
+
+TEST_F(ConfigurationManagerTest, ReportsErrorsOnlyWhileThereAreTwoFiles) {
+    writeFile(m_systemFile, "<broken");
+    writeFile(m_userFile, "<broken");
+    writeFile(m_file, "<broken");
+    const auto expectErrors = [&](bool expected) {
+        EXPECT_EQ(expected, m_manager.hasSystemConfigFileErrors());
+        EXPECT_EQ(expected, m_manager.hasUserConfigFileErrors());
+    };
+    expectErrors(false);
+    useTwoFiles();
+    expectErrors(true);
+    useOneFile();
+    expectErrors(false);
+    useTwoFiles();
+    m_manager.reset();
+    expectErrors(false);
+}
+
+// Reset of the manager
+
+TEST_F(ConfigurationManagerTest, ForgetsObjectsAndFilesButNotVersions) {
+    writeFile(m_file, document("<Test><a>4</a></Test>"));
+    writeSystemAndUser("<Test><a>5</a></Test>", "");
+    useOneFile();
+    useTwoFiles();
+    add(makeObject());
+    add(makeObject(), "Keyed", "k");
+    m_manager.reset();
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Test"));
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Keyed"));
+    EXPECT_THAT(m_manager.getValidVersions(), ElementsAre("1.0"));
+    EXPECT_EQ(1, get(*add(makeObject()), "a"));
+}
+
+// Reset of an object
+
+TEST_F(ConfigurationManagerTest, ResetsAnObjectToItsDefaultsWithoutFiles) {
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(7);
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_EQ(1, get(*object, "a"));
+    EXPECT_FALSE(object->value<int>("a").hasValue());
+    EXPECT_EQ(0, object->signals);
+}
+
+TEST_F(ConfigurationManagerTest, ResetsNothingOfAnUnknownName) {
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(7);
+    for (const std::string name : {"Other", "Tes", "Tests", ""})
+        m_manager.resetConfigurationObject(name, false);
+    EXPECT_EQ(7, get(*object, "a"));
+}
+
+TEST_F(ConfigurationManagerTest, ResetsAnObjectFromTheOneFileWhateverTheFlag) {
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    const auto object = add(makeObject());
+    for (const bool fromUserFile : {false, true}) {
+        object->value<int>("a").setValue(7);
+        object->value<int>("b").setValue(8);
+        object->signals = 0;
+        m_manager.resetConfigurationObject("Test", fromUserFile);
+        EXPECT_EQ(5, get(*object, "a"));
+        EXPECT_EQ(2, get(*object, "b"));
+        EXPECT_EQ(1, object->signals);
+    }
+}
+
+TEST_F(ConfigurationManagerTest, ResetsAnObjectFromOneOfTheTwoFiles) {
+    writeSystemAndUser("<Test><a>5</a><b>6</b></Test>", "<Test><b>7</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(8);
+    object->value<int>("b").setValue(9);
+
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_EQ(1, get(*object, "a"));
+    EXPECT_EQ(7, get(*object, "b"));
+
+    object->signals = 0;
+    m_manager.resetConfigurationObject("Test", false);
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(6, get(*object, "b"));
+    EXPECT_EQ(1, object->signals);
+}
+
+TEST_F(ConfigurationManagerTest, ResetsAnObjectFromTheElementOfItsNameAndKey) {
+    writeFile(m_file, document("<Test><a>4</a></Test><Alias><a>5</a></Alias>"
+                               "<Alias key=\"k\"><a>6</a></Alias>"));
+    useOneFile();
+    const auto object = add(makeObject(), "Alias", "k");
+    object->value<int>("a").setValue(9);
+    m_manager.resetConfigurationObject("Alias", false);
+    EXPECT_EQ(6, get(*object, "a"));
+}
+
+TEST_F(ConfigurationManagerTest, TellsTheObserversOfTheDefaultsWhereTheFileLacksTheElement) {
+    writeSystemAndUser("<Test><a>5</a></Test>", "");
+    const auto object = add(makeObject());
+    object->signals = 0;
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_EQ(1, get(*object, "a"));
+    EXPECT_EQ(1, object->signals);
+}
+
+TEST_F(ConfigurationManagerTest, TellsTheObserversNothingWhereTheFileCannotBeLoaded) {
+    const auto object = makeObject();
+    writeFile(m_file, "<broken");
+    for (const FileName& file : {m_file, m_systemFile}) {
+        m_manager.setConfigurationFile(file);
+        add(object);
+        object->value<int>("a").setValue(7);
+        m_manager.resetConfigurationObject("Test", true);
+        EXPECT_EQ(1, get(*object, "a"));
+        EXPECT_EQ(0, object->signals);
+    }
+}
+
+TEST_F(ConfigurationManagerTest, KeepsLockedValuesInAReset) {
+    writeSystemAndUser("<Test><a editable=\"false\">5</a><b>6</b></Test>",
+                       "<Test><a editable=\"true\">8</a><b>7</b></Test>");
+    const auto object = add(makeObject());
+    for (const bool fromUserFile : {true, false}) {
+        m_manager.resetConfigurationObject("Test", fromUserFile);
+        EXPECT_EQ(5, get(*object, "a"));
+        EXPECT_FALSE(object->value<int>("a").isEditable());
+        EXPECT_EQ(fromUserFile ? 7 : 6, get(*object, "b"));
+    }
+}
+
+TEST_F(ConfigurationManagerTest, MakesTheFeatureSwitchesEditableInAReset) {
+    const auto switches = add(std::make_shared<DisableFeaturesConfiguration>());
+    switches->setEditable(false);
+    m_manager.resetConfigurationObject(DisableFeaturesConfiguration::s_tag, false);
+    EXPECT_TRUE(switches->isEditable());
+}
+
+// Copies
+
+TEST_F(ConfigurationManagerTest, IsCopiedWithEverythingItHolds) {
+    writeFile(m_file, document("<Test><a>4</a></Test>"));
+    useOneFile();
+    const auto object = add(makeObject());
+    ConfigurationManager copy(m_manager);
+    ConfigurationManager assigned(m_manager);
+    m_manager.reset();
+    m_manager.setValidVersionList({"2.0"});
+    assigned = copy;
+    for (ConfigurationManager* manager : {&copy, &assigned}) {
+        EXPECT_EQ(object.get(), manager->getConfigurationObject("Test"));
+        EXPECT_THAT(manager->getValidVersions(), ElementsAre("1.0"));
+        const auto another = makeObject("Another");
+        manager->addConfigurationObject(another, "Test");
+        EXPECT_EQ(4, get(*another, "a"));
+    }
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Test"));
+    m_manager = copy;
+    EXPECT_EQ(object.get(), m_manager.getConfigurationObject("Test"));
+}
+
+TEST_F(ConfigurationManagerTest, IsCopiedWithTheTwoFiles) {
+    writeSystemAndUser("<Test><a>5</a></Test>", "<Test><b>6</b></Test>");
+    ConfigurationManager copy(m_manager);
+    m_manager.reset();
+    const auto object = makeObject();
+    copy.addConfigurationObject(object, "Test");
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(6, get(*object, "b"));
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Test"));
+}
+
+} // namespace
+} // namespace Orvant

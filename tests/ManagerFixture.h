@@ -1,0 +1,71 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <VersionControl/BuildInformation.h>
+
+#include <TestSupport.h>
+
+#include <gtest/gtest.h>
+
+#include <list>
+#include <memory>
+#include <string>
+
+namespace Orvant::Support {
+
+/// The manager, empty and without files at the start of each test and again at its end: there is
+/// only one for the whole process.
+class ManagerFixture : public testing::Test {
+protected:
+    ManagerFixture() {
+        m_manager.reset();
+        m_manager.setValidVersionList({"1.0"});
+    }
+    ~ManagerFixture() override {
+        m_manager.reset();
+        m_manager.setValidVersionList(m_formerVersions);
+    }
+
+    /// Registers an object under its own name.
+    template <typename Object>
+    std::shared_ptr<Object> add(std::shared_ptr<Object> object) {
+        m_manager.addConfigurationObject(object, object->getName());
+        return object;
+    }
+
+    /// Registers an object under a name and key.
+    template <typename Object>
+    std::shared_ptr<Object> add(std::shared_ptr<Object> object, const std::string& name,
+                                const std::string& key) {
+        m_manager.addConfigurationObject(object, name, key);
+        return object;
+    }
+
+    void useOneFile() { m_manager.setConfigurationFile(m_file); }
+    void useTwoFiles() { m_manager.setSystemAndUserConfigurationFile(m_systemFile, m_userFile); }
+
+    const TemporaryDirectory m_directory;
+    const FileName m_file = m_directory.file("settings.xml");
+    const FileName m_systemFile = m_directory.file("system.xml");
+    const FileName m_userFile = m_directory.file("user.xml");
+    ConfigurationManager& m_manager = ConfigurationManager::getInstance();
+
+private:
+    const std::list<std::string> m_formerVersions = m_manager.getValidVersions();
+};
+
+/// Makes another product the running one while it is in scope.
+class RunningProduct {
+public:
+    explicit RunningProduct(BuildInformation::ProductType product) {
+        BuildInformation::setProductType(product);
+    }
+    RunningProduct(const RunningProduct&) = delete;
+    RunningProduct& operator=(const RunningProduct&) = delete;
+    ~RunningProduct() { BuildInformation::setProductType(m_former); }
+
+private:
+    BuildInformation::ProductType m_former = BuildInformation::getProductType();
+};
+
+} // namespace Orvant::Support
