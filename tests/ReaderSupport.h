@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -15,10 +16,15 @@ namespace Orvant::Support {
 /// Base of the parameters of a test: what the test is called.
 struct TestCase {
     TestCase(const char* caseName) : name(caseName) {}
-    friend void PrintTo(const TestCase& testCase, std::ostream* out) { *out << testCase.name; }
 
     std::string name;
 };
+
+/// Prints a case in messages of failed tests.
+template <std::derived_from<TestCase> Case>
+void PrintTo(const Case& testCase, std::ostream* out) {
+    *out << testCase.name;
+}
 
 /// Names each test after its parameter.
 template <typename Case>

@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/DocumentPreparation.h>
 #include <ConfigurationFramework/DocumentText.h>
 #include <ConfigurationFramework/DomNavigation.h>
+#include <ConfigurationFramework/EditingParser.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>
@@ -83,8 +84,7 @@ ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
 
 ConfigWriterImpl::ConfigWriterImpl(const FileName& file, const std::string& content)
     : m_session(s_log, std::source_location::current()),
-      m_parser(std::make_unique<xercesc::XercesDOMParser>()) {
-    m_confinement.apply(*m_parser);
+      m_parser(m_confinement.makeParser<EditingParser>()) {
     load(file, content);
     prepareForWriting(*m_document);
 }
@@ -94,9 +94,9 @@ void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
         throw ConfigException(ConfigException::SourceNotFound);
     try {
         if (file.empty())
-            parseString(*m_parser, content);
+            m_confinement.parseString(*m_parser, content);
         else
-            parseFile(*m_parser, file);
+            m_confinement.parseFile(*m_parser, file);
     } catch (const xercesc::XMLException&) {
         throw ConfigException(ConfigException::InvalidDocument);
     } catch (const xercesc::DOMException&) {
@@ -165,8 +165,7 @@ ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::strin
 ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
                                                         const std::string* key) {
     const XmlChString wantedName = XercesHelperFunctions::stringToXmlCh(name);
-    const auto wantedKey =
-        key == nullptr ? std::nullopt : std::optional(XercesHelperFunctions::stringToXmlCh(*key));
+    const auto wantedKey = key == nullptr ? std::nullopt : std::optional(toDocumentText(*key).text);
     DOMElement* const found = findChild(wantedName, wantedKey ? &*wantedKey : nullptr);
     if (found == nullptr)
         return ConfigurationAccessResult::Failure;

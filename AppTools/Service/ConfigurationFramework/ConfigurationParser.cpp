@@ -16,7 +16,10 @@ std::string toString(const XMLCh* text) {
 
 } // namespace
 
-ConfigurationParser::ConfigurationParser() {
+ConfigurationParser::ConfigurationParser(xercesc::XMLValidator* validator,
+                                         xercesc::MemoryManager* memoryManager,
+                                         xercesc::XMLGrammarPool* grammarPool)
+    : XercesDOMParser(validator, memoryManager, grammarPool) {
     // What a DTD declares takes effect in the scanner; only a DOM would keep the declarations.
     getScanner()->setDocTypeHandler(nullptr);
 }

@@ -15,7 +15,9 @@ namespace Orvant {
 /// of the scanning.
 class ConfigurationParser : public xercesc::XercesDOMParser {
 public:
-    ConfigurationParser();
+    /// The parameters are those of XercesDOMParser.
+    ConfigurationParser(xercesc::XMLValidator* validator, xercesc::MemoryManager* memoryManager,
+                        xercesc::XMLGrammarPool* grammarPool);
 
     /// @return what the last parse gave, null when it came to no document
     DocumentTree* getTree() { return m_tree ? &*m_tree : nullptr; }

@@ -7,30 +7,39 @@
 #include <UnicodeTools/UnicodeTools.h>
 
 #include <cstring>
+#include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/internal/XMLReader.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
 namespace Orvant {
 
-namespace {
-
-void parseBytes(xercesc::XercesDOMParser& parser, const char* bytes, std::size_t size,
-                const XMLCh* systemId) {
-    const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(bytes), size,
-                                            systemId);
-    parser.parse(source);
+void* ExpansionCounter::allocate(XMLSize_t size) {
+    // The scanner makes a reader for the document and one for each entity that it expands. In
+    // Xerces, a block made with a memory manager carries a header.
+    static const XMLSize_t readerSize =
+        xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*)) +
+        sizeof(xercesc::XMLReader);
+    if (size == readerSize && std::exchange(m_hasDocument, true) && ++m_readers > m_limit)
+        throw xercesc::OutOfMemoryException();
+    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
 }
 
-} // namespace
+void ExpansionCounter::deallocate(void* block) {
+    xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(block);
+}
 
-ParserConfinement::ParserConfinement() {
+xercesc::MemoryManager* ExpansionCounter::getExceptionMemoryManager() {
+    return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
+}
+
+ParserConfinement::ParserConfinement() : m_expansions(maxEntityReferences) {
     m_securityManager.setEntityExpansionLimit(maxEntityReferences);
-}
-
-void ParserConfinement::apply(xercesc::XercesDOMParser& parser) {
-    parser.setEntityResolver(this);
-    parser.setSecurityManager(&m_securityManager);
 }
 
 xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh* systemId) {
@@ -38,7 +47,22 @@ xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh
     return new xercesc::MemBufInputSource(nothing, 0, systemId);
 }
 
-void parseFile(xercesc::XercesDOMParser& parser, const FileName& file) {
+void ParserConfinement::parse(xercesc::XercesDOMParser& parser, const char* bytes, std::size_t size,
+                              const XMLCh* systemId) {
+    const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(bytes), size,
+                                            systemId);
+    try {
+        parser.parse(source);
+    } catch (const xercesc::OutOfMemoryException&) {
+        if (m_expansions.isExceeded() && parser.getErrorHandler() != nullptr)
+            parser.getErrorHandler()->fatalError(
+                xercesc::SAXParseException(u"too many entity references", nullptr, systemId, 0, 0));
+        else
+            ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
+    }
+}
+
+void ParserConfinement::parseFile(xercesc::XercesDOMParser& parser, const FileName& file) {
     const std::wstring widePath = UnicodeTools::utf8_to_wstring(file.toNativeString());
     const auto systemId = transcode<XMLCh>(std::wstring_view(widePath));
     // The bytes are read here because Xerces would take the name apart as a URL, spell it in the
@@ -47,11 +71,11 @@ void parseFile(xercesc::XercesDOMParser& parser, const FileName& file) {
     if (!bytes)
         ThrowXML1(xercesc::RuntimeException, xercesc::XMLExcepts::Scan_CouldNotOpenSource,
                   systemId.c_str());
-    parseBytes(parser, bytes->data(), bytes->size(), systemId.c_str());
+    parse(parser, bytes->data(), bytes->size(), systemId.c_str());
 }
 
-void parseString(xercesc::XercesDOMParser& parser, const std::string& content) {
-    parseBytes(parser, content.c_str(), std::strlen(content.c_str()), u"example");
+void ParserConfinement::parseString(xercesc::XercesDOMParser& parser, const std::string& content) {
+    parse(parser, content.c_str(), std::strlen(content.c_str()), u"example");
 }
 
 } // namespace Orvant

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 
+#include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/EntityResolver.hpp>
 #include <xercesc/util/SecurityManager.hpp>
@@ -10,34 +13,68 @@ namespace Orvant {
 
 class FileName;
 
+/// Counts what a parser allocates to expand entity references. Its memory is Xerces' own.
+class ExpansionCounter : public xercesc::MemoryManager {
+public:
+    /// @param limit how many references may be expanded
+    explicit ExpansionCounter(std::size_t limit) : m_limit(limit) {}
+
+    /// @return true when the limit was passed
+    bool isExceeded() const { return m_readers > m_limit; }
+
+    /// @throws xercesc::OutOfMemoryException when the limit is passed: what it takes to end the
+    /// parse
+    void* allocate(XMLSize_t size) override;
+    void deallocate(void* block) override;
+    xercesc::MemoryManager* getExceptionMemoryManager() override;
+
+private:
+    std::size_t m_limit;
+    std::size_t m_readers = 0; ///< besides that of the document itself
+    bool m_hasDocument = false;
+};
+
 /// Keeps a parser to the document that it is given: whatever is external (entities, a DTD) resolves
 /// to nothing, so that no file is read and no connection made, and more than
-/// `maxEntityReferences` entity references are a parse error, so that a document of a few lines
-/// cannot fill the memory. Must outlive the parser.
+/// `maxEntityReferences` entity references, wherever they stand, are a parse error, so that a
+/// document of a few lines cannot fill the memory. Must outlive the parser.
 class ParserConfinement : public xercesc::EntityResolver {
 public:
-    static constexpr XMLSize_t maxEntityReferences = 10'000;
+    static constexpr std::size_t maxEntityReferences = 10'000;
 
     ParserConfinement();
 
-    /// Confines a parser. Changes none of its features.
-    void apply(xercesc::XercesDOMParser& parser);
+    /// @return a confined parser with Xerces' default features
+    template <typename Parser>
+    std::unique_ptr<Parser> makeParser() {
+        auto parser = std::make_unique<Parser>(nullptr, &m_expansions, nullptr);
+        parser->setEntityResolver(this);
+        parser->setSecurityManager(&m_securityManager);
+        return parser;
+    }
+
+    /// Parses a file with the confined parser.
+    /// @throws xercesc::XMLException when the file is not a regular file or cannot be read
+    /// @throws FileNameException for a name that no file system could hold
+    /// and as parseString()
+    void parseFile(xercesc::XercesDOMParser& parser, const FileName& file);
+
+    /// Parses a document in memory with the confined parser.
+    /// @param content the document, up to its first NUL
+    /// @throws xercesc::XMLException for too many entity references where the parser has no error
+    ///         handler to tell of them, and for a document that the memory cannot hold
+    void parseString(xercesc::XercesDOMParser& parser, const std::string& content);
 
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
 private:
+    void parse(xercesc::XercesDOMParser& parser, const char* bytes, std::size_t size,
+               const XMLCh* systemId);
+
+    // Counts the references in content and attributes, and reports them as any other error.
     xercesc::SecurityManager m_securityManager;
+    // Counts all of them, those within a DTD too.
+    ExpansionCounter m_expansions;
 };
-
-/// Parses a file.
-/// @throws xercesc::XMLException when the file is not a regular file or cannot be read
-/// @throws FileNameException for a name that no file system could hold
-/// and whatever the parser throws
-void parseFile(xercesc::XercesDOMParser& parser, const FileName& file);
-
-/// Parses a document in memory.
-/// @param content the document, up to its first NUL
-/// @throws whatever the parser throws
-void parseString(xercesc::XercesDOMParser& parser, const std::string& content);
 
 } // namespace Orvant

@@ -238,9 +238,8 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 63
     initializeXerces(s_log, std::source_location::current());
 
-    m_parser = std::make_unique<ConfigurationParser>();
+    m_parser = m_confinement.makeParser<ConfigurationParser>();
     m_parser->setErrorHandler(&m_errorHandler);
-    m_confinement.apply(*m_parser);
 
     if (!file.empty()) {
         try {
@@ -248,7 +247,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 88
                 throw refusedDocument(ConfigException::SourceNotFound);
             }
-            parseFile(*m_parser, file);
+            m_confinement.parseFile(*m_parser, file);
         } catch (const xercesc::XMLException&) {
 #line 95
             throw refusedDocument(ConfigException::InvalidDocument);
@@ -261,7 +260,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
         }
     } else if (!content.empty()) {
         try {
-            parseString(*m_parser, content);
+            m_confinement.parseString(*m_parser, content);
         } catch (const xercesc::XMLException&) {
 #line 131
             throw refusedDocument(ConfigException::InvalidDocument);

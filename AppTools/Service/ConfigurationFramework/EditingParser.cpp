@@ -1,0 +1,44 @@
+#include <ConfigurationFramework/EditingParser.h>
+
+#include <ConfigurationFramework/DocumentPreparation.h>
+
+#include <xercesc/util/RuntimeException.hpp>
+
+namespace Orvant {
+
+void EditingParser::goDeeper() {
+    // The scanner makes a parse error of it.
+    if (++m_depth > maxWrittenDepth)
+        ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
+}
+
+void EditingParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                                 const XMLCh* prefix,
+                                 const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                 XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    if (m_openReferences > 0)
+        goDeeper();
+    XercesDOMParser::startElement(declaration, uri, prefix, attributes, attributeCount, isEmpty,
+                                  isRoot);
+}
+
+void EditingParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                               bool isRoot, const XMLCh* prefix) {
+    XercesDOMParser::endElement(declaration, uri, isRoot, prefix);
+    if (m_openReferences > 0)
+        --m_depth;
+}
+
+void EditingParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    ++m_openReferences;
+    goDeeper();
+    XercesDOMParser::startEntityReference(declaration);
+}
+
+void EditingParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    XercesDOMParser::endEntityReference(declaration);
+    --m_openReferences;
+    --m_depth;
+}
+
+} // namespace Orvant

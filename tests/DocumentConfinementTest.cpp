@@ -1,0 +1,289 @@
+#include <ConfigurationFramework/ConfigWriter.h>
+
+#include <ReaderSupport.h>
+#include <TestSupport.h>
+
+#include <gmock/gmock.h>
+
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace Orvant {
+namespace {
+
+using Support::configuration;
+using Support::openBody;
+using Support::openFile;
+using Support::openString;
+using Support::readString;
+using Support::refusal;
+using Support::TemporaryDirectory;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A server on this machine that nobody should call.
+class Listener {
+public:
+    Listener() : m_socket(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof(address);
+        auto* const generic = reinterpret_cast<sockaddr*>(&address);
+        if (bind(m_socket, generic, size) != 0 || listen(m_socket, 8) != 0 ||
+            getsockname(m_socket, generic, &size) != 0)
+            throw std::runtime_error("no listening socket");
+        m_port = ntohs(address.sin_port);
+    }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+    ~Listener() { close(m_socket); }
+
+    std::string url() const { return "http://127.0.0.1:" + std::to_string(m_port) + "/external"; }
+    bool wasCalled() const {
+        pollfd descriptor{m_socket, POLLIN, 0};
+        return poll(&descriptor, 1, 50) != 0;
+    }
+
+private:
+    int m_socket;
+    unsigned m_port = 0;
+};
+
+// What is outside the document.
+
+struct ExternalCase : Support::TestCase {
+    std::string document; ///< with URL where the address goes; S holds the text "a"
+    std::string external; ///< what is there
+};
+
+class ExternalReference : public testing::TestWithParam<ExternalCase> {
+protected:
+    static std::string document(const std::string& url) {
+        std::string text = GetParam().document;
+        return text.replace(text.find("URL"), 3, url);
+    }
+    static void expectNothingOf(SimpleConfigReader reader) {
+        std::string value;
+        bool editable = false;
+        EXPECT_EQ(ConfigurationAccessResult::Success, reader.getString("S", value, editable));
+        EXPECT_EQ("a", value);
+        EXPECT_TRUE(editable);
+    }
+    static void expectNothingOf(const std::string& written) {
+        EXPECT_THAT(written, HasSubstr("<S>a</S>"));
+        EXPECT_THAT(written, Not(HasSubstr("secret")));
+    }
+};
+
+TEST_P(ExternalReference, ReadsNoFile) {
+    const TemporaryDirectory directory;
+    directory.file("external", GetParam().external);
+    for (const std::string& url :
+         {"file://" + (directory.path() / "external").string(), std::string("external")}) {
+        const FileName settings = directory.file("settings.xml", document(url));
+        expectNothingOf(openFile(settings));
+        expectNothingOf(openString(document(url)));
+        expectNothingOf(ConfigWriter(settings, "").getAsString());
+        expectNothingOf(ConfigWriter(FileName(), document(url)).getAsString());
+    }
+}
+
+TEST_P(ExternalReference, MakesNoConnection) {
+    const Listener listener;
+    expectNothingOf(openString(document(listener.url())));
+    expectNothingOf(ConfigWriter(FileName(), document(listener.url())).getAsString());
+    EXPECT_FALSE(listener.wasCalled());
+}
+
+const std::string externalDeclarations =
+    "<!ATTLIST S editable CDATA 'false' leaked CDATA 'secret'>";
+
+std::string doctype(const std::string& rest) {
+    return "<!DOCTYPE Configuration " + rest + ">" + configuration("<S>a</S>");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    References, ExternalReference,
+    testing::Values(
+        ExternalCase{"Entity", configuration("<S>a</S>&e;", "<!ENTITY e SYSTEM 'URL'>"), "secret"},
+        ExternalCase{"PublicEntity", configuration("<S>a</S>&e;", "<!ENTITY e PUBLIC 'p' 'URL'>"),
+                     "secret"},
+        ExternalCase{"ParameterEntity", configuration("<S>a</S>", "<!ENTITY % e SYSTEM 'URL'> %e;"),
+                     externalDeclarations},
+        ExternalCase{"Dtd", doctype("SYSTEM 'URL'"), externalDeclarations},
+        ExternalCase{"PublicDtd", doctype("PUBLIC 'p' 'URL'"), externalDeclarations},
+        ExternalCase{"DtdNextToAnInternalOne", doctype("SYSTEM 'URL' [<!ENTITY i 'i'>]"),
+                     externalDeclarations},
+        ExternalCase{"UnparsedEntity",
+                     configuration("<S>a</S>", "<!NOTATION n SYSTEM 'URL'>"
+                                               "<!ENTITY e SYSTEM 'secret' NDATA n>"),
+                     "x"},
+        ExternalCase{"Schema",
+                     "<Configuration version='1.0' "
+                     "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+                     "xsi:noNamespaceSchemaLocation='URL'><S>a</S></Configuration>",
+                     "no schema"},
+        ExternalCase{"Inclusion",
+                     configuration("<S>a</S><i:include "
+                                   "xmlns:i='http://www.w3.org/2001/XInclude' href='URL'/>"),
+                     "<secret/>"}),
+    Support::nameOf<ExternalCase>);
+
+// What is inside the document.
+
+TEST(InternalDtd, DeclaresEntities) {
+    const std::string document =
+        configuration("<P key='&long;'><S>b&long;</S></P>", "<!ENTITY long 'very long'>");
+    auto reader = openString(document);
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.tagExists("P"));
+    std::set<std::string> keys;
+    openString(document).getKeys("P", keys);
+    EXPECT_THAT(keys, testing::ElementsAre("very long"));
+    EXPECT_THAT(ConfigWriter(FileName(), document).getAsString(), HasSubstr("<S>bvery long</S>"));
+}
+
+TEST(InternalDtd, DeclaresDefaultAttributes) {
+    const std::string document = "<!DOCTYPE Configuration ["
+                                 "<!ATTLIST Configuration version CDATA '1.0'>"
+                                 "<!ATTLIST S editable CDATA 'false' key CDATA 'k'>]>"
+                                 "<Configuration><S>a</S><S editable='true' key='l'>b</S>"
+                                 "</Configuration>";
+    auto reader = openString(document);
+    std::set<std::string> keys;
+    reader.getKeys("S", keys);
+    EXPECT_THAT(keys, testing::ElementsAre("k", "l"));
+    std::string value;
+    bool editable = true;
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.getString("S", value, editable));
+    EXPECT_FALSE(editable);
+    ASSERT_EQ(ConfigurationAccessResult::Success, reader.setCurrentKeyedNode("S", "l"));
+    reader.getEditable(editable);
+    EXPECT_TRUE(editable);
+}
+
+// How many references a document may hold.
+
+std::string repeated(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+/// @return what the reader and the writer say to a document, nothing where they open it
+std::vector<std::optional<int>> refusalTypes(const std::string& document) {
+    std::vector<std::optional<int>> types;
+    const auto open = [&](auto call) {
+        auto exception = refusal(call);
+        types.push_back(exception ? std::optional<int>(exception->getType()) : std::nullopt);
+    };
+    open([&] { openString(document); });
+    open([&] { ConfigWriter(FileName(), document); });
+    return types;
+}
+
+const auto isOpened = testing::Each(std::nullopt);
+const auto isRefused =
+    testing::ElementsAre(ConfigException::ParserReportedErrors, ConfigException::InvalidDocument);
+
+const std::string simpleEntity = "<!ENTITY a 'v'>";
+
+struct ReferenceCase : Support::TestCase {
+    std::function<std::string(int)> document; ///< with a number of references
+};
+
+class EntityReferences : public testing::TestWithParam<ReferenceCase> {};
+
+TEST_P(EntityReferences, AreTenThousandAtMost) {
+    EXPECT_THAT(refusalTypes(GetParam().document(10'000)), isOpened);
+    EXPECT_THAT(refusalTypes(GetParam().document(10'001)), isRefused);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, EntityReferences,
+    testing::Values(
+        ReferenceCase{
+            "Text", [](int count) { return configuration(repeated("&a;", count), simpleEntity); }},
+        ReferenceCase{"Attribute",
+                      [](int count) {
+                          return configuration("<S key='" + repeated("&a;", count) + "'/>",
+                                               simpleEntity);
+                      }},
+        ReferenceCase{"TextAndAttributes",
+                      [](int count) {
+                          return configuration(repeated("<S key='&a;'/>", 5'000) +
+                                                   repeated("<S>&a;</S>", count - 5'000),
+                                               simpleEntity);
+                      }},
+        ReferenceCase{"Nested",
+                      [](int count) {
+                          return configuration("&b;", simpleEntity + "<!ENTITY b '" +
+                                                          repeated("&a;", count - 1) + "'>");
+                      }}),
+    Support::nameOf<ReferenceCase>);
+
+TEST(EntityReferences, CountForEachDocumentByItself) {
+    const std::string document = configuration("<S>x</S>" + repeated("&a;", 10'000), simpleEntity);
+    for (int i = 0; i < 3; ++i) {
+        auto reader = openString(document);
+        EXPECT_EQ("x", readString(reader, "S"));
+    }
+}
+
+TEST(EntityReferences, AreNotThoseThatXmlPredefinesOrThatNameCharacters) {
+    auto reader = openBody("<S>" + repeated("&amp;", 20'000) + repeated("&#65;", 20'000) + "</S>");
+    EXPECT_EQ(std::string(20'000, '&') + std::string(20'000, 'A'), readString(reader, "S"));
+}
+
+TEST(EntityReferences, AreWrittenAsWhatTheyStandFor) {
+    ConfigWriter writer(FileName(),
+                        configuration("<S>" + repeated("&a;", 10'000) + "</S>", simpleEntity));
+    EXPECT_THAT(writer.getAsString(), HasSubstr(">" + std::string(10'000, 'v') + "<"));
+}
+
+/// Entities e0 to e6, each of which holds its predecessor ten times.
+std::string nestedEntities(const std::string& kind, const std::string& reference,
+                           const std::string& innermost) {
+    std::string declarations = "<!ENTITY " + kind + "e0 '" + innermost + "'>";
+    for (int level = 1; level <= 6; ++level) {
+        const std::string predecessor = reference + "e" + std::to_string(level - 1) + ";";
+        declarations += "<!ENTITY " + kind + "e" + std::to_string(level) + " '" +
+                        repeated(predecessor, 10) + "'>";
+    }
+    return declarations;
+}
+
+struct BombCase : Support::TestCase {
+    std::string document;
+};
+
+class EntityBomb : public testing::TestWithParam<BombCase> {};
+
+TEST_P(EntityBomb, IsRefused) {
+    EXPECT_THAT(refusalTypes(GetParam().document), isRefused);
+}
+
+const std::string nestedTexts = nestedEntities("", "&", "lol");
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, EntityBomb,
+    testing::Values(
+        BombCase{"Text", configuration("<S>&e6;</S>", nestedTexts)},
+        BombCase{"Attribute", configuration("<S key='&e6;'/>", nestedTexts)},
+        BombCase{"DefaultAttribute",
+                 configuration("<S/>", nestedTexts + "<!ATTLIST S key CDATA '&e6;'>")},
+        // Each comes with its percent sign escaped, which makes it a reference of the
+        // entity that holds it.
+        BombCase{"ParameterEntity", configuration("", nestedEntities("% ", "&#37;", " ") + "%e6;")},
+        BombCase{"EntityInItself", configuration("&a;", "<!ENTITY a '&b;'><!ENTITY b '&a;'>")},
+        BombCase{"ParameterEntityInItself",
+                 configuration("", "<!ENTITY % a '&#37;b;'><!ENTITY % b '&#37;a;'>"
+                                   "%a;")}),
+    Support::nameOf<BombCase>);
+
+} // namespace
+} // namespace Orvant
