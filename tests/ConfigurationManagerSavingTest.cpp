@@ -501,17 +501,17 @@ TEST_F(ConfigurationManagerTwoFiles, LeaveOfKeyedObjectsOnlyTheDifferent) {
 }
 
 TEST_F(ConfigurationManagerTwoFiles, CompareAnObjectWithTheElementItIsRegisteredUnder) {
-    writeFiles("<Test><a>5</a></Test><Alias><a>6</a></Alias><Alias key=\"k\"><a>7</a></Alias>", "");
+    writeFiles("<Test><a>5</a></Test><Alias><a>6</a></Alias><Keyed key=\"k\"><a>7</a></Keyed>", "");
     const auto object = makeObject();
     m_manager.addConfigurationObject(object, "Alias");
-    const auto keyed = add(makeObject(), "Alias", "k");
+    const auto keyed = add(makeObject(), "Keyed", "k");
     EXPECT_TRUE(save());
     EXPECT_EQ("<Configuration version=\"1.0\"/>", userFile());
 
     object->value<int>("a").setValue(5);
     keyed->value<int>("a").setValue(6);
     EXPECT_TRUE(save());
-    EXPECT_EQ(document("<Alias><a>5</a></Alias><Alias key=\"k\"><a>6</a></Alias>"), userFile());
+    EXPECT_EQ(document("<Alias><a>5</a></Alias><Keyed key=\"k\"><a>6</a></Keyed>"), userFile());
 }
 
 TEST_F(ConfigurationManagerTwoFiles, CompareWithTheDefaultsWhereTheSystemFileIsOfNoUse) {

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-
 #include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>

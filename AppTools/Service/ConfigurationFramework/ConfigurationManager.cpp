@@ -3,10 +3,10 @@
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationValueBase.h>
 
 #include <FileHandling/FileUtilities.h>
 
+#include <stdexcept>
 #include <utility>
 
 namespace Orvant {
@@ -43,17 +43,6 @@ public:
 private:
     const ConfigurationRegistration* m_registration = nullptr;
 };
-
-/// Gives an object the locks of a copy of it.
-void restoreLocks(ConfigurationObject& object, const ConfigurationObject& copy) {
-    object.setEditable(copy.isEditable());
-    for (auto value = object.beginValueIterator(), former = copy.beginValueIterator();
-         value != object.endValueIterator(); ++value, ++former)
-        (*value)->setEditable((*former)->isEditable());
-    for (auto child = object.beginObjectIterator(), former = copy.beginObjectIterator();
-         child != object.endObjectIterator(); ++child, ++former)
-        restoreLocks(**child, **former);
-}
 
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
     // What the file holds of others survives.
@@ -121,9 +110,12 @@ void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationO
 
 void ConfigurationManager::registerObject(const ConfigurationRegistration& registration) {
     const auto& [object, name, key] = registration;
-    // An object without a key is saved in place of all elements of its name, those of registered
-    // siblings with a key included, so it does not join them.
-    const bool mayJoin = key || !m_objects.contains(name);
+    if (object == nullptr)
+        throw std::invalid_argument("a null object cannot be registered as " + name);
+    // An object without a key is loaded from the first element of its name and saved in place of
+    // all of them, so it has no siblings with keys.
+    const auto namesake = m_objects.find(name);
+    const bool mayJoin = namesake == m_objects.end() || (key && namesake->second.key);
     if (mayJoin && m_taken.emplace(name, key).second)
         m_objects.emplace(name, registration);
 }
@@ -182,6 +174,7 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     if (found == m_objects.end() || found->first != name)
         return;
     const ConfigurationRegistration& registration = found->second;
+    const std::unique_ptr<ConfigurationObject> former(registration.object->clone());
     registration.object->setDefaultValues();
 
     if (m_fileMode == NoFiles)
@@ -190,9 +183,6 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     const FileName& file = m_fileMode == SingleFile ? m_configurationFile
                            : fromSystemFile         ? m_systemFile
                                                     : m_userFile;
-    const bool fromUserFileAlone = m_fileMode == SystemAndUserFile && fromUserFile;
-    const std::unique_ptr<ConfigurationObject> former(
-        fromUserFileAlone ? registration.object->clone() : nullptr);
     AdvancedConfigReader reader;
     const auto added = reader.addFileSource(file, {},
                                             fromSystemFile ? AdvancedConfigReader::Priority::System
@@ -201,8 +191,9 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     if (added != ConfigurationAccessResult::Success)
         return;
     const auto loaded = load(reader, registration);
-    if (former != nullptr)
-        restoreLocks(*registration.object, *former); // The user's file locks nothing.
+    // The user's file alone neither locks nor unlocks.
+    if (m_fileMode == SystemAndUserFile && fromUserFile)
+        registration.object->restoreLocks(*former);
     // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
     // tell of the defaults.
     if (loaded == ConfigurationAccessResult::Failure)

@@ -21,7 +21,7 @@ class ConfigWriter;
 
 /// An object to be registered, with the element that it is loaded from and saved to.
 struct ConfigurationRegistration {
-    std::shared_ptr<ConfigurationObject> object; ///< shared with the manager
+    std::shared_ptr<ConfigurationObject> object; ///< shared with the manager, not null
     std::string name;                            ///< tag of the element
     std::optional<std::string> key = {};         ///< key of the element, if it has one
 };
@@ -61,6 +61,7 @@ public:
 
     /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
     /// other, but opens each file only once: the way to register what an application has at start.
+    /// @throws std::invalid_argument for a null object; those before it are registered
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
     /// Registers an object and loads it from the element of the name. Opens the files anew.
     /// @param object shared with the caller; where the files do not have its element, it keeps its
@@ -73,7 +74,7 @@ public:
     /// has the key, from the one without a key. It is saved in the element of the key.
     ///
     /// Objects of one name and several keys are registered side by side, each once, so that all are
-    /// saved; look-ups by name find the first.
+    /// saved; look-ups and resets by name find the first. They have no sibling without a key.
     void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                 const std::string& name, const std::string& key);
     /// @return the object that was first registered under the name, owned by the manager; null when

@@ -48,6 +48,14 @@ Item* findCounterpart(const std::vector<Item*>& items, std::size_t position,
     return findByName(*others, name);
 }
 
+/// Takes the value of another, or that it has none.
+void adoptState(ConfigurationValueBase& value, const ConfigurationValueBase& other) {
+    if (other.hasValue())
+        value.adoptValue(&other);
+    else
+        value.resetValue();
+}
+
 void appendLine(std::string& text, const std::string& line) {
     if (!text.empty() && !line.empty())
         text += '\n';
@@ -66,18 +74,20 @@ std::unique_ptr<ConfigurationObject> loadReference(const ConfigurationObject& ob
 /// Copies of an object's values and children, deleted with the scope unless an object takes them.
 class ConfigurationObject::OwnedItems {
 public:
-    explicit OwnedItems(const ConfigurationObject& original) try {
+    OwnedItems() = default;
+    explicit OwnedItems(const ConfigurationObject& original) : OwnedItems() {
+        // Delegated, so that the destructor deletes the copies made so far when one fails.
         for (const ConfigurationValueBase* value : original.m_values)
             append(m_values, value->clone());
         for (const ConfigurationObject* child : original.m_objects)
             append(m_objects, child->clone());
-    } catch (...) {
-        clear();
-        throw;
     }
     OwnedItems(const OwnedItems&) = delete;
     OwnedItems& operator=(const OwnedItems&) = delete;
-    ~OwnedItems() { clear(); }
+    ~OwnedItems() {
+        deleteAll(m_values);
+        deleteAll(m_objects);
+    }
 
     void swapWith(ConfigurationObject& object) {
         m_values.swap(object.m_values);
@@ -85,11 +95,6 @@ public:
     }
 
 private:
-    void clear() {
-        deleteAll(m_values);
-        deleteAll(m_objects);
-    }
-
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;
 };
@@ -141,7 +146,7 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
     for (const ConfigurationObject* child : m_objects) {
         if (child->getName().empty())
             writer.putClassContents(*child);
-        else
+        else if (child->writesContent())
             writer.putClassContents(child->getName(), *child, child->getDescription());
     }
 }
@@ -203,17 +208,33 @@ void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool
         const auto* systemValue = findCounterpart(m_values, i, &system.m_values);
         if (systemValue == nullptr)
             continue;
-        if (all || !systemValue->isEditable() || !value.hasValue()) {
-            if (systemValue->hasValue())
-                value.adoptValue(systemValue);
-            else
-                value.resetValue();
-        }
+        if (all || !systemValue->isEditable() || !value.hasValue())
+            adoptState(value, *systemValue);
         value.setEditable(systemValue->isEditable());
     }
     for (std::size_t i = 0; all && i < m_objects.size(); ++i)
         if (const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects))
             m_objects[i]->takeFromSystem(*systemChild, true);
+}
+
+void ConfigurationObject::restoreLocks(const ConfigurationObject& former) {
+    restoreLocks(former, false);
+}
+
+void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool parentLocked) {
+    const bool locked = parentLocked || !former.isEditable();
+    setEditable(former.isEditable());
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        const auto* formerValue = findCounterpart(m_values, i, &former.m_values);
+        if (formerValue == nullptr)
+            continue;
+        if (locked || !formerValue->isEditable())
+            adoptState(*m_values[i], *formerValue);
+        m_values[i]->setEditable(formerValue->isEditable());
+    }
+    for (std::size_t i = 0; i < m_objects.size(); ++i)
+        if (const auto* formerChild = findCounterpart(m_objects, i, &former.m_objects))
+            m_objects[i]->restoreLocks(*formerChild, locked);
 }
 
 void ConfigurationObject::emitSignalsAfterConfigLoading() {

@@ -73,9 +73,13 @@ public:
     /// What the system locks gets the system's value; so does a value that the user's document does
     /// not hold or holds unreadably. Locks become exactly those of the system: a user's document
     /// neither locks nor unlocks. Children are repaired likewise, named and nameless. Values and
-    /// children that `other` does not have are left alone.
+    /// children that `other` does not have are left alone. Items are paired by name: a class whose
+    /// children have one name and are told apart by keys overrides this and pairs them by key.
     /// @param other the object as the system's document left it; null does nothing
     virtual void overwriteInvalidConfigValues(const ConfigurationObject* other);
+    /// Gives the object the locks of an earlier state of it and, where these lock, its values: for
+    /// loads that must not change locks.
+    void restoreLocks(const ConfigurationObject& former);
     /// Tells observers that loading is complete. Here it calls each child's; derived classes add
     /// their signals.
     virtual void emitSignalsAfterConfigLoading();
@@ -147,6 +151,7 @@ private:
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
     bool hasDifferenceToWrite(const ConfigurationObject* other) const;
     void takeFromSystem(const ConfigurationObject& system, bool all);
+    void restoreLocks(const ConfigurationObject& former, bool parentLocked);
 
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;

@@ -44,11 +44,11 @@ void ConfigurationParser::endDocument() {
 void ConfigurationParser::XMLDecl(const XMLCh*, const XMLCh*, const XMLCh*, const XMLCh*) {}
 
 DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& declaration) {
-    const XMLCh* const name = declaration.getFullName();
-    const auto known = m_names.find(name);
-    if (known != m_names.end())
-        return known->second;
-    return m_names.emplace(name, m_tree->addName(toString(name))).first->second;
+    // The scanner has one declaration for each name, declared or not, as long as it scans.
+    const auto [entry, isNew] = m_names.try_emplace(&declaration);
+    if (isNew)
+        entry->second = m_tree->addName(toString(declaration.getFullName()));
+    return entry->second;
 }
 
 void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int,

@@ -48,8 +48,7 @@ private:
 
     std::optional<DocumentTree> m_tree;
     std::string m_version;
-    std::unordered_map<std::u16string_view, DocumentTree::Name>
-        m_names;                ///< by the parser's own texts
+    std::unordered_map<const xercesc::XMLElementDecl*, DocumentTree::Name> m_names;
     std::u16string m_firstText; ///< of the open element, in pieces
     bool m_inFirstText = false;
 };

@@ -42,14 +42,23 @@ DisableFeaturesConfiguration* DisableFeaturesConfiguration::getRegisteredInstanc
     static std::shared_ptr<DisableFeaturesConfiguration> s_instance;
 
     const std::lock_guard lock(s_mutex);
-    const bool isFirstCall = s_instance == nullptr;
-    if (isFirstCall)
+    if (s_instance == nullptr)
         s_instance = std::make_shared<DisableFeaturesConfiguration>();
-    // Registering loads it, even when another object has taken the name.
-    auto& manager = ConfigurationManager::getInstance();
-    if (isFirstCall || manager.getConfigurationObject(s_tag) == nullptr)
-        manager.addConfigurationObject(s_instance, s_instance->getName());
+    // The manager shares it until its reset. It is not asked: another thread may be using it.
+    if (s_instance.use_count() == 1) {
+        s_instance->forgetFiles();
+        ConfigurationManager::getInstance().addConfigurationObject(s_instance,
+                                                                   s_instance->getName());
+    }
     return s_instance.get();
+}
+
+/// Goes back to the state of a new object, locks included.
+void DisableFeaturesConfiguration::forgetFiles() {
+    setEditable(true);
+    for (auto value = beginValueIterator(); value != endValueIterator(); ++value)
+        (*value)->setEditable(true);
+    setDefaultValues();
 }
 
 ConfigurationObject* DisableFeaturesConfiguration::createConfigurationObject() const {

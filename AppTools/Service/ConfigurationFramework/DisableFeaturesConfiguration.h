@@ -38,7 +38,7 @@ public:
 
     /// The instance that is registered with the configuration manager. It is made and registered,
     /// and with that loaded, by the first call, and registered again by the first call after
-    /// ConfigurationManager::reset(). May be called from several threads.
+    /// ConfigurationManager::reset(), as if it were new. May be called from several threads.
     /// @return always the same pointer, valid for the life of the process
     static DisableFeaturesConfiguration* getRegisteredInstance();
 
@@ -82,6 +82,7 @@ public:
     /// @}
 
 private:
+    void forgetFiles();
     const ConfigurationValue<bool>& getSwitch(const std::string& key) const;
 };
 

@@ -1,5 +1,7 @@
 #include <ConfigurationFramework/DocumentTree.h>
 
+#include <algorithm>
+
 namespace Orvant {
 
 namespace {
@@ -21,7 +23,7 @@ DocumentTree::Element lookUp(const std::unordered_map<Key, DocumentTree::Element
 DocumentTree::Name DocumentTree::addName(const std::string& name) {
     const auto [entry, isNew] = m_names.try_emplace(name, static_cast<Name>(m_names.size()));
     if (isNew)
-        m_firstOfName.push_back(none);
+        m_elementsOfName.emplace_back();
     return entry->second;
 }
 
@@ -37,8 +39,7 @@ void DocumentTree::startElement(Name name, const std::string& key, bool editable
             m_keyTexts.push_back(&entry->first);
         node.key = entry->second;
     }
-    if (m_firstOfName[name] == none && !m_nodes.empty())
-        m_firstOfName[name] = static_cast<Element>(m_nodes.size());
+    m_elementsOfName[name].push_back(static_cast<Element>(m_nodes.size()));
     start(node);
 }
 
@@ -174,15 +175,15 @@ DocumentTree::Element DocumentTree::findChildWithoutKey(Element parent, const st
 DocumentTree::Element DocumentTree::findBelow(Element ancestor, Element after,
                                               const std::string& name) const {
     const auto wanted = findName(name);
-    for (Element element = after + 1; wanted && element < m_nodes[ancestor].end; ++element)
-        if (m_nodes[element].name == *wanted)
-            return element;
-    return none;
+    if (!wanted)
+        return none;
+    const std::vector<Element>& elements = m_elementsOfName[*wanted];
+    const auto next = std::ranges::upper_bound(elements, after);
+    return next != elements.end() && *next < m_nodes[ancestor].end ? *next : none;
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name) const {
-    const auto wanted = findName(name);
-    return wanted ? m_firstOfName[*wanted] : none;
+    return findBelow(root, root, name);
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name,

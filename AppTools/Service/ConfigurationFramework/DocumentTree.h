@@ -115,7 +115,7 @@ private:
     std::vector<Node> m_nodes;
     std::string m_texts;
     std::unordered_map<std::string, Name> m_names;
-    std::vector<Element> m_firstOfName; ///< by name, the root not counted
+    std::vector<std::vector<Element>> m_elementsOfName; ///< by name, in document order
     std::unordered_map<std::string, Key> m_keys;
     std::vector<const std::string*> m_keyTexts; ///< by key
     std::vector<Element> m_open;

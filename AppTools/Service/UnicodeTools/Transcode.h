@@ -2,6 +2,7 @@
 
 #include <boost/locale/utf.hpp>
 
+#include <algorithm>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -31,7 +32,11 @@ std::basic_string<To> transcode(std::basic_string_view<From> text) {
     std::basic_string<To> result;
     result.reserve(text.size());
     const From* const end = text.data() + text.size();
-    for (const From* position = text.data(); position != end;)
+    // Most texts are ASCII altogether, which all the encoding forms have in common.
+    const From* position =
+        std::find_if(text.data(), end, [](From unit) { return unit < 0 || unit > 0x7F; });
+    result.assign(text.data(), position);
+    while (position != end)
         boost::locale::utf::utf_traits<To>::encode(takeCodePoint(position, end),
                                                    std::back_inserter(result));
     return result;
