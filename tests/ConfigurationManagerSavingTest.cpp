@@ -675,5 +675,18 @@ TEST_F(ConfigurationManagerTwoFiles, NeverWriteTheSystemFile) {
     EXPECT_EQ(system, readFile(m_systemFile));
 }
 
+TEST_F(ConfigurationManagerSavingTest, WritesNoElementForAChildThatWritesNothing) {
+    useOneFile();
+    add(TestObject::make("Test", [](TestObject& test) {
+        test.add("a", 1);
+        for (auto* child : {new TestObject("Unsaved", ConfigurationItemBase::NotPersistent),
+                            new TestObject("Others", ConfigurationItemBase::LoadAndSave,
+                                           ConfigurationItemBase::Product1)})
+            test.addChild(&child->add("b", 2));
+    }));
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_EQ(document("<Test><a>1</a></Test>"), withoutFormatting(readFile(m_file)));
+}
+
 } // namespace
 } // namespace Orvant

@@ -2,6 +2,9 @@
 
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
+#include <ConfigurationFramework/ConfigReader.h>
+#include <FileHandling/FileUtilities.h>
+
 #include <ManagerFixture.h>
 
 #include <gmock/gmock.h>
@@ -444,6 +447,176 @@ TEST_F(ConfigurationManagerTest, IsCopiedWithTheTwoFiles) {
     EXPECT_EQ(5, get(*object, "a"));
     EXPECT_EQ(6, get(*object, "b"));
     EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Test"));
+}
+
+/// A value that cannot be copied.
+class Uncopiable : public ConfigurationValue<int> {
+public:
+    Uncopiable() : ConfigurationValue("Uncopiable", "", 0, Visible, LoadAndSave, AllProducts) {}
+    ConfigurationValueBase* clone() const override { throw std::runtime_error("no copy"); }
+};
+
+class WithUncopiable : public TestObject {
+public:
+    WithUncopiable() {
+        add("First", 1);
+        addChild(new TestObject("Child"));
+        addConfigurationValue(new Uncopiable);
+    }
+};
+
+TEST(ConfigurationObjectCopy, ThatFailsHalfWayIsDeletedOnce) {
+    const WithUncopiable original;
+    EXPECT_THROW(std::unique_ptr<ConfigurationObject>(original.clone()), std::runtime_error);
+    EXPECT_THROW(TestObject{original}, std::runtime_error);
+    TestObject assigned;
+    assigned.add("Kept", 2);
+    EXPECT_THROW(assigned = original, std::runtime_error);
+    EXPECT_EQ(2, assigned.value<int>("Kept").getValue());
+}
+
+class ConfigurationManagerResets : public Support::ManagerFixture {
+protected:
+    void writeFiles(const std::string& system, const std::string& user) {
+        writeFile(m_systemFile, document(system));
+        writeFile(m_userFile, document(user));
+        useTwoFiles();
+    }
+};
+
+TEST_F(ConfigurationManagerResets, FromTheUsersFileNeitherLockNorUnlock) {
+    writeFiles("<Test><a editable='false'>1</a><b>2</b><Child editable='false'><c>3</c></Child>"
+               "</Test>",
+               "<Test editable='false'><a editable='true'>7</a><b editable='false'>8</b>"
+               "<Child editable='true'><c>9</c></Child></Test>");
+    const auto object = add(TestObject::make("Test", [](TestObject& test) {
+        auto* const child = new TestObject("Child");
+        child->add("c", 0);
+        test.add("a", 0).add("b", 0).addChild(child);
+    }));
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_TRUE(object->isEditable());
+    EXPECT_FALSE(object->value<int>("a").isEditable());
+    EXPECT_TRUE(object->value<int>("b").isEditable());
+    EXPECT_FALSE(object->child("Child").isEditable());
+    EXPECT_EQ(1, object->value<int>("a").getValue());
+    EXPECT_EQ(8, object->value<int>("b").getValue());
+    EXPECT_EQ(3, object->child("Child").value<int>("c").getValue());
+}
+
+TEST_F(ConfigurationManagerResets, LeaveLockedFeatureSwitchesLocked) {
+    writeFiles("<DisableFeaturesConfiguration editable='false'><PlannerFixturesDisable>true"
+               "</PlannerFixturesDisable></DisableFeaturesConfiguration>",
+               "<DisableFeaturesConfiguration><PlannerFixturesDisable>false"
+               "</PlannerFixturesDisable></DisableFeaturesConfiguration>");
+    const auto* const features = DisableFeaturesConfiguration::getRegisteredInstance();
+    EXPECT_TRUE(features->getPlannerFixturesDisable());
+    m_manager.resetConfigurationObject(DisableFeaturesConfiguration::s_tag, true);
+    EXPECT_TRUE(features->getPlannerFixturesDisable());
+    EXPECT_FALSE(features->isEditable());
+}
+
+TEST_F(ConfigurationManagerResets, LetTheFeatureSwitchesForgetTheFormerFiles) {
+    writeFiles("<DisableFeaturesConfiguration><SetupEdgeLineDisable>true</SetupEdgeLineDisable>"
+               "<PlannerFixturesDisable editable='false'>true</PlannerFixturesDisable>"
+               "</DisableFeaturesConfiguration>",
+               "");
+    const auto* const features = DisableFeaturesConfiguration::getRegisteredInstance();
+    EXPECT_TRUE(features->getPlannerFixturesDisable());
+    m_manager.reset();
+    writeFiles("<DisableFeaturesConfiguration><PlannerFixturesDisable>false"
+               "</PlannerFixturesDisable></DisableFeaturesConfiguration>",
+               "");
+    EXPECT_EQ(features, DisableFeaturesConfiguration::getRegisteredInstance());
+    EXPECT_FALSE(features->getPlannerFixturesDisable());
+    EXPECT_FALSE(features->getSetupEdgeLineDisable());
+}
+
+TEST_F(ConfigurationManagerResets, MayMeetAnObjectThatRebuildsItsChildren) {
+    // Has a child for each key that the file holds.
+    class Keyed : public TestObject {
+    public:
+        Keyed() : TestObject("Keyed") {}
+        void loadContent(ConfigReader& reader) override {
+            clear();
+            reader.createConfigurationObjects("Entry", [&](const std::string&) {
+                addChild(&(new TestObject("Entry"))->add("a", 0));
+            });
+        }
+        ConfigurationObject* createConfigurationObject() const override { return new Keyed; }
+    };
+    writeFiles("<Keyed><Entry key='1'/></Keyed>",
+               "<Keyed><Entry key='1'/><Entry key='2'/><Entry key='3'/></Keyed>");
+    const auto object = add(std::make_shared<Keyed>());
+    m_manager.resetConfigurationObject("Keyed", false);
+    EXPECT_EQ(1U, object->getConfigurationObjectsSize());
+    m_manager.resetConfigurationObject("Keyed", true);
+    EXPECT_EQ(3U, object->getConfigurationObjectsSize());
+}
+
+class ConfigurationManagerBatch : public ConfigurationManagerResets {};
+
+TEST_F(ConfigurationManagerBatch, HasTheEffectOfRegisteringOneAfterTheOther) {
+    writeFiles("<A><v editable='false'>1</v></A><B><v>2</v></B><P key='x'><v>3</v></P><P><v>4</v>"
+               "</P>",
+               "<A><v>7</v></A><B><v>8</v></B><P key='y'><v>9</v></P>");
+    const auto makeObjects = [] {
+        std::vector<ConfigurationRegistration> objects;
+        const auto addObject = [&](const std::string& name, std::optional<std::string> key = {}) {
+            objects.push_back({TestObject::make(name, [](TestObject& o) { o.add("v", 0); }), name,
+                               std::move(key)});
+        };
+        addObject("A");
+        addObject("B");
+        addObject("P", "x");
+        addObject("P", "y");
+        addObject("P", "z");
+        addObject("P");      // has siblings with keys: only loaded
+        addObject("B");      // the name is taken: only loaded
+        addObject("P", "x"); // name and key are taken: only loaded
+        addObject("Missing");
+        return objects;
+    };
+    const auto describe = [&](const std::vector<ConfigurationRegistration>& objects) {
+        std::string text;
+        for (const auto& [object, name, key] : objects) {
+            const auto& test = dynamic_cast<const TestObject&>(*object);
+            auto& value = test.value<int>("v");
+            text += name + key.value_or("-") + std::to_string(value.getValue()) +
+                    (value.isEditable() ? "" : "!") + std::to_string(test.signals) + ' ';
+            value.setValue(50 + static_cast<int>(text.size()));
+        }
+        EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+        text += Support::readFile(m_file);
+        EXPECT_TRUE(FileUtilities::remove(m_file));
+        return text;
+    };
+    const auto oneByOne = makeObjects();
+    for (const auto& [object, name, key] : oneByOne) {
+        if (key)
+            m_manager.addConfigurationObject(object, name, *key);
+        else
+            m_manager.addConfigurationObject(object, name);
+    }
+    const std::string expected = describe(oneByOne);
+    m_manager.reset();
+    useTwoFiles();
+    const auto batch = makeObjects();
+    m_manager.addConfigurationObjects(batch);
+    EXPECT_EQ(expected, describe(batch));
+    EXPECT_EQ(batch[2].object.get(), m_manager.getConfigurationObject("P"));
+    EXPECT_EQ(batch[1].object.get(), m_manager.getConfigurationObject("B"));
+}
+
+TEST_F(ConfigurationManagerBatch, RefusesANullObject) {
+    EXPECT_THROW(m_manager.addConfigurationObjects({{nullptr, "Null"}}), std::invalid_argument);
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Null"));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+}
+
+TEST_F(ConfigurationManagerBatch, DoesNothingForNoObjects) {
+    m_manager.addConfigurationObjects({});
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject(""));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <VersionControl/BuildInformation.h>
 
 #include <TestSupport.h>
 
@@ -52,20 +51,6 @@ protected:
 
 private:
     const std::list<std::string> m_formerVersions = m_manager.getValidVersions();
-};
-
-/// Makes another product the running one while it is in scope.
-class RunningProduct {
-public:
-    explicit RunningProduct(BuildInformation::ProductType product) {
-        BuildInformation::setProductType(product);
-    }
-    RunningProduct(const RunningProduct&) = delete;
-    RunningProduct& operator=(const RunningProduct&) = delete;
-    ~RunningProduct() { BuildInformation::setProductType(m_former); }
-
-private:
-    BuildInformation::ProductType m_former = BuildInformation::getProductType();
 };
 
 } // namespace Orvant::Support

@@ -3,32 +3,13 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 #include <FileHandling/FileName.h>
-#include <VersionControl/BuildInformation.h>
+
+#include <TestSupport.h>
 
 #include <regex>
 #include <string>
 
 namespace Orvant::Support {
-
-/// Makes the process run as a product while it is in scope.
-class RunningProduct {
-public:
-    explicit RunningProduct(BuildInformation::ProductType product)
-        : m_former(BuildInformation::getProductType()) {
-        BuildInformation::setProductType(product);
-    }
-    RunningProduct(const RunningProduct&) = delete;
-    RunningProduct& operator=(const RunningProduct&) = delete;
-    ~RunningProduct() { BuildInformation::setProductType(m_former); }
-
-private:
-    BuildInformation::ProductType m_former;
-};
-
-/// @return a configuration document with these elements
-inline std::string document(const std::string& elements) {
-    return "<Configuration version=\"1.0\">" + elements + "</Configuration>";
-}
 
 /// @return a reader of a document with these elements
 inline SimpleConfigReader readerOf(const std::string& elements) {

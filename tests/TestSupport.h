@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ConfigurationValue.h>
 #include <FileHandling/FileName.h>
+#include <VersionControl/BuildInformation.h>
 
 #include <filesystem>
 #include <functional>
@@ -40,6 +41,21 @@ std::string withoutFormatting(const std::string& text);
 
 /// @return a document of version 1.0 that holds the contents
 std::string document(const std::string& contents);
+
+/// Makes the process run as a product while it is in scope.
+class RunningProduct {
+public:
+    explicit RunningProduct(BuildInformation::ProductType product)
+        : m_former(BuildInformation::getProductType()) {
+        BuildInformation::setProductType(product);
+    }
+    RunningProduct(const RunningProduct&) = delete;
+    RunningProduct& operator=(const RunningProduct&) = delete;
+    ~RunningProduct() { BuildInformation::setProductType(m_former); }
+
+private:
+    BuildInformation::ProductType m_former;
+};
 
 /// Gathers what goes to the error log of a name ("SimpleConfigReader", "ConfigWriter", ...) while
 /// it is in scope.
