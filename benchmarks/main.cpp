@@ -16,17 +16,21 @@ std::string dotted(int major, int minor, int patch) {
     return std::to_string(major) + '.' + std::to_string(minor) + '.' + std::to_string(patch);
 }
 
+/// Names for the report what was measured.
+void addVersion(const std::string& name, const std::string& version) {
+    benchmark::AddCustomContext("version of " + name, version);
+}
+
 void addVersions() {
-    using benchmark::AddCustomContext;
-    AddCustomContext("Compiler", std::string("GCC ") + __VERSION__);
-    AddCustomContext("Xerces-C++", XERCES_FULLVERSIONDOT);
-    AddCustomContext("KConfig", KCONFIG_VERSION_STRING);
-    AddCustomContext("Qt", qVersion());
-    AddCustomContext(
-        "Boost", dotted(BOOST_VERSION / 100'000, BOOST_VERSION / 100 % 1'000, BOOST_VERSION % 100));
-    AddCustomContext("pugixml", dotted(PUGIXML_VERSION / 1'000, PUGIXML_VERSION / 10 % 100,
-                                       PUGIXML_VERSION % 10));
-    AddCustomContext("libxml2", LIBXML_DOTTED_VERSION);
+    addVersion("GCC", __VERSION__);
+    addVersion("Xerces-C++", XERCES_FULLVERSIONDOT);
+    addVersion("KConfig", KCONFIG_VERSION_STRING);
+    addVersion("Qt", qVersion());
+    addVersion("Boost",
+               dotted(BOOST_VERSION / 100'000, BOOST_VERSION / 100 % 1'000, BOOST_VERSION % 100));
+    addVersion("pugixml",
+               dotted(PUGIXML_VERSION / 1'000, PUGIXML_VERSION / 10 % 100, PUGIXML_VERSION % 10));
+    addVersion("libxml2", LIBXML_DOTTED_VERSION);
 }
 
 } // namespace
