@@ -54,7 +54,8 @@ def read(file):
     with open(file, encoding="utf-8") as text:
         results = json.load(text)
     samples = {}
-    for run in results["benchmarks"]:
+    # In the order of the program, which the mixed run does not keep.
+    for run in sorted(results["benchmarks"], key=lambda run: run["family_index"]):
         if run.get("error_occurred"):
             sys.exit(f"{run['name']}: {run['error_message']}")
         if run["run_type"] != "iteration":
@@ -110,12 +111,13 @@ def comparison(subject, counted, results):
         row = [contestant]
         for size in sizes:
             value = of_subject.get((contestant, size))
-            ratio = "" if value is None or contestant == LIBRARY else \
+            ratio = "" if value is None or contestant.startswith(LIBRARY) else \
                 f" ({number(of_subject[LIBRARY, size] / value)})"
             row.append("" if value is None else number(value) + ratio)
         rows.append(row)
     print(f"\n## {subject}, {counted}\n")
-    table([""] + [size.replace("x", " × ") for size in sizes], rows)
+    table([""] + [" × ".join(f"{int(count):,}" for count in size.split("x")) for size in sizes],
+          rows)
 
 
 def growth(results):
