@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing.
-# usage: bootstrap.sh GROUP...   (build, test, check)
+# usage: bootstrap.sh GROUP...   (build, test, check, benchmark)
 set -euo pipefail
 
 packages=()
@@ -9,6 +9,8 @@ for group in "$@"; do
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
                       libspdlog-dev xsdcxx libxml2-utils) ;;
     test) packages+=(libgtest-dev libgmock-dev) ;;
+    benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
+                          libxml2-dev python3) ;;
     check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19) ;;
     *) echo "bootstrap.sh: no such group: $group" >&2; exit 2 ;;
     esac

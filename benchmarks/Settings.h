@@ -1,0 +1,74 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <variant>
+#include <vector>
+
+// The settings that are measured: objects with the same values, the seven types in turn.
+
+namespace Orvant::Benchmarks {
+
+using Texts = std::vector<std::string>;
+using Value = std::variant<bool, int, unsigned int, float, double, std::string, Texts>;
+
+/// How many objects there are, and how many values each has.
+struct Shape {
+    std::size_t objects;
+    std::size_t values;
+};
+
+inline constexpr std::array shapes{Shape{60, 15}, Shape{1'000, 20}, Shape{5'000, 40}};
+
+/// @return the shape as the names of benchmarks end: "1000x20"
+std::string toString(Shape shape);
+
+const std::string& objectName(std::size_t object);
+const std::string& valueName(std::size_t value);
+
+/// What a value is set to, different in each edition.
+/// @param edition `systemEdition`, `userEdition`, or a higher number for a later change
+Value valueOf(std::size_t object, std::size_t value, unsigned int edition);
+inline constexpr unsigned int systemEdition = 0;
+inline constexpr unsigned int userEdition = 1;
+
+/// @return true for the tenth of the values, some in each object, that the user's layer sets
+constexpr bool isOverridden(std::size_t object, std::size_t value) {
+    return (object + value) % 10 == 0;
+}
+
+/// The value that is read or changed where one is, an int.
+struct Probe {
+    std::size_t object;
+    std::size_t value;
+};
+constexpr Probe probeOf(Shape shape) {
+    return {shape.objects / 2, 1};
+}
+
+/// Calls back with each object and value.
+template <typename Callback>
+void forEachValue(Shape shape, Callback callback) {
+    for (std::size_t object = 0; object < shape.objects; ++object)
+        for (std::size_t value = 0; value < shape.values; ++value)
+            callback(object, value);
+}
+
+/// @name Weights: two loads of the same settings weigh the same
+/// @{
+template <typename Number>
+    requires std::is_arithmetic_v<Number>
+double weightOf(Number number) {
+    return static_cast<double>(number);
+}
+template <typename Text>
+    requires requires(const Text& text) { text.size(); }
+double weightOf(const Text& text) {
+    return static_cast<double>(text.size());
+}
+/// @return weight of both layers, the user's over the system's
+double expectedWeight(Shape shape);
+/// @}
+
+} // namespace Orvant::Benchmarks

@@ -1,0 +1,107 @@
+#include "SettingsFiles.h"
+
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+
+#include <stdlib.h>
+
+namespace Orvant::Benchmarks {
+
+namespace {
+
+enum class Layer { System, User };
+
+/// Calls back with what the layer holds: at the begin of an object and at each value.
+template <typename BeginObject, typename EndObject, typename PutValue>
+void forEachHeld(Shape shape, Layer layer, BeginObject begin, PutValue put, EndObject end) {
+    for (std::size_t object = 0; object < shape.objects; ++object) {
+        begin(objectName(object));
+        for (std::size_t value = 0; value < shape.values; ++value) {
+            if (layer == Layer::System)
+                put(valueName(value), valueOf(object, value, systemEdition));
+            else if (isOverridden(object, value))
+                put(valueName(value), valueOf(object, value, userEdition));
+        }
+        end(objectName(object));
+    }
+}
+
+struct XmlText {
+    std::ostream& out;
+
+    void operator()(const Texts& texts) const {
+        for (const std::string& text : texts)
+            out << "\n      <item>" << text << "</item>";
+        out << "\n    ";
+    }
+    void operator()(const auto& scalar) const { out << scalar; }
+};
+
+struct IniText {
+    std::ostream& out;
+
+    void operator()(const Texts& texts) const {
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            out << (i == 0 ? "" : ",") << texts[i];
+    }
+    void operator()(const auto& scalar) const { out << scalar; }
+};
+
+void writeXml(const std::string& file, Shape shape, Layer layer) {
+    std::ofstream out(file);
+    out << std::boolalpha << "<Configuration version=\"" << documentVersion << "\">\n";
+    forEachHeld(
+        shape, layer, [&](const std::string& object) { out << "  <" << object << ">\n"; },
+        [&](const std::string& name, const Value& value) {
+            out << "    <" << name << '>';
+            std::visit(XmlText{out}, value);
+            out << "</" << name << ">\n";
+        },
+        [&](const std::string& object) { out << "  </" << object << ">\n"; });
+    out << "</Configuration>\n";
+}
+
+void writeIni(const std::string& file, Shape shape, Layer layer) {
+    std::ofstream out(file);
+    out << std::boolalpha;
+    forEachHeld(
+        shape, layer, [&](const std::string& object) { out << '[' << object << "]\n"; },
+        [&](const std::string& name, const Value& value) {
+            out << name << '=';
+            std::visit(IniText{out}, value);
+            out << '\n';
+        },
+        [&](const std::string&) { out << '\n'; });
+}
+
+std::filesystem::path makeDirectory() {
+    std::string name = (std::filesystem::temp_directory_path() / "settings-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+        throw std::runtime_error("No directory for the settings files");
+    return name;
+}
+
+} // namespace
+
+SettingsFiles::SettingsFiles(Shape shape) : m_shape(shape), m_directory(makeDirectory()) {
+    std::filesystem::create_directory(systemDirectory());
+    std::filesystem::create_directory(userDirectory());
+    writeXml(systemXml(), shape, Layer::System);
+    writeXml(userXml(), shape, Layer::User);
+    writeIni(systemIni(), shape, Layer::System);
+    writeIni(userIni(), shape, Layer::User);
+}
+
+SettingsFiles::~SettingsFiles() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_directory, ignored);
+}
+
+const SettingsFiles& sharedFiles(Shape shape) {
+    static std::map<std::string, SettingsFiles> s_files;
+    return s_files.try_emplace(toString(shape), shape).first->second;
+}
+
+} // namespace Orvant::Benchmarks

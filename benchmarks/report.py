@@ -1,0 +1,152 @@
+#!/usr/bin/env python3
+"""Turns the results of the benchmarks into docs/performance.md.
+
+usage: report.py RESULTS.json >performance.md
+"""
+
+import json
+import platform
+import statistics
+import sys
+
+LIBRARY = "this library"
+DOM = "XercesDOMParser, parsing only"
+MIDDLE = "1000x20"
+
+# What the library is to reach: figures of one measurement, how they divide, and the limit.
+LOAD = ("Load", LIBRARY, MIDDLE)
+SAVE = "Save one changed value"
+OPEN = "Memory held by the open system file"
+TARGETS = [
+    ("load 1,000 × 20, against XercesDOMParser parsing the same two files",
+     LOAD, ("Load", DOM, MIDDLE), 0.35),
+    ("the same, against KConfig", LOAD, ("Load", "KConfig", MIDDLE), 1.0),
+    ("the same, against QSettings", LOAD, ("Load", "QSettings", MIDDLE), 0.6),
+    ("the same, against Boost.PropertyTree", LOAD, ("Load", "Boost.PropertyTree", MIDDLE), 0.4),
+    ("save one changed value of 1,000 × 20, against KConfig's sync of one changed entry",
+     (SAVE, LIBRARY, MIDDLE), (SAVE, "KConfig", MIDDLE), 1.5),
+    ("memory held by an open reader, against the Xerces DOM of the same file",
+     (OPEN, LIBRARY, MIDDLE), (OPEN, "XercesDOMParser", MIDDLE), 0.4),
+]
+GROWTH_LIMIT = 12
+
+HEAD = """# Performance
+
+Written by `scripts/benchmark.sh`, which measures this library beside others that applications keep
+their settings with, in one process and on the same generated settings: a system file and a user file
+that overrides a tenth of it, each of so many objects × so many values, the seven types in turn.
+
+Times are medians of the processor time in milliseconds, the files being in memory. A figure in
+parentheses is this library's divided by the one before it: below 1, this library takes less. Only
+the figures of one run compare.
+
+- *Load*: from nothing to typed values of both layers; the library's objects are made, registered
+  in one batch and loaded. INI files for KConfig and QSettings, XML for the others. QSettings,
+  Boost.PropertyTree and pugixml do not layer: the benchmark asks the user's file, then the system's.
+- *Save*: into the user's file, from settings that are loaded. The library compares with the system
+  file, which it reads for that. KConfig and QSettings also wait for the disk, which is not counted.
+- *Memory*: what the whole process takes from the heap.
+"""
+
+
+def read(file):
+    """The results by (subject, contestant, size): a dictionary of medians by what was counted."""
+    with open(file, encoding="utf-8") as text:
+        results = json.load(text)
+    samples = {}
+    # In the order of the program, which the mixed run does not keep.
+    for run in sorted(results["benchmarks"], key=lambda run: run["family_index"]):
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        if run["run_type"] != "iteration":
+            continue
+        counters = {name: value for name, value in run.items() if " " in name}
+        figures = samples.setdefault(tuple(run["run_name"].split("/")[:3]), {})
+        for name, value in (counters or {"ms": run["cpu_time"]}).items():
+            figures.setdefault(name, []).append(value)
+    medians = {key: {name: statistics.median(values) for name, values in figures.items()}
+               for key, figures in samples.items()}
+    return results["context"], medians
+
+
+def number(value):
+    return f"{value:,.0f}" if value >= 100 else f"{value:.3g}"
+
+
+def table(header, rows):
+    for row in [header, ["---"] * len(header), *rows]:
+        print("| " + " | ".join(row) + " |")
+
+
+def machine(context):
+    with open("/proc/cpuinfo", encoding="utf-8") as lines:
+        models = [line.split(":")[1].strip() for line in lines if line.startswith("model name")]
+    versions = [f"{name.removeprefix('version of ')} {version}"
+                for name, version in context.items() if name.startswith("version of ")]
+    print("\nMeasured on", f"{models[0] if models else platform.machine()},",
+          f"{context['num_cpus']} cores, {platform.freedesktop_os_release()['PRETTY_NAME']},",
+          "with\n" + ", ".join(versions) + ".")
+
+
+def targets(results, growths):
+    rows = []
+    for text, mine, theirs, limit in TARGETS:
+        ratio = next(iter(results[mine].values())) / next(iter(results[theirs].values()))
+        rows.append((text, ratio, limit))
+    worst = max(growths, key=growths.get)
+    rows.append((f"time for 10 times the input; most: {worst}", growths[worst], GROWTH_LIMIT))
+    print("\n## Targets\n")
+    table(["", "at most", "is", ""],
+          [[text, str(limit), number(ratio), "reached" if ratio <= limit else "**not reached**"]
+           for text, ratio, limit in rows])
+
+
+def comparison(subject, counted, results):
+    """Contestants below each other, sizes side by side."""
+    of_subject = {key[1:]: figures[counted] for key, figures in results.items()
+                  if key[0] == subject}
+    sizes = list(dict.fromkeys(size for _, size in of_subject))
+    rows = []
+    for contestant in dict.fromkeys(name for name, _ in of_subject):
+        row = [contestant]
+        for size in sizes:
+            value = of_subject.get((contestant, size))
+            ratio = "" if value is None or contestant.startswith(LIBRARY) else \
+                f" ({number(of_subject[LIBRARY, size] / value)})"
+            row.append("" if value is None else number(value) + ratio)
+        rows.append(row)
+    print(f"\n## {subject}, {counted}\n")
+    table([""] + [" × ".join(f"{int(count):,}" for count in size.split("x")) for size in sizes],
+          rows)
+
+
+def growth(results):
+    """Prints each operation on an input and on one ten times as large; returns the factors."""
+    times = {}
+    for (subject, what, size), figures in results.items():
+        if subject == "Growth":
+            times.setdefault(what, {})[int(size)] = figures["ms"]
+    rows = []
+    factors = {}
+    for what, by_size in times.items():
+        (size, time), (_, tenfold) = sorted(by_size.items())
+        factors[what] = tenfold / time
+        rows.append([what, f"{size:,}", number(time), number(tenfold), number(factors[what])])
+    return factors, rows
+
+
+def main():
+    context, results = read(sys.argv[1])
+    factors, growth_rows = growth(results)
+    print(HEAD, end="")
+    machine(context)
+    targets(results, factors)
+    subjects = {(key[0], counted): None for key, figures in results.items()
+                for counted in figures if key[0] != "Growth"}
+    for subject, counted in subjects:
+        comparison(subject, counted, results)
+    print("\n## Growth, ms\n")
+    table(["", "of", "time", "of 10 times as many", "factor"], growth_rows)
+
+
+main()
