@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace Orvant {
 namespace {
@@ -673,6 +674,14 @@ TEST_P(ConfigWriterObjectOperation, ComesBackWhenTheObjectThrows) {
 TEST(ConfigWriterObjects, PassOnWhatTheyThrowInPlace) {
     ConfigWriter writer("1.0");
     EXPECT_THROW(writer.putClassContents(ThrowingObject()), std::runtime_error);
+}
+
+TEST(ConfigWriterOutput, IsNotWrittenToAPipe) {
+    const Support::TemporaryDirectory directory;
+    const FileName pipe = directory.file("pipe");
+    ASSERT_EQ(0, mkfifo(pipe.toNativeString().c_str(), 0600));
+    ConfigWriter writer("1.0");
+    EXPECT_FALSE(writer.saveToFile(pipe));
 }
 
 } // namespace

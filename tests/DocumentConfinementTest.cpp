@@ -284,5 +284,28 @@ INSTANTIATE_TEST_SUITE_P(
                                    "%a;")}),
     Support::nameOf<BombCase>);
 
+TEST(DocumentConfinement, RefusesToEditWhatReferencesMakeTooLarge) {
+    std::string references;
+    for (int i = 0; i < 1'100; ++i)
+        references += "&e;";
+    const std::string document = Support::configuration(
+        "<S>" + references + "</S>", "<!ENTITY e '" + std::string(10'000, 'x') + "'>");
+    try {
+        const ConfigWriter writer(FileName(), document);
+        ADD_FAILURE() << "was opened";
+    } catch (ConfigException& refused) {
+        EXPECT_EQ(ConfigException::InvalidDocument, refused.getType());
+    }
+    auto reader = Support::openString(document);
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.tagExists("S"));
+}
+
+TEST(DocumentConfinement, TellsTheLogWhatItDidNotOpen) {
+    const Support::LogCapture log("DocumentParsing");
+    Support::openString("<!DOCTYPE Configuration SYSTEM 'elsewhere.dtd'>"
+                        "<Configuration version='1.0'/>");
+    EXPECT_THAT(log.text(), testing::HasSubstr("Not opened: elsewhere.dtd"));
+}
+
 } // namespace
 } // namespace Orvant

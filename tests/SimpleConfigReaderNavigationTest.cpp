@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include <locale>
 #include <stdexcept>
 
@@ -814,6 +816,41 @@ TEST(CreateConfigurationObjects, ReleasesTheCallbackAtItsEnd) {
     std::function<void(std::string)> callback = [token](const std::string&) {};
     reader.createConfigurationObjects("P", std::move(callback));
     EXPECT_EQ(1, token.use_count());
+}
+
+TEST(SimpleConfigReader, OverwritesUnsignedAndFloatEvenWhereNothingIsRead) {
+    SimpleConfigReader reader(FileName(), "<Configuration/>", {""});
+    bool editable = true;
+    unsigned int first = 7;
+    unsigned int second = 8;
+    EXPECT_EQ(ConfigurationAccessResult::Failure, reader.getUnsignedInt("A", first, editable));
+    EXPECT_EQ(ConfigurationAccessResult::Failure, reader.getUnsignedInt("A", second, editable));
+    EXPECT_EQ(first, second);
+    float firstFloat = 7.0F;
+    float secondFloat = 8.0F;
+    EXPECT_EQ(ConfigurationAccessResult::Failure, reader.getFloat("A", firstFloat, editable));
+    EXPECT_EQ(ConfigurationAccessResult::Failure, reader.getFloat("A", secondFloat, editable));
+    EXPECT_EQ(firstFloat, secondFloat);
+}
+
+TEST(SimpleConfigReader, NarrowsADoubleBeyondTheRangeOfAFloat) {
+    SimpleConfigReader reader(FileName(), "<Configuration><A>1e300</A></Configuration>", {""});
+    bool editable = true;
+    float value = 0.0F;
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.getFloat("A", value, editable));
+    EXPECT_TRUE(std::isinf(value));
+}
+
+TEST(SimpleConfigReader, TakesTheFirstElementWithoutAKeyForTheEmptyKey) {
+    SimpleConfigReader reader(FileName(),
+                              "<Configuration><A key='k'>1</A><A key=''>2</A><A>3</A>"
+                              "</Configuration>",
+                              {""});
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.setCurrentKeyedNode("A", ""));
+    std::string value;
+    bool editable = true;
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.getString(value, editable));
+    EXPECT_EQ("2", value);
 }
 
 } // namespace

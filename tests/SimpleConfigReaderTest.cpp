@@ -6,6 +6,10 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <map>
+#include <sstream>
+
 #include <fstream>
 
 #include <sys/stat.h>
@@ -352,6 +356,51 @@ TEST(SimpleConfigReader, TakesRelativeNamesFromTheCurrentDirectory) {
     const CurrentDirectory other(directory.path());
     auto reader = openFile("settings.xml");
     EXPECT_EQ(42, readInt(reader, "Answer"));
+}
+
+/// Refusals that no document brings about keep their lines and columns too.
+TEST(SimpleConfigReader, HasEveryRefusalAtItsLineAndColumn) {
+    std::istringstream source(Support::readFile(TEST_DATA_DIR
+                                                "/../../AppTools/Service/ConfigurationFramework/"
+                                                "SimpleConfigReaderImpl.cpp"));
+    std::map<int, std::size_t> columns;
+    int line = 0;
+    for (std::string text; std::getline(source, text); ++line) {
+        if (text.starts_with("#line "))
+            line = std::stoi(text.substr(6)) - 1;
+        else if (text.find("throw refusedDocument(") != std::string::npos)
+            columns[line] = text.find('(') + 1;
+    }
+    const std::map<int, std::size_t> expected = {{88, 38},  {95, 34},  {101, 34}, {107, 34},
+                                                 {131, 34}, {138, 34}, {146, 30}, {153, 30},
+                                                 {161, 30}, {170, 30}, {176, 30}, {185, 30}};
+    EXPECT_EQ(expected, columns);
+}
+
+TEST(SimpleConfigReader, OpensADocumentThatBreaksItsOwnDtd) {
+    const std::string document = "<!DOCTYPE Configuration [<!ELEMENT Configuration EMPTY>]>"
+                                 "<Configuration version='1.0'><undeclared:A>5</undeclared:A>"
+                                 "</Configuration>";
+    SimpleConfigReader reader(FileName(), document, {"1.0"});
+    int value = 0;
+    bool editable = true;
+    EXPECT_EQ(ConfigurationAccessResult::Success, reader.getInt("undeclared:A", value, editable));
+    EXPECT_EQ(5, value);
+}
+
+TEST(SimpleConfigReader, RefusesAFileThatTheMemoryCannotHold) {
+    const Support::TemporaryDirectory directory;
+    const FileName file = directory.file("huge.xml", "<Configuration/>");
+    std::error_code error;
+    std::filesystem::resize_file(directory.path() / "huge.xml", std::uintmax_t{1} << 42U, error);
+    if (error)
+        return; // A file system without sparse files cannot hold it either.
+    try {
+        const SimpleConfigReader reader(file, "", {"1.0"});
+        ADD_FAILURE() << "was opened";
+    } catch (ConfigException& refused) {
+        EXPECT_EQ(ConfigException::InvalidDocument, refused.getType());
+    }
 }
 
 } // namespace

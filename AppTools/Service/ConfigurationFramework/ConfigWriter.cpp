@@ -10,6 +10,7 @@
 
 #include <array>
 #include <charconv>
+#include <filesystem>
 
 namespace Orvant {
 
@@ -47,11 +48,18 @@ private:
     xercesc::DOMElement* m_saved;
 };
 
-bool writeFile(const FileName& file, const std::string& bytes) {
-    OvOfstream out(file, std::ios::out | std::ios::trunc, OvOfstream::NoByteOrderMark);
+bool writeFile(const FileName& file, const std::string& bytes, std::ios::openmode extraMode = {}) {
+    OvOfstream out(file, std::ios::out | std::ios::trunc | extraMode, OvOfstream::NoByteOrderMark);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     out.close();
     return !out.fail();
+}
+
+/// Opening a pipe for writing would keep the application waiting for ever.
+bool waitsForReader(const FileName& file) {
+    const std::string native = file.toNativeString();
+    std::error_code error;
+    return std::filesystem::is_fifo(std::u8string(native.begin(), native.end()), error);
 }
 
 } // namespace
@@ -217,14 +225,14 @@ std::string ConfigWriter::getAsString() {
 
 bool ConfigWriter::saveToFile(const FileName& file) try {
     const std::string text = getAsString();
-    if (text.empty())
+    if (text.empty() || waitsForReader(file))
         return false;
     const bool existed = FileUtilities::exists(file);
     const auto former = readRegularFile(file);
     if (writeFile(file, text))
         return true;
     if (former)
-        writeFile(file, *former);
+        writeFile(file, *former, std::ios::binary);
     else if (!existed)
         FileUtilities::remove(file);
     return false;

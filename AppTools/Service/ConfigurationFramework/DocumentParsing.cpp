@@ -3,6 +3,8 @@
 #include <ConfigurationFramework/RegularFile.h>
 
 #include <FileHandling/FileName.h>
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <Logging/Logging.h>
 #include <UnicodeTools/Transcode.h>
 #include <UnicodeTools/UnicodeTools.h>
 
@@ -18,6 +20,12 @@
 #include <xercesc/util/RuntimeException.hpp>
 
 namespace Orvant {
+
+namespace {
+
+const Logging s_log("DocumentParsing");
+
+} // namespace
 
 void* ExpansionCounter::allocate(XMLSize_t size) {
     // The scanner makes a reader for the document and one for each entity that it expands. In
@@ -43,6 +51,9 @@ ParserConfinement::ParserConfinement() : m_expansions(maxEntityReferences) {
 }
 
 xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh* systemId) {
+    s_log.logERROR("Not opened: " + XercesHelperFunctions::xmlChToString(systemId) +
+                       ", which a configuration document refers to",
+                   __FILE__, __func__, __LINE__);
     static constexpr XMLByte nothing[1] = {};
     return new xercesc::MemBufInputSource(nothing, 0, systemId);
 }

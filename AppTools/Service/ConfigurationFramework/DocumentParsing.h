@@ -36,8 +36,8 @@ private:
 
 /// Keeps a parser to the document that it is given: whatever is external (entities, a DTD) resolves
 /// to nothing, so that no file is read and no connection made, and more than
-/// `maxEntityReferences` entity references, wherever they stand, are a parse error, so that a
-/// document of a few lines cannot fill the memory. Must outlive the parser.
+/// `maxEntityReferences` entity references, wherever they stand, are a parse error. What is not
+/// opened is told in the error log. Must outlive the parser.
 class ParserConfinement : public xercesc::EntityResolver {
 public:
     static constexpr std::size_t maxEntityReferences = 10'000;

@@ -2,10 +2,14 @@
 
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include <xercesc/util/XercesDefs.hpp>
 
 namespace Orvant {
+
+static_assert(std::is_same_v<XMLCh, char16_t>,
+              "Xerces-C++ must be built with char16_t as its character type, which is its default");
 
 /// Text that an XML 1.0 document can hold.
 struct DocumentText {

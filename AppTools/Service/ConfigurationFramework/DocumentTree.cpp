@@ -46,6 +46,7 @@ void DocumentTree::startElement(Name name, const std::string& key, bool editable
 void DocumentTree::startEntityReference() {
     Node node;
     node.name = noName;
+    node.firstChild = FirstChild::Other; // Nobody can ask for its text.
     start(node);
 }
 
@@ -187,12 +188,15 @@ DocumentTree::Element DocumentTree::findInDocument(const std::string& name) cons
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name,
-                                                   const std::string& key) const {
+                                                   const std::string& key) {
+    const auto wanted = findName(name);
     const auto wantedKey = findKey(key);
-    Element element = wantedKey ? findInDocument(name) : none;
-    while (element != none && m_nodes[element].key != *wantedKey)
-        element = findBelow(root, element, name);
-    return element;
+    if (!wanted || !wantedKey)
+        return none;
+    if (m_firstWithKey.empty())
+        for (Element element = root + 1; element < m_nodes.size(); ++element)
+            m_firstWithKey.try_emplace(pair(m_nodes[element].name, m_nodes[element].key), element);
+    return lookUp(m_firstWithKey, pair(*wanted, *wantedKey));
 }
 
 } // namespace Orvant

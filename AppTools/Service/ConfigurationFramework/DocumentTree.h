@@ -68,7 +68,7 @@ public:
     /// @return first element of that tag below the root, or `none`
     Element findInDocument(const std::string& name) const;
     /// @return first element of that tag and key below the root, or `none`
-    Element findInDocument(const std::string& name, const std::string& key) const;
+    Element findInDocument(const std::string& name, const std::string& key);
 
     /// Calls back with each child of that tag, in order.
     template <typename Callback>
@@ -120,6 +120,7 @@ private:
     std::vector<const std::string*> m_keyTexts; ///< by key
     std::vector<Element> m_open;
     std::unordered_map<Element, ChildIndex> m_indexes;
+    std::unordered_map<std::uint64_t, Element> m_firstWithKey; ///< below the root, made when needed
 };
 
 } // namespace Orvant

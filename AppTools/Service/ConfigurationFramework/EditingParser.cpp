@@ -6,10 +6,24 @@
 
 namespace Orvant {
 
+namespace {
+
+constexpr std::size_t maxReferencedText = 10'000'000;
+
+} // namespace
+
 void EditingParser::goDeeper() {
     // The scanner makes a parse error of it.
     if (++m_depth > maxWrittenDepth)
         ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
+}
+
+void EditingParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+    if (m_openReferences > 0)
+        m_textLength += length;
+    if (m_textLength > maxReferencedText)
+        ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
+    XercesDOMParser::docCharacters(text, length, isCData);
 }
 
 void EditingParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,

@@ -6,8 +6,9 @@
 
 namespace Orvant {
 
-/// The parser of a document that is edited: refuses elements that are nested too deeply within an
-/// entity reference, which Xerces walks by recursion, so that the stack would overflow.
+/// The parser of a document that is edited: refuses what entity references make too large for the
+/// memory, and elements that are nested too deeply within one, which Xerces walks by recursion, so
+/// that the stack would overflow.
 class EditingParser : public xercesc::XercesDOMParser {
 public:
     using XercesDOMParser::XercesDOMParser;
@@ -20,11 +21,14 @@ public:
     void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
     void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
 
+    void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override;
+
 private:
     void goDeeper();
 
     std::size_t m_openReferences = 0;
-    std::size_t m_depth = 0; ///< of references and of elements within them
+    std::size_t m_depth = 0;      ///< of references and of elements within them
+    std::size_t m_textLength = 0; ///< of all text in references
 };
 
 } // namespace Orvant

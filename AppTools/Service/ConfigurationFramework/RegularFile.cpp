@@ -4,10 +4,12 @@
 #include <FileHandling/OvFstream.h>
 
 #include <filesystem>
+#include <new>
+#include <stdexcept>
 
 namespace Orvant {
 
-std::optional<std::string> readRegularFile(const FileName& file) {
+std::optional<std::string> readRegularFile(const FileName& file) try {
     const std::string native = file.toNativeString();
     const std::filesystem::path path(std::u8string(native.begin(), native.end()));
     std::error_code error;
@@ -23,6 +25,10 @@ std::optional<std::string> readRegularFile(const FileName& file) {
         return std::nullopt;
     bytes.resize(static_cast<std::size_t>(in.gcount()));
     return bytes;
+} catch (const std::bad_alloc&) {
+    return std::nullopt;
+} catch (const std::length_error&) {
+    return std::nullopt;
 }
 
 } // namespace Orvant

@@ -7,7 +7,10 @@ namespace fs = std::filesystem;
 bool FileUtilities::exists(const FileName& file, bool asDirectory) {
     std::error_code error;
     const fs::file_status status = fs::status(file.toPath(), error);
-    return asDirectory ? fs::is_directory(status) : fs::exists(status);
+    if (asDirectory)
+        return fs::is_directory(status);
+    // A file on a disk that does not answer may well be there.
+    return fs::status_known(status) ? fs::exists(status) : error != std::errc::filename_too_long;
 }
 
 bool FileUtilities::remove(const FileName& file) {

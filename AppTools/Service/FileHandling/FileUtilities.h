@@ -17,7 +17,8 @@ class ORVANT_FILEHANDLING_EXPORT FileUtilities {
 public:
     /// @param file        what to look for; links are followed
     /// @param asDirectory true when only a directory will do
-    /// @return true when something (a directory, with `asDirectory`) of that name is there
+    /// @return true when something (a directory, with `asDirectory`) of that name is there, or when
+    ///         the file system cannot tell
     static bool exists(const FileName& file, bool asDirectory = false);
 
     /// @return true when the file was there and is gone
