@@ -64,11 +64,22 @@ std::unique_ptr<OV_XsdReader::ov_schema> parse(const FileName& file) {
     return OV_XsdReader::schema_(in, xml_schema::flags::dont_validate);
 }
 
+/// @return false when there is no place for a file: one is there that cannot be removed, or there
+///         cannot be one of that name
+bool makePlace(const FileName& file) {
+    try {
+        if (!FileUtilities::exists(file, false))
+            return true;
+        return !FileUtilities::exists(file, true) && FileUtilities::remove(file);
+    } catch (const FileNameException&) {
+        return false;
+    }
+}
+
 /// Writes a schema as the model has it.
 /// @throws ConfigException when there is then no such file, and whatever the model throws
 void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {
-    if (FileUtilities::exists(file, false) &&
-        (FileUtilities::exists(file, true) || !FileUtilities::remove(file)))
+    if (!makePlace(file))
         throw ConfigException(ConfigException::SourceNotFound);
     OvOfstream out(file, std::ios::out | std::ios::binary, OvOfstream::NoByteOrderMark);
     if (!out.is_open())
