@@ -2,7 +2,18 @@
 
 #include <gmock/gmock.h>
 
+namespace Orvant::Support {
+
+struct ReplaceInFile {
+    using type = void (XsdConfigReader::*)(const FileName&, const std::string&, const std::string&);
+    friend type memberOf(ReplaceInFile);
+};
+template struct PrivateMember<ReplaceInFile, &XsdConfigReader::replaceInFile>;
+
+} // namespace Orvant::Support
+
 namespace Orvant {
+
 namespace {
 
 using namespace Support;
@@ -26,6 +37,35 @@ std::string written(const std::string& content, bool fixOutput = true) {
     reader.readXSD(false);
     reader.writeXSD(directory.file("written.xsd"), fixOutput);
     return readFile(directory.file("written.xsd"));
+}
+
+// One replacement.
+
+/// What a file of these bytes becomes; without any there is no file at first.
+std::string replacedIn(const std::optional<std::string>& bytes, const std::string& from,
+                       const std::string& to) {
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("file.txt");
+    if (bytes)
+        writeFile(file, *bytes);
+    directory.file(rewritingFile, "stale");
+    XsdConfigReader reader(file);
+    (reader.*memberOf(ReplaceInFile()))(file, from, to);
+    EXPECT_THAT(filesIn(directory), ElementsAre("file.txt"));
+    return readFile(file);
+}
+
+TEST(ReplaceInFile, ReplacesTheFirstOccurrenceInEachLine) {
+    EXPECT_EQ("[bab\nb\n[\n", replacedIn("abab\nb\na\n", "a", "["));
+    EXPECT_EQ("bab\n", replacedIn("abab", "a", ""));
+}
+
+TEST(ReplaceInFile, InsertsAtTheStartOfEachLineForNothing) {
+    EXPECT_EQ("[a\n[\n[b\n", replacedIn("a\n\nb", "", "["));
+}
+
+TEST(ReplaceInFile, TakesAFileThatCannotBeOpenedForEmpty) {
+    EXPECT_EQ("", replacedIn(std::nullopt, "a", "b"));
 }
 
 // Input.

@@ -117,6 +117,16 @@ inline Strings filesIn(const TemporaryDirectory& directory) {
     return names;
 }
 
+/// Gives a test a private member function: explicit instantiations may name one.
+///
+///     struct Update { using type = void (XsdElement::*)(); friend type memberOf(Update); };
+///     template struct PrivateMember<Update, &XsdElement::update>;
+///     (tree.*memberOf(Update()))();
+template <typename Tag, typename Tag::type Member>
+struct PrivateMember {
+    friend typename Tag::type memberOf(Tag) { return Member; }
+};
+
 /// A reader that has read a schema of the suite with these lines.
 class ReaderOfSchema : public XsdConfigReader {
 public:

@@ -4,6 +4,21 @@
 
 #include <type_traits>
 
+namespace Orvant::Support {
+
+struct DeleteComplexType {
+    using type = void (XsdElement::*)(const std::vector<std::string>&, bool);
+    friend type memberOf(DeleteComplexType);
+};
+struct DeleteSimpleType {
+    using type = void (XsdElement::*)(const std::vector<std::string>&, bool);
+    friend type memberOf(DeleteSimpleType);
+};
+template struct PrivateMember<DeleteComplexType, &XsdElement::deleteComplexType>;
+template struct PrivateMember<DeleteSimpleType, &XsdElement::deleteSimpleType>;
+
+} // namespace Orvant::Support
+
 namespace Orvant {
 
 namespace {
@@ -220,6 +235,36 @@ TEST(XsdElement, CopiesShareDocumentAndRecords) {
     EXPECT_EQ(1u, tree.getSchema()->complexType().size());
     EXPECT_THAT(typeNames(copy), ElementsAre("A"));
     EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+}
+
+// Deleting types from the document alone.
+
+/// Applies both operations to a schema of the complex types A, B, C and the simple types a, b, c.
+/// @return the names of the types that stay in the document
+Strings afterDeleting(const Strings& names, bool keep) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", "") + complexType("C", "") +
+                             simpleType("a") + simpleType("b") + simpleType("c"));
+    (tree.*memberOf(DeleteComplexType()))(names, keep);
+    (tree.*memberOf(DeleteSimpleType()))(names, keep);
+    EXPECT_EQ(6u, tree.getXsdTree().size());
+    Strings staying;
+    for (const auto& type : tree.getSchema()->complexType())
+        staying.push_back(*type.name());
+    for (const auto& type : tree.getSchema()->simpleType())
+        staying.push_back(*type.name());
+    return staying;
+}
+
+TEST(DeleteTypes, KeepsWhatIsListedOrTakesIt) {
+    EXPECT_THAT(afterDeleting({"B", "C", "a"}, true), ElementsAre("B", "C", "a"));
+    EXPECT_THAT(afterDeleting({"B", "C", "a"}, false), ElementsAre("A", "b", "c"));
+    EXPECT_THAT(afterDeleting({"x"}, true), IsEmpty());
+    EXPECT_THAT(afterDeleting({"x"}, false), ElementsAre("A", "B", "C", "a", "b", "c"));
+}
+
+TEST(DeleteTypes, EndsAfterTheFirstTypeForAnEmptyList) {
+    EXPECT_THAT(afterDeleting({}, true), ElementsAre("B", "C", "b", "c"));
+    EXPECT_THAT(afterDeleting({}, false), ElementsAre("A", "B", "C", "a", "b", "c"));
 }
 
 // keepElements: which types stay.

@@ -61,7 +61,8 @@ const xercesc::DOMAttr& wholeNumber(const xercesc::DOMAttr& attribute) {
 
 const xercesc::DOMElement& notTooDeep(const xercesc::DOMElement& element) {
     int depth = 0;
-    for (const xercesc::DOMNode* node = &element; node != nullptr; node = node->getParentNode())
+    for (const xercesc::DOMNode* node = element.getParentNode(); node != nullptr;
+         node = node->getParentNode())
         if (++depth > maxDepth)
             throwParsing("elements nest too deep");
     return element;

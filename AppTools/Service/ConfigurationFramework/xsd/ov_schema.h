@@ -21,6 +21,6 @@
 ///
 /// The functions schema_ parse a document and write one. They throw what is derived from
 /// xsd::cxx::exception: xsd::cxx::tree::parsing<char> for a document that is not well-formed, a
-/// minOccurs that is not a whole number and elements nested more than 512 deep;
+/// minOccurs that is not a whole number and a type that stands more than 512 elements deep;
 /// xsd::cxx::tree::unexpected_element<char> for another document element.
 namespace OV_XsdReader {}
