@@ -73,17 +73,17 @@ TEST_F(SchemaBadInput, TruncatedAtEveryByte) {
 
 TEST_F(SchemaBadInput, AnyByteReplaced) {
     const std::string whole = readFile(file);
-    for (std::size_t at = 0; at < whole.size(); ++at)
-        for (const char replacement : {'<', '"', '\0', '\xff', ' '}) {
-            std::string bytes = whole;
-            bytes[at] = replacement;
-            writeFile(file, bytes);
-            const auto failure = failureOf([&] { reader.readXSD(true); });
-            EXPECT_TRUE(!failure || failure == ConfigException::SourceNotFound ||
-                        failure == ConfigException::ParserReportedErrors)
-                << at;
-            ASSERT_EQ(bytes, readFile(file));
-        }
+    const std::string replacements("<\"\0\xff ", 5);
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        std::string bytes = whole;
+        bytes[at] = replacements[at % replacements.size()];
+        writeFile(file, bytes);
+        const auto failure = failureOf([&] { reader.readXSD(true); });
+        EXPECT_TRUE(!failure || failure == ConfigException::SourceNotFound ||
+                    failure == ConfigException::ParserReportedErrors)
+            << at;
+        ASSERT_EQ(bytes, readFile(file));
+    }
 }
 
 TEST_F(SchemaBadInput, Utf16) {
