@@ -1,0 +1,135 @@
+#pragma once
+
+#include <ConfigurationFramework/Export.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace OV_XsdReader {
+class ov_schema;
+}
+
+namespace Orvant {
+
+/// One child element of a type of a schema.
+///
+/// @code
+/// for (const auto& child : tree.getXsdTree().at("Axis")->children)
+///     std::cout << child->name << ": " << child->type
+///               << (child->minOccurs == 0 ? " (optional)" : "") << ", at most "
+///               << child->maxOccurs << '\n';
+/// @endcode
+struct XsdChildElementProperty {
+    std::string name;           ///< name of the element
+    std::string type;           ///< name of its type as the document writes it; may be empty
+    std::int32_t minOccurs = 0; ///< 1 where the document says nothing
+    /// Text of the document; "Unbounded" where it says nothing.
+    std::string maxOccurs = "Unbounded";
+};
+
+/// One type of a schema, by which a root element may be declared.
+///
+/// @code
+/// const auto axis = tree.getXsdTree().at("Axis");
+/// std::cout << axis->type << " has " << axis->children.size() << " children\n";
+/// for (const std::string& attribute : axis->attributes)
+///     std::cout << "  @" << attribute << '\n';
+/// @endcode
+struct XsdElementProperty {
+    /// Name of the root element of this type, the last one where there are several; without one,
+    /// the type's name for a simple type, empty for a complex type.
+    std::string name;
+    std::string type; ///< name of the type
+    /// Child elements in document order, those of the type's sequence before those of its
+    /// extension.
+    std::vector<std::shared_ptr<XsdChildElementProperty>> children;
+    std::int32_t minOccurs = 0;          ///< always 0
+    std::string maxOccurs = "Unbounded"; ///< always "Unbounded"
+    /// Names of the attributes in document order, those of the type's extension first.
+    std::vector<std::string> attributes;
+};
+
+/// The types and root elements of a schema, and filters that take out of it what is not wanted.
+///
+/// @code
+/// XsdElement tree(*OV_XsdReader::schema_(in, xml_schema::flags::dont_validate));
+/// for (const auto& root : tree.getRootElements())
+///     std::cout << root->name << ": " << root->type << '\n';
+/// tree.keepElements({"Machine"});
+/// OV_XsdReader::schema_(out, *tree.getSchema(), {}, "UTF-8");
+/// @endcode
+///
+/// Copies share the document. The types and root elements that a copy answers are those from before
+/// the last filter that was applied through another copy.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdElement {
+public:
+    /// An empty tree without a document; filters have no effect on it.
+    XsdElement();
+    /// @param schema document to describe and filter; it is copied
+    explicit XsdElement(const OV_XsdReader::ov_schema& schema);
+    XsdElement(const XsdElement&);
+    XsdElement& operator=(const XsdElement&);
+    virtual ~XsdElement();
+
+    /// @return the types of the root elements in document order; a root element whose type is not
+    ///         declared is left out, a type comes once for each of its root elements
+    std::vector<std::shared_ptr<XsdElementProperty>> getRootElements();
+
+    /// @return the declared types under their names; of two with one name, the first complex type
+    std::map<std::string, std::shared_ptr<XsdElementProperty>> getXsdTree();
+
+    /// @return the type of that name; null when it is not declared
+    std::shared_ptr<XsdElementProperty> findType(const std::string& name) const;
+
+    /// @return the document, shared with this tree; null for an empty tree
+    std::shared_ptr<OV_XsdReader::ov_schema> getSchema() const;
+
+    /// Takes away the types that are not wanted, and the optional children and root elements of
+    /// these types.
+    ///
+    /// What stays beside the listed types: the types of the required children of root elements;
+    /// and, for every type that stays, those of its required children and of its choices, its
+    /// base, and the types of its attributes. A root element does not keep its own type.
+    /// With no names at all, and no required child of a root element, just the first complex and
+    /// the first simple type go.
+    /// @param names names of the types to keep
+    void keepElements(const std::vector<std::string>& names);
+
+    /// Takes optional children (minOccurs="0") out of the first complex type of a name. Only the
+    /// children of its sequence and of its extension's sequence are looked at. No such type, no
+    /// effect.
+    /// @param typeName   name of the complex type
+    /// @param names      what to keep
+    /// @param byType     whether `names` are those of the children's types, not of the children
+    /// @param pruneTypes whether to take away the types that are then not reachable any more,
+    ///                   through children, attributes and bases, from a root element or this type
+    void keepChildElement(const std::string& typeName, const std::vector<std::string>& names,
+                          bool byType, bool pruneTypes);
+
+    /// Takes the attributes with use="optional" out of the first complex type of a name and its
+    /// extension.
+    /// @param typeName name of the complex type
+    /// @param names    names of the attributes to keep
+    void keepChildAttributes(const std::string& typeName, const std::vector<std::string>& names);
+
+private:
+    enum class Follow { RequiredChildren, AllChildren };
+
+    void update();
+    std::vector<std::string> requiredTypesOfRoots() const;
+    std::vector<std::string> typesOfRoots() const;
+    std::vector<std::string> findChildElements(const std::vector<std::string>& names,
+                                               Follow follow) const;
+    void keepOnly(const std::vector<std::string>& names);
+    void deleteComplexType(const std::vector<std::string>& names, bool keep);
+    void deleteSimpleType(const std::vector<std::string>& names, bool keep);
+
+    std::shared_ptr<OV_XsdReader::ov_schema> m_schema;
+    std::map<std::string, std::shared_ptr<XsdElementProperty>> m_types;
+    std::vector<std::shared_ptr<XsdElementProperty>> m_rootElements;
+};
+
+} // namespace Orvant
