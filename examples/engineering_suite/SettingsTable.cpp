@@ -88,9 +88,10 @@ void addRows(const std::string& place, const ConfigurationObject& object,
     auto systemChild = system.beginObjectIterator();
     auto userChild = user.beginObjectIterator();
     for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
-        const std::string& name = (*child)->getName();
-        addRows(name.empty() ? place : place + '/' + name, **child, **systemChild++, **userChild++,
-                objectLocked, rows);
+        std::string childPlace = place;
+        if (const std::string& name = (*child)->getName(); !name.empty())
+            childPlace.append("/").append(name);
+        addRows(childPlace, **child, **systemChild++, **userChild++, objectLocked, rows);
     }
 }
 

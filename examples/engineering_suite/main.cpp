@@ -28,11 +28,12 @@ std::vector<Registered> start(const Layers& layers) {
     manager.setSystemAndUserConfigurationFile(layers.systemFile, layers.userFile);
 
     std::vector<Registered> settings;
-    const auto add = [&](std::shared_ptr<ConfigurationObject> object) {
+    const auto add = [&](const std::shared_ptr<ConfigurationObject>& object) {
         manager.addConfigurationObject(object, object->getName());
         settings.push_back({object.get(), std::nullopt});
     };
-    const auto addKeyed = [&](std::shared_ptr<ConfigurationObject> object, const std::string& key) {
+    const auto addKeyed = [&](const std::shared_ptr<ConfigurationObject>& object,
+                              const std::string& key) {
         manager.addConfigurationObject(object, object->getName(), key);
         settings.push_back({object.get(), key});
     };

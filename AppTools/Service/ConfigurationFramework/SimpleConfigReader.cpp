@@ -2,8 +2,6 @@
 
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
-#include <utility>
-
 namespace Orvant {
 
 SimpleConfigReader::SimpleConfigReader(const FileName& file, const std::string& content,
@@ -122,7 +120,7 @@ ConfigurationAccessResult SimpleConfigReader::getKeys(const std::string& name,
 ConfigurationAccessResult
 SimpleConfigReader::createConfigurationObjects(const std::string& name,
                                                std::function<void(std::string)> callback) {
-    return m_impl->createConfigurationObjects(name, std::move(callback));
+    return m_impl->createConfigurationObjects(name, callback);
 }
 
 } // namespace Orvant

@@ -84,8 +84,7 @@ void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {
     OvOfstream out(file, std::ios::out | std::ios::binary, OvOfstream::NoByteOrderMark);
     if (!out.is_open())
         throw ConfigException(ConfigException::SourceNotFound);
-    const OV_XsdReader::ov_schema copy(schema);
-    OV_XsdReader::schema_(out, copy, xml_schema::namespace_infomap(), "UTF-8");
+    OV_XsdReader::schema_(out, schema, xml_schema::namespace_infomap(), "UTF-8");
     out.close();
     if (!out) {
         FileUtilities::remove(file);
