@@ -302,9 +302,9 @@ TEST(DocumentConfinement, RefusesToEditWhatReferencesMakeTooLarge) {
 
 TEST(DocumentConfinement, TellsTheLogWhatItDidNotOpen) {
     const Support::LogCapture log("DocumentParsing");
-    Support::openString("<!DOCTYPE Configuration SYSTEM 'elsewhere.dtd'>"
-                        "<Configuration version='1.0'/>");
-    EXPECT_THAT(log.text(), testing::HasSubstr("Not opened: elsewhere.dtd"));
+    Support::openString("<!DOCTYPE Configuration [<!ENTITY e SYSTEM 'file:///elsewhere.xml'>]>"
+                        "<Configuration version='1.0'>&e;</Configuration>");
+    EXPECT_THAT(log.text(), testing::HasSubstr("Not opened: file:///elsewhere.xml"));
 }
 
 } // namespace

@@ -388,7 +388,7 @@ TEST(SimpleConfigReader, OpensADocumentThatBreaksItsOwnDtd) {
     EXPECT_EQ(5, value);
 }
 
-TEST(SimpleConfigReader, RefusesAFileThatTheMemoryCannotHold) {
+TEST(SimpleConfigReader, RefusesAFileThatIsLargerThanAnySettings) {
     const Support::TemporaryDirectory directory;
     const FileName file = directory.file("huge.xml", "<Configuration/>");
     std::error_code error;

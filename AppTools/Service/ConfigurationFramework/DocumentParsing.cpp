@@ -15,6 +15,7 @@
 #include <xercesc/internal/XMLReader.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
@@ -28,13 +29,17 @@ const Logging s_log("DocumentParsing");
 } // namespace
 
 void* ExpansionCounter::allocate(XMLSize_t size) {
-    // The scanner makes a reader for the document and one for each entity that it expands. In
-    // Xerces, a block made with a memory manager carries a header.
-    static const XMLSize_t readerSize =
-        xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*)) +
-        sizeof(xercesc::XMLReader);
-    if (size == readerSize && std::exchange(m_hasDocument, true) && ++m_readers > m_limit)
+    // For the document and for each entity that it expands, the scanner makes a stream and then a
+    // reader. In Xerces, a block made with a memory manager carries a header. The stream is what is
+    // refused: a reader that is refused would leave its stream behind.
+    static const XMLSize_t header =
+        xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*));
+    if (size == header + sizeof(xercesc::BinMemInputStream) && m_expansions >= m_limit) {
+        m_isExceeded = true;
         throw xercesc::OutOfMemoryException();
+    }
+    if (size == header + sizeof(xercesc::XMLReader) && std::exchange(m_hasDocument, true))
+        ++m_expansions;
     return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
 }
 

@@ -20,7 +20,7 @@ public:
     explicit ExpansionCounter(std::size_t limit) : m_limit(limit) {}
 
     /// @return true when the limit was passed
-    bool isExceeded() const { return m_readers > m_limit; }
+    bool isExceeded() const { return m_isExceeded; }
 
     /// @throws xercesc::OutOfMemoryException when the limit is passed: what it takes to end the
     /// parse
@@ -30,8 +30,9 @@ public:
 
 private:
     std::size_t m_limit;
-    std::size_t m_readers = 0; ///< besides that of the document itself
+    std::size_t m_expansions = 0;
     bool m_hasDocument = false;
+    bool m_isExceeded = false;
 };
 
 /// Keeps a parser to the document that it is given: whatever is external (entities, a DTD) resolves

@@ -3,13 +3,18 @@
 #include <FileHandling/FileName.h>
 #include <FileHandling/OvFstream.h>
 
+#include <cstdint>
 #include <filesystem>
-#include <new>
-#include <stdexcept>
 
 namespace Orvant {
 
-std::optional<std::string> readRegularFile(const FileName& file) try {
+namespace {
+
+constexpr std::uintmax_t maxFileSize = std::uintmax_t{1} << 30U;
+
+} // namespace
+
+std::optional<std::string> readRegularFile(const FileName& file) {
     const std::string native = file.toNativeString();
     const std::filesystem::path path(std::u8string(native.begin(), native.end()));
     std::error_code error;
@@ -17,7 +22,7 @@ std::optional<std::string> readRegularFile(const FileName& file) try {
         return std::nullopt;
     const auto size = std::filesystem::file_size(path, error);
     OvIfstream in(file, std::ios::in | std::ios::binary);
-    if (error || !in.is_open())
+    if (error || size > maxFileSize || !in.is_open())
         return std::nullopt;
     std::string bytes(size, '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -25,10 +30,6 @@ std::optional<std::string> readRegularFile(const FileName& file) try {
         return std::nullopt;
     bytes.resize(static_cast<std::size_t>(in.gcount()));
     return bytes;
-} catch (const std::bad_alloc&) {
-    return std::nullopt;
-} catch (const std::length_error&) {
-    return std::nullopt;
 }
 
 } // namespace Orvant

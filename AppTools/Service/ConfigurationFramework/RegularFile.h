@@ -10,7 +10,7 @@ class FileName;
 /// Reads all bytes of a regular file. Nothing else is ever opened: a pipe or a device would keep
 /// the application waiting for ever.
 /// @return nothing when the name is not that of a regular file or it cannot be read or
-///         is larger than the memory
+///         is larger than 1 GiB, which no settings are
 /// @throws FileNameException for a name that no file system could hold
 std::optional<std::string> readRegularFile(const FileName& file);
 
