@@ -89,7 +89,8 @@ ConfigurationAccessResult AdvancedConfigReader::loadLayered(ConfigurationObject&
 void AdvancedConfigReader::integerateUserWithSystemConfig(
     Priority priority, ConfigurationObject& object,
     std::unique_ptr<ConfigurationObject>& systemCopy) {
-    if (priority == Priority::System)
+    // The copy is what a user's document is held against.
+    if (priority == Priority::System && m_sources.contains(Priority::User))
         systemCopy.reset(object.clone());
     else if (priority == Priority::User && systemCopy != nullptr)
         object.overwriteInvalidConfigValues(systemCopy.get());
@@ -162,10 +163,7 @@ ConfigurationAccessResult AdvancedConfigReader::getInt(const std::string& name, 
 
 ConfigurationAccessResult
 AdvancedConfigReader::getUnsignedInt(const std::string& name, unsigned int& value, bool& editable) {
-    int signedValue = 0;
-    const auto result = getInt(name, signedValue, editable);
-    value = static_cast<unsigned int>(signedValue);
-    return result;
+    return ConfigReader::getUnsignedInt(name, value, editable);
 }
 
 ConfigurationAccessResult AdvancedConfigReader::getDouble(const std::string& name, double& value,
@@ -185,10 +183,7 @@ ConfigurationAccessResult AdvancedConfigReader::getDoubleScientific(const std::s
 
 ConfigurationAccessResult AdvancedConfigReader::getFloat(const std::string& name, float& value,
                                                          bool& editable) {
-    double wideValue = 0.0;
-    const auto result = getDouble(name, wideValue, editable);
-    value = static_cast<float>(wideValue);
-    return result;
+    return ConfigReader::getFloat(name, value, editable);
 }
 
 ConfigurationAccessResult AdvancedConfigReader::getString(const std::string& name,

@@ -65,7 +65,8 @@ public:
     virtual ConfigurationAccessResult getInt(const std::string& name, int& value,
                                              bool& editable) = 0;
     /// Reads as getInt() does and takes the bits as unsigned: -1 is 4294967295.
-    /// On Failure `value` is overwritten all the same, with an unspecified number.
+    /// On Failure `value` is overwritten all the same, with an unspecified number. What readers
+    /// have in common is defined here for their overrides to call; the same with getFloat().
     virtual ConfigurationAccessResult getUnsignedInt(const std::string& name, unsigned int& value,
                                                      bool& editable) = 0;
     /// Reads a number in decimal or exponent notation, blanks before it and anything behind it

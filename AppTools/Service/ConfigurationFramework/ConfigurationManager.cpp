@@ -13,11 +13,17 @@ namespace Orvant {
 
 namespace {
 
+/// Calls with the name of a registration's element, and with its key where it has one.
+template <typename Call>
+auto withElement(const ConfigurationRegistration& registration, Call call) {
+    return registration.key ? call(registration.name, *registration.key) : call(registration.name);
+}
+
 ConfigurationAccessResult load(AdvancedConfigReader& reader,
                                const ConfigurationRegistration& registration) {
-    return registration.key
-               ? reader.getClassContents(registration.name, *registration.key, *registration.object)
-               : reader.getClassContents(registration.name, *registration.object);
+    return withElement(registration, [&](const auto&... element) {
+        return reader.getClassContents(element..., *registration.object);
+    });
 }
 
 /// The system configuration as an object asks for it while it is compared: it asks by its own name,
@@ -34,10 +40,9 @@ public:
                                                ConfigurationObject& object) override {
         if (name != m_registration->object->getName())
             return AdvancedConfigReader::getClassContents(name, object);
-        return m_registration->key
-                   ? AdvancedConfigReader::getClassContents(m_registration->name,
-                                                            *m_registration->key, object)
-                   : AdvancedConfigReader::getClassContents(m_registration->name, object);
+        return withElement(*m_registration, [&](const auto&... element) {
+            return AdvancedConfigReader::getClassContents(element..., object);
+        });
     }
 
 private:
@@ -48,6 +53,14 @@ std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::str
     // What the file holds of others survives.
     return FileUtilities::exists(file) ? std::make_unique<ConfigWriter>(file, "")
                                        : std::make_unique<ConfigWriter>(version);
+}
+
+/// Calls back with each registration whose object writes something.
+template <typename Objects, typename Write>
+void forEachWritten(const Objects& objects, Write write) {
+    for (const auto& [name, registration] : objects)
+        if (registration.object->writesContent())
+            write(registration);
 }
 
 /// Runs a save; whatever exception it meets leaves the file as it was.
@@ -227,14 +240,11 @@ bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
 
 bool ConfigurationManager::saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer,
                                                    const FileName& file) const {
-    for (const auto& [name, registered] : m_objects) {
-        if (!registered.object->writesContent())
-            continue;
-        if (registered.key)
-            writer->putClassContents(name, *registered.key, *registered.object, "");
-        else
-            writer->putClassContents(name, *registered.object, "");
-    }
+    forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
+        withElement(registration, [&](const auto&... element) {
+            writer->putClassContents(element..., *registration.object, "");
+        });
+    });
     return writer->saveToFile(file);
 }
 
@@ -242,16 +252,12 @@ bool ConfigurationManager::saveUserAndCompareWithSystemConfiguration(
     std::unique_ptr<ConfigWriter>& writer, const FileName& file) const {
     ReferenceReader reader;
     reader.addFileSource(m_systemFile, {}, AdvancedConfigReader::Priority::System, m_validVersions);
-    for (const auto& [name, registered] : m_objects) {
-        if (!registered.object->writesContent())
-            continue;
-        reader.setRegistration(registered);
-        if (registered.key)
-            writer->putOnlyDifferentClassContents(name, *registered.key, *registered.object, reader,
-                                                  "");
-        else
-            writer->putOnlyDifferentClassContents(name, *registered.object, reader, "");
-    }
+    forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
+        reader.setRegistration(registration);
+        withElement(registration, [&](const auto&... element) {
+            writer->putOnlyDifferentClassContents(element..., *registration.object, reader, "");
+        });
+    });
     return writer->saveToFile(file);
 }
 

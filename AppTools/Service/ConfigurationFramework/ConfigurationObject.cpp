@@ -199,19 +199,28 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
             findCounterpart(m_objects, i, &other->m_objects));
 }
 
+/// Takes the locks of another object and its values, and those values for which
+/// takesValue(value, its counterpart) holds.
+template <typename Predicate>
+void ConfigurationObject::takeLocks(const ConfigurationObject& other, Predicate takesValue) {
+    setEditable(other.isEditable());
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        ConfigurationValueBase& value = *m_values[i];
+        const auto* counterpart = findCounterpart(m_values, i, &other.m_values);
+        if (counterpart == nullptr)
+            continue;
+        if (takesValue(value, *counterpart))
+            adoptState(value, *counterpart);
+        value.setEditable(counterpart->isEditable());
+    }
+}
+
 /// Takes the locks, and the values that the system decides: with `all`, every value, in children
 /// too.
 void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool all) {
-    setEditable(system.isEditable());
-    for (std::size_t i = 0; i < m_values.size(); ++i) {
-        ConfigurationValueBase& value = *m_values[i];
-        const auto* systemValue = findCounterpart(m_values, i, &system.m_values);
-        if (systemValue == nullptr)
-            continue;
-        if (all || !systemValue->isEditable() || !value.hasValue())
-            adoptState(value, *systemValue);
-        value.setEditable(systemValue->isEditable());
-    }
+    takeLocks(system, [&](const auto& value, const auto& systemValue) {
+        return all || !systemValue.isEditable() || !value.hasValue();
+    });
     for (std::size_t i = 0; all && i < m_objects.size(); ++i)
         if (const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects))
             m_objects[i]->takeFromSystem(*systemChild, true);
@@ -223,15 +232,9 @@ void ConfigurationObject::restoreLocks(const ConfigurationObject& former) {
 
 void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool parentLocked) {
     const bool locked = parentLocked || !former.isEditable();
-    setEditable(former.isEditable());
-    for (std::size_t i = 0; i < m_values.size(); ++i) {
-        const auto* formerValue = findCounterpart(m_values, i, &former.m_values);
-        if (formerValue == nullptr)
-            continue;
-        if (locked || !formerValue->isEditable())
-            adoptState(*m_values[i], *formerValue);
-        m_values[i]->setEditable(formerValue->isEditable());
-    }
+    takeLocks(former, [&](const auto&, const auto& formerValue) {
+        return locked || !formerValue.isEditable();
+    });
     for (std::size_t i = 0; i < m_objects.size(); ++i)
         if (const auto* formerChild = findCounterpart(m_objects, i, &former.m_objects))
             m_objects[i]->restoreLocks(*formerChild, locked);

@@ -150,6 +150,8 @@ private:
 
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
     bool hasDifferenceToWrite(const ConfigurationObject* other) const;
+    template <typename Predicate>
+    void takeLocks(const ConfigurationObject& other, Predicate takesValue);
     void takeFromSystem(const ConfigurationObject& system, bool all);
     void restoreLocks(const ConfigurationObject& former, bool parentLocked);
 

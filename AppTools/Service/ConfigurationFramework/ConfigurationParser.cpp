@@ -123,7 +123,7 @@ void ConfigurationParser::addOtherChild() {
 void ConfigurationParser::endFirstText() {
     if (!m_inFirstText)
         return;
-    m_tree->addFirstText(toString(m_firstText.c_str()));
+    m_tree->addFirstText(m_firstText);
     m_firstText.clear();
     m_inFirstText = false;
 }

@@ -9,6 +9,7 @@
 #include <UnicodeTools/UnicodeTools.h>
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -28,7 +29,13 @@ const Logging s_log("DocumentParsing");
 
 } // namespace
 
-void* ExpansionCounter::allocate(XMLSize_t size) {
+ParserMemory::~ParserMemory() {
+    while (m_blocks.next != &m_blocks)
+        deallocate(m_blocks.next + 1);
+}
+
+/// @throws xercesc::OutOfMemoryException when the limit is passed
+void ParserMemory::countExpansion(XMLSize_t size) {
     // For the document and for each entity that it expands, the scanner makes a stream and then a
     // reader. In Xerces, a block made with a memory manager carries a header. The stream is what is
     // refused: a reader that is refused would leave its stream behind.
@@ -40,18 +47,31 @@ void* ExpansionCounter::allocate(XMLSize_t size) {
     }
     if (size == header + sizeof(xercesc::XMLReader) && std::exchange(m_hasDocument, true))
         ++m_expansions;
-    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
 }
 
-void ExpansionCounter::deallocate(void* block) {
+void* ParserMemory::allocate(XMLSize_t size) {
+    countExpansion(size);
+    void* const place = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(sizeof(Block) + size);
+    auto* const block = new (place) Block{m_blocks.previous, &m_blocks};
+    block->previous->next = block;
+    block->next->previous = block;
+    return block + 1;
+}
+
+void ParserMemory::deallocate(void* memory) {
+    if (memory == nullptr)
+        return;
+    Block* const block = static_cast<Block*>(memory) - 1;
+    block->previous->next = block->next;
+    block->next->previous = block->previous;
     xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(block);
 }
 
-xercesc::MemoryManager* ExpansionCounter::getExceptionMemoryManager() {
+xercesc::MemoryManager* ParserMemory::getExceptionMemoryManager() {
     return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
 }
 
-ParserConfinement::ParserConfinement() : m_expansions(maxEntityReferences) {
+ParserConfinement::ParserConfinement() : m_memory(maxEntityReferences) {
     m_securityManager.setEntityExpansionLimit(maxEntityReferences);
 }
 
@@ -70,7 +90,7 @@ void ParserConfinement::parse(xercesc::XercesDOMParser& parser, const char* byte
     try {
         parser.parse(source);
     } catch (const xercesc::OutOfMemoryException&) {
-        if (m_expansions.isExceeded() && parser.getErrorHandler() != nullptr)
+        if (m_memory.isExceeded() && parser.getErrorHandler() != nullptr)
             parser.getErrorHandler()->fatalError(
                 xercesc::SAXParseException(u"too many entity references", nullptr, systemId, 0, 0));
         else

@@ -13,11 +13,15 @@ namespace Orvant {
 
 class FileName;
 
-/// Counts what a parser allocates to expand entity references. Its memory is Xerces' own.
-class ExpansionCounter : public xercesc::MemoryManager {
+/// The memory of a parser, from Xerces' own. Counts what is allocated to expand entity references,
+/// and frees at its end what the parser leaves behind.
+class ParserMemory : public xercesc::MemoryManager {
 public:
     /// @param limit how many references may be expanded
-    explicit ExpansionCounter(std::size_t limit) : m_limit(limit) {}
+    explicit ParserMemory(std::size_t limit) : m_limit(limit) {}
+    ParserMemory(const ParserMemory&) = delete;
+    ParserMemory& operator=(const ParserMemory&) = delete;
+    ~ParserMemory() override;
 
     /// @return true when the limit was passed
     bool isExceeded() const { return m_isExceeded; }
@@ -25,10 +29,19 @@ public:
     /// @throws xercesc::OutOfMemoryException when the limit is passed: what it takes to end the
     /// parse
     void* allocate(XMLSize_t size) override;
-    void deallocate(void* block) override;
+    void deallocate(void* memory) override;
     xercesc::MemoryManager* getExceptionMemoryManager() override;
 
 private:
+    /// Stands before each block and links it with the others.
+    struct alignas(std::max_align_t) Block {
+        Block* previous = this;
+        Block* next = this;
+    };
+
+    void countExpansion(XMLSize_t size);
+
+    Block m_blocks; ///< both ends of the ring
     std::size_t m_limit;
     std::size_t m_expansions = 0;
     bool m_hasDocument = false;
@@ -48,7 +61,7 @@ public:
     /// @return a confined parser with Xerces' default features
     template <typename Parser>
     std::unique_ptr<Parser> makeParser() {
-        auto parser = std::make_unique<Parser>(nullptr, &m_expansions, nullptr);
+        auto parser = std::make_unique<Parser>(nullptr, &m_memory, nullptr);
         parser->setEntityResolver(this);
         parser->setSecurityManager(&m_securityManager);
         return parser;
@@ -75,7 +88,7 @@ private:
     // Counts the references in content and attributes, and reports them as any other error.
     xercesc::SecurityManager m_securityManager;
     // Counts all of them, those within a DTD too.
-    ExpansionCounter m_expansions;
+    ParserMemory m_memory;
 };
 
 } // namespace Orvant

@@ -43,7 +43,7 @@ void expandEntityReferences(DOMNode& root) {
 /// Cuts the line break and indentation before a tag, which the printer makes anew.
 void cutFormatting(DOMText& text) {
     const std::basic_string_view<XMLCh> content(text.getData());
-    const auto lastOther = content.find_last_not_of(u" \t\r\n");
+    const auto lastOther = content.find_last_not_of(formattingSpace);
     if (lastOther == content.npos) {
         text.getParentNode()->removeChild(&text);
         return;

@@ -10,6 +10,9 @@ namespace Orvant {
 /// grows with the square of the depth, would fill the disk.
 constexpr std::size_t maxWrittenDepth = 1'000;
 
+/// What line breaks and indentation are made of.
+constexpr const XMLCh* formattingSpace = u" \t\r\n";
+
 /// @return how deeply the nodes below a node are nested; 0 for a node without children
 std::size_t nestingDepth(const xercesc::DOMNode& root);
 

@@ -1,5 +1,7 @@
 #include <ConfigurationFramework/DocumentTree.h>
 
+#include <UnicodeTools/Transcode.h>
+
 #include <algorithm>
 
 namespace Orvant {
@@ -73,12 +75,12 @@ void DocumentTree::addOtherChild() {
         m_nodes[m_open.back()].firstChild = FirstChild::Other;
 }
 
-void DocumentTree::addFirstText(std::string_view text) {
+void DocumentTree::addFirstText(std::u16string_view text) {
     Node& node = m_nodes[m_open.back()];
     node.firstChild = FirstChild::Text;
     node.text = m_texts.size();
-    node.textLength = text.size();
-    m_texts += text;
+    appendTranscoded(m_texts, text);
+    node.textLength = m_texts.size() - node.text;
 }
 
 void DocumentTree::finish() {

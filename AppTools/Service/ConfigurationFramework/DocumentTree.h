@@ -40,7 +40,7 @@ public:
     /// Tells that the open element has a child that is neither element nor first text.
     void addOtherChild();
     /// Gives the open element its first child, a text.
-    void addFirstText(std::string_view text);
+    void addFirstText(std::u16string_view text);
     /// Gives back what building took and reading does not need.
     void finish();
     /// @}

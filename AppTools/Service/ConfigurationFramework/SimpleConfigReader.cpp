@@ -67,10 +67,7 @@ ConfigurationAccessResult SimpleConfigReader::getInt(const std::string& name, in
 
 ConfigurationAccessResult SimpleConfigReader::getUnsignedInt(const std::string& name,
                                                              unsigned int& value, bool& editable) {
-    int signedValue = 0;
-    const auto result = getInt(name, signedValue, editable);
-    value = static_cast<unsigned int>(signedValue);
-    return result;
+    return ConfigReader::getUnsignedInt(name, value, editable);
 }
 
 ConfigurationAccessResult SimpleConfigReader::getDouble(const std::string& name, double& value,
@@ -87,10 +84,7 @@ ConfigurationAccessResult SimpleConfigReader::getDoubleScientific(const std::str
 
 ConfigurationAccessResult SimpleConfigReader::getFloat(const std::string& name, float& value,
                                                        bool& editable) {
-    double wideValue = 0.0;
-    const auto result = getDouble(name, wideValue, editable);
-    value = static_cast<float>(wideValue);
-    return result;
+    return ConfigReader::getFloat(name, value, editable);
 }
 
 ConfigurationAccessResult SimpleConfigReader::getString(const std::string& name, std::string& value,

@@ -3,6 +3,7 @@
 #include <boost/locale/utf.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -26,19 +27,28 @@ boost::locale::utf::code_point takeCodePoint(const Char*& position, const Char* 
 }
 
 /// Converts between UTF-8, UTF-16 and UTF-32, told apart by the size of the character type.
-/// @return the text with U+FFFD for each code unit that is ill-formed
+/// @param result what the text is appended to, with U+FFFD for each code unit that is ill-formed
 template <typename To, typename From>
-std::basic_string<To> transcode(std::basic_string_view<From> text) {
-    std::basic_string<To> result;
-    result.reserve(text.size());
+void appendTranscoded(std::basic_string<To>& result, std::basic_string_view<From> text) {
     const From* const end = text.data() + text.size();
     // Most texts are ASCII altogether, which all the encoding forms have in common.
     const From* position =
         std::find_if(text.data(), end, [](From unit) { return unit < 0 || unit > 0x7F; });
-    result.assign(text.data(), position);
+    const auto length = result.size();
+    result.resize(length + static_cast<std::size_t>(position - text.data()));
+    std::transform(text.data(), position, result.data() + length,
+                   [](From unit) { return static_cast<To>(unit); });
     while (position != end)
         boost::locale::utf::utf_traits<To>::encode(takeCodePoint(position, end),
                                                    std::back_inserter(result));
+}
+
+/// appendTranscoded() to an empty text.
+template <typename To, typename From>
+std::basic_string<To> transcode(std::basic_string_view<From> text) {
+    std::basic_string<To> result;
+    result.reserve(text.size());
+    appendTranscoded(result, text);
     return result;
 }
 
