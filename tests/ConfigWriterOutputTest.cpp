@@ -455,6 +455,33 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForADocumentNestedDeeper) {
     EXPECT_THAT(log.text(), HasSubstr("too deep"));
 }
 
+std::string comments(std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += "<!--" + std::to_string(i) + "-->";
+    return text;
+}
+
+TEST(ConfigWriterOutput, MayHaveAThousandCommentsInARow) {
+    const std::string content = comments(1000) + "<a/>" + comments(1000);
+    EXPECT_EQ(document(content), withoutFormatting(reloaded(document(content))));
+}
+
+TEST(ConfigWriterOutput, LeavesTheFileAloneForMoreCommentsInARow) {
+    const TemporaryDirectory directory;
+    const LogCapture log("ConfigWriter");
+    const FileName file = directory.file("settings.xml", "former");
+    for (const std::string& content :
+         {comments(1001), "<a/>" + comments(1001) + "<b/>", "<a>" + comments(50'000) + "</a>",
+          comments(500) + "text<?pi?>" + comments(501) + "<a/>"}) {
+        ConfigWriter writer(FileName(), document(content));
+        EXPECT_EQ("", writer.getAsString());
+        EXPECT_FALSE(writer.saveToFile(file));
+    }
+    EXPECT_EQ("former", readFile(file));
+    EXPECT_THAT(log.text(), HasSubstr("too many comments"));
+}
+
 // Objects
 
 /// An object with a value of each kind of persistence and a child.

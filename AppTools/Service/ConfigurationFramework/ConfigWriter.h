@@ -136,8 +136,9 @@ public:
 
     /// @return the document in UTF-8, beginning with the root's start tag: no XML declaration, no
     ///         byte-order mark. Empty, with an error in the log, when XML cannot express the
-    ///         document or it is nested deeper than 1,000 elements (indenting it would fill the
-    ///         disk).
+    ///         document, it is nested deeper than 1,000 elements (indenting it would fill the
+    ///         disk), or more than 1,000 comments stand in a row without an element between them
+    ///         (the printer's time grows with their square).
     std::string getAsString();
     /// Writes getAsString() to a file, in place. The text is complete before the file is touched. A
     /// write that fails half-way puts back what the file held, as far as the disk allows.

@@ -269,6 +269,10 @@ std::string ConfigWriterImpl::getAsString() {
         logError("The document is nested too deeply to be written");
         return {};
     }
+    if (longestRunOfComments(*root) > maxCommentsInARow) {
+        logError("The document has too many comments in a row to be written");
+        return {};
+    }
     const std::unique_ptr<xercesc::DOMLSSerializer, SerializerRelease> serializer(
         domImplementation().createLSSerializer());
     xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();

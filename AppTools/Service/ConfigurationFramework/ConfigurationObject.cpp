@@ -77,6 +77,8 @@ public:
     OwnedItems() = default;
     explicit OwnedItems(const ConfigurationObject& original) : OwnedItems() {
         // Delegated, so that the destructor deletes the copies made so far when one fails.
+        m_values.reserve(original.m_values.size());
+        m_objects.reserve(original.m_objects.size());
         for (const ConfigurationValueBase* value : original.m_values)
             append(m_values, value->clone());
         for (const ConfigurationObject* child : original.m_objects)
@@ -153,6 +155,8 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
 
 ConfigurationObject* ConfigurationObject::clone() const {
     std::unique_ptr<ConfigurationObject> copy(createConfigurationObject());
+    // First, so that the copies go where the defaults were.
+    copy->clearConfigurationItems();
     OwnedItems items(*this);
     items.swapWith(*copy);
     copy->setEditable(isEditable());

@@ -37,7 +37,6 @@ void ConfigurationParser::startDocument() {
 }
 
 void ConfigurationParser::endDocument() {
-    m_tree->finish();
     m_names.clear();
 }
 

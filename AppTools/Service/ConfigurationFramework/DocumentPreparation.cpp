@@ -98,6 +98,20 @@ std::size_t nestingDepth(const DOMNode& root) {
     }
 }
 
+std::size_t longestRunOfComments(const DOMNode& root) {
+    std::size_t longest = 0;
+    for (const DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
+        std::size_t run = 0;
+        for (const DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling()) {
+            if (child->getNodeType() == DOMNode::ELEMENT_NODE)
+                run = 0;
+            else if (child->getNodeType() == DOMNode::COMMENT_NODE)
+                longest = std::max(longest, ++run);
+        }
+    }
+    return longest;
+}
+
 void prepareForWriting(xercesc::DOMDocument& document) {
     DOMElement& root = *document.getDocumentElement();
     if (nestingDepth(root) > maxWrittenDepth)

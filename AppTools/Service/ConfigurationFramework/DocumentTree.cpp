@@ -83,12 +83,6 @@ void DocumentTree::addFirstText(std::u16string_view text) {
     node.textLength = m_texts.size() - node.text;
 }
 
-void DocumentTree::finish() {
-    m_nodes.shrink_to_fit();
-    m_texts.shrink_to_fit();
-    m_open.shrink_to_fit();
-}
-
 bool DocumentTree::hasName(Element element, const std::string& name) const {
     const auto wanted = findName(name);
     return wanted && m_nodes[element].name == *wanted;
@@ -175,18 +169,19 @@ DocumentTree::Element DocumentTree::findChildWithoutKey(Element parent, const st
     return last;
 }
 
-DocumentTree::Element DocumentTree::findBelow(Element ancestor, Element after,
-                                              const std::string& name) const {
+std::span<const DocumentTree::Element> DocumentTree::elementsBelow(Element ancestor,
+                                                                   const std::string& name) const {
     const auto wanted = findName(name);
     if (!wanted)
-        return none;
+        return {};
     const std::vector<Element>& elements = m_elementsOfName[*wanted];
-    const auto next = std::ranges::upper_bound(elements, after);
-    return next != elements.end() && *next < m_nodes[ancestor].end ? *next : none;
+    return {std::ranges::upper_bound(elements, ancestor),
+            std::ranges::lower_bound(elements, m_nodes[ancestor].end)};
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name) const {
-    return findBelow(root, root, name);
+    const auto elements = elementsBelow(root, name);
+    return elements.empty() ? none : elements.front();
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -41,8 +42,6 @@ public:
     void addOtherChild();
     /// Gives the open element its first child, a text.
     void addFirstText(std::u16string_view text);
-    /// Gives back what building took and reading does not need.
-    void finish();
     /// @}
 
     bool empty() const { return m_nodes.empty(); }
@@ -63,8 +62,8 @@ public:
     Element findChild(Element parent, const std::string& name, const std::string& key);
     /// @return last child of that tag without a key, or `none`
     Element findChildWithoutKey(Element parent, const std::string& name);
-    /// @return first element of that tag behind `after` and below `ancestor`, or `none`
-    Element findBelow(Element ancestor, Element after, const std::string& name) const;
+    /// @return all elements of that tag below another, in order; valid as long as the tree
+    std::span<const Element> elementsBelow(Element ancestor, const std::string& name) const;
     /// @return first element of that tag below the root, or `none`
     Element findInDocument(const std::string& name) const;
     /// @return first element of that tag and key below the root, or `none`

@@ -138,17 +138,16 @@ SimpleConfigReaderImpl::getStringVector(const std::string& name, std::vector<std
                                         bool& editable, std::map<std::string, bool>& itemEditable) {
     values.clear();
     itemEditable.clear();
-    const Element list = m_tree->findBelow(m_current, m_current, name);
-    if (list == DocumentTree::none)
+    const auto lists = m_tree->elementsBelow(m_current, name);
+    if (lists.empty())
         return ConfigurationAccessResult::Failure;
-    editable = m_tree->isEditable(list);
-    for (Element item = m_tree->findBelow(list, list, "item"); item != DocumentTree::none;
-         item = m_tree->findBelow(list, item, "item")) {
-        const auto text = optionalText(*m_tree, item);
+    editable = m_tree->isEditable(lists.front());
+    for (const Element item : m_tree->elementsBelow(lists.front(), "item")) {
+        auto text = optionalText(*m_tree, item);
         if (!text)
             return ConfigurationAccessResult::Failure;
-        values.push_back(*text);
-        itemEditable[*text] = m_tree->isEditable(item);
+        values.push_back(std::move(*text));
+        itemEditable[values.back()] = m_tree->isEditable(item);
     }
     return ConfigurationAccessResult::Success;
 }
