@@ -50,7 +50,7 @@ void start(const std::string& userFile) {
     if (manager.hasSystemConfigFileErrors())
         std::cout << "The administrator's settings cannot be read.\n";
     if (manager.hasUserConfigFileErrors())
-        std::cout << "Your settings cannot be read and will not be saved.\n";
+        std::cout << "Your settings cannot be read.\n";
     if (const std::string warnings = view->getUserWarningMessages(); !warnings.empty())
         std::cout << warnings << '\n'; // a line each
     //! [tell]
