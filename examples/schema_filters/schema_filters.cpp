@@ -30,9 +30,9 @@ int main() {
         reader.readXSD(true);
         list(reader);
 
-        reader.keepXSDElement({"Machine", "ToolMagazine"});  // these types and what they require
-        reader.keepXSDChildElement("Machine", {"magazine"}); // of the optional children only these
-        reader.keepXSDChildAttributes("Machine", {"id"}); // of the optional attributes only these
+        reader.keepXSDElement({"Machine", "ToolMagazine"});  // types, and what they require
+        reader.keepXSDChildElement("Machine", {"magazine"}); // of its optional children
+        reader.keepXSDChildAttributes("Machine", {"id"});    // of its optional attributes
         reader.writeXSD("reduced.xsd", true);
         std::cout << "\nReduced to\n";
         list(reader);
