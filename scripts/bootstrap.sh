@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing.
-# usage: bootstrap.sh GROUP...   (build, test, check, benchmark)
+# usage: bootstrap.sh GROUP...   (build, test, check, docs, benchmark)
 set -euo pipefail
 
 packages=()
@@ -11,7 +11,8 @@ for group in "$@"; do
     test) packages+=(libgtest-dev libgmock-dev) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
-    check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19) ;;
+    check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;
+    docs) packages+=(doxygen) ;;
     *) echo "bootstrap.sh: no such group: $group" >&2; exit 2 ;;
     esac
 done

@@ -170,6 +170,20 @@ TEST_F(ConfigurationManagerTest, LetsTheUserBreakNoLock) {
     EXPECT_FALSE(locked->isEditable());
 }
 
+TEST_F(ConfigurationManagerTest, LocksAtTheDefaultWhatIsLockedWithAnUnreadableText) {
+    writeSystemAndUser("<Test><a editable=\"false\">many</a></Test>", "<Test><a>8</a></Test>");
+    const auto object = add(makeObject());
+    EXPECT_EQ(1, get(*object, "a"));
+    EXPECT_FALSE(object->value<int>("a").isEditable());
+}
+
+TEST_F(ConfigurationManagerTest, LocksKeysWithoutAnElementAsTheDefaultEntryIs) {
+    writeSystemAndUser("<Test><a editable=\"false\">5</a></Test><Test key=\"x\"><a>6</a></Test>",
+                       "<Test key=\"x\"><a>8</a></Test><Test key=\"y\"><a>8</a></Test>");
+    EXPECT_EQ(8, get(*add(makeObject(), "Test", "x"), "a"));
+    EXPECT_EQ(5, get(*add(makeObject(), "Test", "y"), "a"));
+}
+
 TEST_F(ConfigurationManagerTest, LoadsFromEitherFileWhereTheOtherIsMissingOrBroken) {
     useTwoFiles();
     for (const std::string other : {"", "<broken"}) {

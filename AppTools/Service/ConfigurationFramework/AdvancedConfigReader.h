@@ -36,8 +36,10 @@ public:
     ~AdvancedConfigReader() override;
 
     /// Adds a file as a source, in place of the one that has the priority.
+    /// @param file          file to read
     /// @param nodePath      names of the elements to go down from the root to the source's first
     ///                      current node; empty: the root
+    /// @param priority      rank of the source
     /// @param validVersions versions of the document that are accepted
     /// @return Failure when there is no such file or path or the document is refused; the sources
     ///         are then as they were

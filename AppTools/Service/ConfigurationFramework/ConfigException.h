@@ -37,10 +37,13 @@ public:
     explicit ConfigException(ExceptionType type,
                              std::source_location location = std::source_location::current());
 
+    /// Copies kind and place.
+    /// @{
     ConfigException(const ConfigException&) = default;
     ConfigException(ConfigException&&) = default;
     ConfigException& operator=(const ConfigException&) = default;
     ConfigException& operator=(ConfigException&&) = default;
+    /// @}
     ~ConfigException() override;
 
     /// @return the kind of failure

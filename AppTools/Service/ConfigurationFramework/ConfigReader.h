@@ -24,8 +24,9 @@ class ConfigurationObject;
 ///
 /// A reader has a current node, at first the root of its document. A "name" is the tag of a direct
 /// child element of that node. An element with the attribute editable="false" is locked; the
-/// `editable` outputs tell so. Outputs are written on Success; on Failure they keep what they had,
-/// but for what is said at getUnsignedInt(), getFloat() and getStringVector().
+/// `editable` outputs tell so. All operations return Success, or Failure when there is no such
+/// element or its text does not convert. Outputs are written on Success; on Failure they keep what
+/// they had, but for what is said at getUnsignedInt(), getFloat() and getStringVector().
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigReader {
 public:
     ConfigReader() = default;
@@ -43,6 +44,7 @@ public:
     virtual ConfigurationAccessResult findAndGetClassContents(const std::string& name,
                                                               ConfigurationObject& object) = 0;
     /// Loads an object from the current node itself.
+    /// @return Failure when there is no document
     virtual ConfigurationAccessResult getClassContents(ConfigurationObject& object) = 0;
     /// Loads each object from the child of that name with the key at the same index.
     /// @return Success when all keys were found; objects of found keys are loaded in any case
@@ -85,7 +87,11 @@ public:
     virtual ConfigurationAccessResult getString(const std::string& name, std::string& value,
                                                 bool& editable) = 0;
     /// Reads the texts of the "item" elements. The outputs are cleared first, on Failure too.
+    /// @param name         tag of the list's element
+    /// @param values       the texts in document order
+    /// @param editable     false when the list is locked
     /// @param itemEditable for each text whether its (last) item is editable
+    /// @return Failure when there is no such element, or one of the items holds markup
     virtual ConfigurationAccessResult
     getStringVector(const std::string& name, std::vector<std::string>& values, bool& editable,
                     std::map<std::string, bool>& itemEditable) = 0;
@@ -93,8 +99,10 @@ public:
     /// Searches the whole document for an element of that name and makes it the current node.
     virtual ConfigurationAccessResult tagExists(const std::string& name) = 0;
     /// Reads the editable attribute of the current node itself.
+    /// @return Failure when there is no document
     virtual ConfigurationAccessResult getEditable(bool& editable) = 0;
-    /// Adds the keys of all children of that name to `keys`.
+    /// Adds the keys of all children of that name to `keys`, "" for one without a key.
+    /// @return Failure when there is no document; Success also where nothing was found
     virtual ConfigurationAccessResult getKeys(const std::string& name,
                                               std::set<std::string>& keys) = 0;
     /// Calls back with the key of each child of that name, in document order, with the child as

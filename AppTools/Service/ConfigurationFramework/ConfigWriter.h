@@ -67,7 +67,8 @@ public:
     ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
     /// Deletes the children of that name, each with the comment right before it, and all text
     /// directly below the current element.
-    /// @param key when it is not empty, only children with this key are deleted
+    /// @param name tag of the children
+    /// @param key  when it is not empty, only children with this key are deleted
     void deleteNodes(const std::string& name, const std::string& key);
 
     /// Replaces the children of that name by an element with the text.
@@ -126,7 +127,10 @@ public:
                           const ConfigurationObject& object, const std::string& comment);
     /// Deletes the children of that name and, if the object has something for the user's file,
     /// writes what differs from the reference into a new element.
-    /// @param reader holds the reference, normally the system configuration
+    /// @param name    tag of the element
+    /// @param object  object to write
+    /// @param reader  holds the reference, normally the system configuration
+    /// @param comment for the new element
     void putOnlyDifferentClassContents(const std::string& name, const ConfigurationObject& object,
                                        ConfigReader& reader, const std::string& comment);
     /// As above, for the child of that name and key only.

@@ -37,13 +37,13 @@ public:
 
     /// Set of the suite's products, a bit for each; flags may be or-ed.
     enum ProductType : std::uint32_t {
-        Product0 = 1,
-        Product1 = 2,
-        Product2 = 4,
-        Product3 = 8,
-        Product4 = 16,
-        Product5 = 32,
-        AllProducts = 63
+        Product0 = 1,    ///< product number 0 of BuildInformation
+        Product1 = 2,    ///< product number 1
+        Product2 = 4,    ///< product number 2
+        Product3 = 8,    ///< product number 3
+        Product4 = 16,   ///< product number 4
+        Product5 = 32,   ///< product number 5
+        AllProducts = 63 ///< every product
     };
 
     /// Whether a settings dialogue shows a value.
@@ -59,8 +59,11 @@ public:
     /// @param productType products that have the item
     ConfigurationItemBase(const std::string& name, const std::string& description,
                           ItemType itemType, Persistence persistence, ProductType productType);
+    /// Copies everything, the lock too.
+    /// @{
     ConfigurationItemBase(const ConfigurationItemBase&) = default;
     ConfigurationItemBase& operator=(const ConfigurationItemBase&) = default;
+    /// @}
     virtual ~ConfigurationItemBase();
 
     /// Fills the item from the current node of a reader.

@@ -43,24 +43,33 @@ struct ConfigurationRegistration {
 /// own stays in the file. Use it from one thread.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationManager {
 public:
+    /// Copies files, versions and registrations; the objects themselves are shared.
+    /// @{
     ConfigurationManager(const ConfigurationManager&) = default;
     ConfigurationManager& operator=(const ConfigurationManager&) = default;
+    /// @}
     virtual ~ConfigurationManager();
 
     /// @return the one instance of the process
     static ConfigurationManager& getInstance();
 
-    /// From now on, loads and saves go to one file.
+    /// From now on, loads and saves go to one file. Nothing is loaded by this call.
+    /// @param file need not exist: the first save makes it
     void setConfigurationFile(const FileName& file);
-    /// From now on, loads go to two files and saves to the user's.
+    /// From now on, loads go to two files and saves to the user's. Nothing is loaded by this call.
+    /// @param systemFile the administrator's, never written; it need not exist
+    /// @param userFile   need not exist: the first save makes it
     void setSystemAndUserConfigurationFile(const FileName& systemFile, const FileName& userFile);
-    /// Sets the document versions that loading accepts. A file of another version is not loaded.
+    /// Sets the document versions that loading accepts. A file of another version is not loaded;
+    /// with an empty list, as at first, none is.
+    /// @param versions accepted values of the root's attribute version
     void setValidVersionList(const std::list<std::string>& versions);
     /// @return the document versions that loading accepts
     const std::list<std::string>& getValidVersions() const { return m_validVersions; }
 
     /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
     /// other, but opens each file only once: the way to register what an application has at start.
+    /// @param registrations objects with the names and keys of their elements
     /// @throws std::invalid_argument for a null object; those before it are registered
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
     /// Registers an object and loads it from the element of the name. Opens the files anew.
@@ -68,6 +77,7 @@ public:
     ///               values. When the name is taken, the earlier object stays registered, and this
     ///               one is only loaded.
     /// @param name   tag of the object's element; the object is also saved there
+    /// @throws std::invalid_argument for a null object
     void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                 const std::string& name);
     /// Registers an object and loads it from the element of the name and key, or, where no element
@@ -75,8 +85,13 @@ public:
     ///
     /// Objects of one name and several keys are registered side by side, each once, so that all are
     /// saved; look-ups and resets by name find the first. They have no sibling without a key.
+    /// @param object shared with the caller
+    /// @param name   tag of the object's element
+    /// @param key    key of the object's element
+    /// @throws std::invalid_argument for a null object
     void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                 const std::string& name, const std::string& key);
+    /// @param name name that an object is registered under
     /// @return the object that was first registered under the name, owned by the manager; null when
     ///         there is none
     ConfigurationObject* getConfigurationObject(const std::string& name) const;
@@ -90,9 +105,8 @@ public:
     void reset();
     /// Sets an object to its defaults, locked values excepted, and loads it again from one file.
     /// @param name         name that it is registered under; of several, the first is reset
-    /// @param fromUserFile with two files: which one to load, the user's alone (what only the
-    /// system
-    ///                     file sets is then at its default) or the system's alone
+    /// @param fromUserFile with two files: true loads the user's alone (what only the system file
+    ///                     sets is then at its default), false the system's alone
     void resetConfigurationObject(const std::string& name, bool fromUserFile);
 
     /// Writes the objects to the file, or to the user file.

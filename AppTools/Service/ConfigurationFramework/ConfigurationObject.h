@@ -15,12 +15,10 @@ class ConfigurationValueBase;
 /// @code
 /// class ViewSettings : public ConfigurationObject {
 /// public:
-///     ViewSettings() : ConfigurationObject("ViewSettings", "The 3D view", LoadAndSave,
-///     AllProducts) {
-///         addConfigurationValue(new ConfigurationValue<double>("Zoom", "Zoom factor at
-///         start", 1.0,
-///                                                              Visible, LoadAndSave,
-///                                                              AllProducts));
+///     ViewSettings()
+///         : ConfigurationObject("ViewSettings", "The 3D view", LoadAndSave, AllProducts) {
+///         addConfigurationValue(new ConfigurationValue<double>(
+///             "Zoom", "Zoom factor at start", 1.0, Visible, LoadAndSave, AllProducts));
 ///     }
 ///     ConfigurationObject* createConfigurationObject() const override { return new ViewSettings; }
 /// };
@@ -40,8 +38,11 @@ public:
     /// @param productType products that have the object
     ConfigurationObject(const std::string& name, const std::string& description,
                         Persistence persistence, ProductType productType);
+    /// Copies deeply: values, children, locks and warnings.
+    /// @{
     ConfigurationObject(const ConfigurationObject& other);
     ConfigurationObject& operator=(const ConfigurationObject& other);
+    /// @}
     ~ConfigurationObject() override;
 
     /// Loads lock, values and children from the current node of a reader. Does nothing when the
@@ -51,12 +52,13 @@ public:
     /// writesContent() denies it.
     void saveContent(ConfigWriter& writer) const override;
     /// @return a new instance of the concrete class with its defaults, never null; the caller owns
-    /// it
+    ///         it
     virtual ConfigurationObject* createConfigurationObject() const = 0;
     /// @return a deep copy of the concrete class with values, locks and warnings; the caller owns
-    /// it
+    ///         it
     virtual ConfigurationObject* clone() const;
     /// Writes the object as compared with what a reader holds for it.
+    /// @param writer        written to below its current element
     /// @param reader        holds the reference, normally the system configuration
     /// @param onlyDifferent true: only what differs from the reference; false: everything
     virtual void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const;
@@ -104,7 +106,9 @@ public:
     /// @return number of children
     std::size_t getConfigurationObjectsSize() const { return m_objects.size(); }
 
+    /// Goes through the values.
     using ValueIterator = std::vector<ConfigurationValueBase*>::const_iterator;
+    /// Goes through the children.
     using ObjectIterator = std::vector<ConfigurationObject*>::const_iterator;
     /// @return first value, in the order in which they were added
     ValueIterator beginValueIterator() const { return m_values.begin(); }
@@ -123,6 +127,7 @@ public:
     bool atLeastOneValueIsDifferent(const ConfigurationObject* other) const;
     /// As atLeastOneValueIsDifferent(), but a pair counts only when both its values are savable,
     /// and an object with children always differs.
+    /// @return true when there is something to save
     bool atLeastOneSavedValueIsDifferent(const ConfigurationObject* other) const;
     /// @return values that differ from the value of their name in `other`, or have none there, in
     ///         order. A null `other` has no values.
@@ -131,7 +136,8 @@ public:
     /// Writes what differs from `other`: values (LoadOnly ones too, as a full save does) and, for
     /// each named child with a difference somewhere below it, its element holding only what
     /// differs. Nameless children are written inline.
-    /// @param other the reference; null: everything differs
+    /// @param writer written to below its current element
+    /// @param other  the reference; null: everything differs
     void saveDifferentConfigurationValues(ConfigWriter& writer,
                                           const ConfigurationObject* other) const;
 

@@ -23,13 +23,20 @@ template <typename T>
 class ConfigurationValue : public ConfigurationValueBase {
 public:
     /// Makes a value that reads as its default.
-    /// @param defaultValue what the value is until it is set or loaded
-    /// The other parameters are those of ConfigurationValueBase.
+    /// @param name          XML tag of the value and its name in look-ups
+    /// @param description   label in dialogues and comment before the element
+    /// @param defaultValue  what the value is until it is set or loaded
+    /// @param guiVisibility whether a dialogue shows the value
+    /// @param persistence   which way the value goes between memory and file
+    /// @param productType   products that have the value
     ConfigurationValue(const std::string& name, const std::string& description,
                        const T& defaultValue, GuiVisibility guiVisibility, Persistence persistence,
                        ProductType productType);
+    /// Copies default, value and lock.
+    /// @{
     ConfigurationValue(const ConfigurationValue&) = default;
     ConfigurationValue& operator=(const ConfigurationValue&) = default;
+    /// @}
 
     /// @return the value, or the default when there is none
     /// @throws std::bad_optional_access when an override of hasValue() claims a value that is not

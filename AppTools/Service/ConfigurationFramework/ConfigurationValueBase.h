@@ -15,23 +15,29 @@ class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValueBase : public Confi
 public:
     /// Type of a value. The number 4 is not in use.
     enum ValueType : std::uint32_t {
-        BoolValue = 0,
-        IntValue = 1,
-        UnsignedIntValue = 2,
-        DoubleValue = 3,
-        FloatValue = 5,
-        StringValue = 6,
-        StringVectorValue = 7
+        BoolValue = 0,        ///< bool
+        IntValue = 1,         ///< int
+        UnsignedIntValue = 2, ///< unsigned int
+        DoubleValue = 3,      ///< double
+        FloatValue = 5,       ///< float
+        StringValue = 6,      ///< std::string
+        StringVectorValue = 7 ///< std::vector<std::string>
     };
 
+    /// @param name          XML tag of the value and its name in look-ups
+    /// @param description   label in dialogues and comment before the element
     /// @param guiVisibility whether a dialogue shows the value
     /// @param valueType     type of the value
-    /// The other parameters are those of ConfigurationItemBase.
+    /// @param persistence   which way the value goes between memory and file
+    /// @param productType   products that have the value
     ConfigurationValueBase(const std::string& name, const std::string& description,
                            GuiVisibility guiVisibility, ValueType valueType,
                            Persistence persistence, ProductType productType);
+    /// Copies everything, the lock too.
+    /// @{
     ConfigurationValueBase(const ConfigurationValueBase&) = default;
     ConfigurationValueBase& operator=(const ConfigurationValueBase&) = default;
+    /// @}
     ~ConfigurationValueBase() override;
 
     /// Reads the value from the child element of its name. Does nothing when the value is not

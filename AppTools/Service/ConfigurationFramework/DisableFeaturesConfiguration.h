@@ -15,25 +15,27 @@ namespace Orvant {
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT DisableFeaturesConfiguration
     : public ConfigurationObject {
 public:
-    static const std::string s_tag; ///< XML tag and object name
-    static const std::string s_editorSketchItemsDisable;
-    static const std::string s_editorFoldItemsDisable;
-    static const std::string s_plannerStageGaugingDisable;
-    static const std::string s_plannerFixturesDisable;
-    static const std::string s_plannerUnitPriceDisable;
-    static const std::string s_layoutPackInsetDisable;
-    static const std::string s_layoutPackOptionsDisable;
-    static const std::string s_surfaceShapeAuditDisable;
-    static const std::string s_setupEdgeLineDisable;
-    static const std::string s_setupVarianceDisable;
+    static const std::string s_tag; ///< XML tag and object name: "DisableFeaturesConfiguration"
+    static const std::string s_editorSketchItemsDisable;   ///< "EditorSketchItemsDisable"
+    static const std::string s_editorFoldItemsDisable;     ///< "EditorFoldItemsDisable"
+    static const std::string s_plannerStageGaugingDisable; ///< "PlannerStageGaugingDisable"
+    static const std::string s_plannerFixturesDisable;     ///< "PlannerFixturesDisable"
+    static const std::string s_plannerUnitPriceDisable;    ///< "PlannerUnitPriceDisable"
+    static const std::string s_layoutPackInsetDisable;     ///< "LayoutPackInsetDisable"
+    static const std::string s_layoutPackOptionsDisable;   ///< "LayoutPackOptionsDisable"
+    static const std::string s_surfaceShapeAuditDisable;   ///< "SurfaceShapeAuditDisable"
+    static const std::string s_setupEdgeLineDisable;       ///< "SetupEdgeLineDisable"
+    static const std::string s_setupVarianceDisable;       ///< "SetupVarianceDisable"
 
     /// Makes the object with all switches at false.
     DisableFeaturesConfiguration();
     /// Copies; so does a move, since an object without its values would answer nothing.
+    /// @{
     DisableFeaturesConfiguration(const DisableFeaturesConfiguration&) = default;
     DisableFeaturesConfiguration(DisableFeaturesConfiguration&&) = default;
     DisableFeaturesConfiguration& operator=(const DisableFeaturesConfiguration&) = default;
     DisableFeaturesConfiguration& operator=(DisableFeaturesConfiguration&&) = default;
+    /// @}
     ~DisableFeaturesConfiguration() override;
 
     /// The instance that is registered with the configuration manager. It is made and registered,
@@ -53,7 +55,8 @@ public:
     /// @return false
     bool writesContent() const override;
 
-    /// @name State of each switch: true when the feature is off
+    /// State of a switch.
+    /// @return true when the feature is off
     /// @{
     bool getEditorSketchItemsDisable() const;
     bool getEditorFoldItemsDisable() const;
@@ -67,7 +70,8 @@ public:
     bool getSetupVarianceDisable() const;
     /// @}
 
-    /// @name The value of each switch
+    /// Value of a switch.
+    /// @return the value, with its lock, owned by the object
     /// @{
     const ConfigurationValue<bool>& getEditorSketchItemsDisableConfig() const;
     const ConfigurationValue<bool>& getEditorFoldItemsDisableConfig() const;

@@ -44,8 +44,11 @@ class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdConfigReader {
 public:
     /// @param file schema file; it is not looked at before readXSD()
     XsdConfigReader(const FileName& file);
+    /// Shares file name and schema with the original.
+    /// @{
     XsdConfigReader(const XsdConfigReader&);
     XsdConfigReader& operator=(const XsdConfigReader&);
+    /// @}
     virtual ~XsdConfigReader();
 
     /// Reads the file, which is left as it is. Records that were answered before stay valid, but

@@ -70,8 +70,11 @@ public:
     XsdElement();
     /// @param schema document to describe and filter; it is copied
     explicit XsdElement(const OV_XsdReader::ov_schema& schema);
+    /// Shares the document with the original.
+    /// @{
     XsdElement(const XsdElement&);
     XsdElement& operator=(const XsdElement&);
+    /// @}
     virtual ~XsdElement();
 
     /// @return the types of the root elements in document order; a root element whose type is not

@@ -20,10 +20,13 @@ public:
     explicit OvException(const std::string& name,
                          std::source_location location = std::source_location::current());
 
+    /// Copies name and place.
+    /// @{
     OvException(const OvException&) = default;
     OvException(OvException&&) = default;
     OvException& operator=(const OvException&) = default;
     OvException& operator=(OvException&&) = default;
+    /// @}
     ~OvException() override;
 
     /// @return "NAME thrown at FILE:LINE:COLUMN in FUNCTION"

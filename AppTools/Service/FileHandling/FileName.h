@@ -11,6 +11,7 @@ namespace Orvant {
 /// Thrown for a name that no file system could hold: one with an embedded NUL.
 class ORVANT_FILEHANDLING_EXPORT FileNameException : public OvException {
 public:
+    /// @param location place of the throw statement
     explicit FileNameException(std::source_location location = std::source_location::current());
 };
 
@@ -50,6 +51,7 @@ public:
     /// Appends a part to the path.
     FileName& operator/=(const FileName& part);
 
+    /// @return true when both names have the same parts, read as text
     bool operator==(const FileName& other) const = default;
 
 private:

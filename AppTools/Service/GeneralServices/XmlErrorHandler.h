@@ -20,9 +20,13 @@ public:
     /// @return true when an error or a fatal error was reported since the last reset
     bool getSawErrors() const { return m_sawErrors; }
 
+    /// Ignores the warning.
     void warning(const xercesc::SAXParseException& exception) override;
+    /// Remembers that there was an error.
+    /// @{
     void error(const xercesc::SAXParseException& exception) override;
     void fatalError(const xercesc::SAXParseException& exception) override;
+    /// @}
     /// Forgets the errors.
     void resetErrors() override;
 
