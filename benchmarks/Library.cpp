@@ -7,6 +7,8 @@
 #include <list>
 #include <string>
 #include <type_traits>
+#include <utility>
+#include <variant>
 
 namespace Orvant::Benchmarks {
 
@@ -19,17 +21,23 @@ public:
     ToolSettings(const std::string& name, std::size_t values)
         : ConfigurationObject(name, "Settings of a tool", LoadAndSave, AllProducts) {
         for (std::size_t value = 0; value < values; ++value)
-            std::visit([&](const auto& sample) { add(value, sample); }, valueOf(0, value, 0));
+            add(value, std::make_index_sequence<std::variant_size_v<Value>>());
     }
     ConfigurationObject* createConfigurationObject() const override {
         return new ToolSettings(getName(), getConfigurationValuesSize());
     }
 
 private:
+    template <std::size_t... Type>
+    void add(std::size_t value, std::index_sequence<Type...>) {
+        ((value % sizeof...(Type) == Type &&
+          (addAs<std::variant_alternative_t<Type, Value>>(valueName(value)), true)) ||
+         ...);
+    }
     template <typename T>
-    void add(std::size_t value, const T&) {
-        addConfigurationValue(new ConfigurationValue<T>(valueName(value), "Parameter of the tool",
-                                                        T{}, Visible, LoadAndSave, AllProducts));
+    void addAs(const std::string& name) {
+        addConfigurationValue(new ConfigurationValue<T>(name, "Parameter of the tool", T{}, Visible,
+                                                        LoadAndSave, AllProducts));
     }
 };
 

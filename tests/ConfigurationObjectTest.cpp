@@ -130,9 +130,10 @@ std::string saveDifferent(const ConfigurationObject& object, const Configuration
     return compact(writer);
 }
 
-ConfigurationValueBase* newValue(const std::string& name, int number) {
-    return new ConfigurationValue<int>(name, "", number, Base::Visible, Base::LoadAndSave,
-                                       Base::AllProducts);
+template <typename T>
+ConfigurationValueBase* newValue(const std::string& name, const T& defaultValue) {
+    return new ConfigurationValue<T>(name, "", defaultValue, Base::Visible, Base::LoadAndSave,
+                                     Base::AllProducts);
 }
 
 /// As applications write their settings: everything is made by the default constructor, and the
@@ -1129,6 +1130,103 @@ TEST(ConfigurationObject, ClonesTheItemsThatItHasNotThoseOfTheConstructor) {
     const std::unique_ptr<ConfigurationObject> clone(Changed().clone());
     EXPECT_THAT(namesOf(clone->getConfigurationValues()), ElementsAre("Other"));
     EXPECT_EQ(0u, clone->getConfigurationObjectsSize());
+}
+
+/// A value with a unit, which an assignment of its base would leave behind.
+class Length : public ConfigurationValue<double> {
+public:
+    explicit Length(const std::string& unit)
+        : ConfigurationValue("Length", "", 0.0, Base::Visible, Base::LoadAndSave,
+                             Base::AllProducts),
+          m_unit(unit) {}
+    ConfigurationValueBase* clone() const override { return new Length(*this); }
+    const std::string& unit() const { return m_unit; }
+
+private:
+    std::string m_unit;
+};
+
+/// Its constructor makes the values that it is built with; it may get others later.
+class Assorted : public ConfigurationObject {
+public:
+    using Build = std::function<std::vector<ConfigurationValueBase*>()>;
+
+    explicit Assorted(Build build)
+        : ConfigurationObject("Assorted", "", LoadAndSave, AllProducts), m_build(std::move(build)) {
+        addAll(m_build());
+    }
+    ConfigurationObject* createConfigurationObject() const override {
+        return new Assorted(m_build);
+    }
+    void replaceBy(const std::vector<ConfigurationValueBase*>& values) {
+        clearConfigurationItems();
+        addAll(values);
+    }
+
+private:
+    void addAll(const std::vector<ConfigurationValueBase*>& values) {
+        for (ConfigurationValueBase* value : values)
+            addConfigurationValue(value);
+    }
+
+    Build m_build;
+};
+
+TEST(ConfigurationObject, ClonesValuesOfApplicationsWhateverTheConstructorMakes) {
+    Assorted object([] {
+        return std::vector<ConfigurationValueBase*>{newValue("A", 1.5), newValue("B", 2.5),
+                                                    new Length("inch"), new Length("inch")};
+    });
+    object.replaceBy({new Length("mm"), newValue("B", 3.5), newValue("C", 4.5), new Length("m")});
+    const std::unique_ptr<ConfigurationObject> clone(object.clone());
+    const auto values = clone->getConfigurationValues();
+    ASSERT_EQ(4U, values.size());
+    const auto unitOf = [&](std::size_t i) {
+        const auto* const length = dynamic_cast<const Length*>(values[i]);
+        return length == nullptr ? "none" : length->unit();
+    };
+    EXPECT_EQ("mm", unitOf(0));
+    EXPECT_EQ("none", unitOf(1));
+    EXPECT_EQ("none", unitOf(2));
+    EXPECT_EQ("m", unitOf(3));
+    EXPECT_THAT(namesOf(values), ElementsAre("Length", "B", "C", "Length"));
+}
+
+TEST(ConfigurationObject, ClonesEverythingOfAValueOverThatOfTheConstructor) {
+    using Items = std::vector<ConfigurationValueBase*>;
+    Assorted object([] {
+        return Items{newValue("Former", false),       newValue("Former", 0),
+                     newValue("Former", 0U),          newValue("Former", 0.0),
+                     newValue("Former", 0.0F),        newValue("Former", std::string()),
+                     newValue("Former", Names{"one"})};
+    });
+    const auto make = []<typename T>(const T& defaultValue, const T& value) {
+        auto made = std::make_unique<ConfigurationValue<T>>(
+            "Name", "Description", defaultValue, Base::Hidden, Base::SaveOnly, Base::Product2);
+        made->setValue(value);
+        made->setEditable(false);
+        return made.release();
+    };
+    object.replaceBy({make(false, true), make(1, 2), make(1U, 2U), make(1.0, 2.0), make(1.0F, 2.0F),
+                      make(std::string("a"), std::string("b")), make(Names{"a"}, Names{"b", "c"})});
+    const std::unique_ptr<ConfigurationObject> clone(object.clone());
+    ASSERT_EQ(7U, clone->getConfigurationValuesSize());
+    auto original = object.beginValueIterator();
+    for (auto i = clone->beginValueIterator(); i != clone->endValueIterator(); ++i, ++original) {
+        ConfigurationValueBase& value = **i;
+        EXPECT_NE(*original, &value);
+        EXPECT_EQ("Name", value.getName());
+        EXPECT_EQ("Description", value.getDescription());
+        EXPECT_FALSE(value.isGuiVisible());
+        EXPECT_FALSE(value.isLoadable());
+        EXPECT_EQ(Base::Product2, value.getProductType());
+        EXPECT_FALSE(value.isEditable());
+        EXPECT_TRUE(value.hasValue());
+        EXPECT_TRUE(value.comapreValue(*original));
+        value.resetValue();
+        (*original)->resetValue();
+        EXPECT_TRUE(value.comapreValue(*original)) << "the defaults";
+    }
 }
 
 TEST(ConfigurationObject, OutlivesTheOriginalOfACopy) {

@@ -219,6 +219,7 @@ TEST(ReaderEquivalence, HoldsOnACorpus) {
                  "<item>&empty;</item></Configuration>",
         prolog + "<Configuration>&element;<A/>&nested;<B>&element;<A key='1'/></B>"
                  "<item>&amp2;</item></Configuration>",
+        prolog + "<Configuration>&element;<A/><B>&element;</B></Configuration>",
         prolog + "<Configuration><A key=''><Value editable='false'>1</Value> <item/></A>"
                  "<A editable='true'/><A key='1'><Value>2</Value></A></Configuration>",
         prolog + "<Configuration>&undeclaredButNeverReached2;</Configuration>",

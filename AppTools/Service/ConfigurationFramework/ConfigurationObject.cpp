@@ -2,21 +2,28 @@
 
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationValueAssignment.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace Orvant {
 
 namespace {
+
+/// So many have room from the first one on.
+constexpr std::size_t fewItems = 8;
 
 template <typename Item>
 void append(std::vector<Item*>& items, Item* item) {
     if (item == nullptr)
         throw std::invalid_argument("a configuration object cannot hold a null item");
     std::unique_ptr<Item> owner(item);
+    if (items.empty())
+        items.reserve(fewItems);
     items.push_back(item);
     (void)owner.release();
 }
@@ -33,6 +40,32 @@ Item* findByName(const std::vector<Item*>& items, const std::string& name) {
     const auto found =
         std::ranges::find_if(items, [&](const Item* item) { return item->getName() == name; });
     return found == items.end() ? nullptr : *found;
+}
+
+/// Makes an item another one's copy, if that is all that its clone would be.
+bool makeCopy(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
+    return assignSameType(item, original);
+}
+bool makeCopy(const ConfigurationObject&, const ConfigurationObject&) {
+    return false;
+}
+
+/// Makes the items of a fresh object copies of others: those that it has where they can be, for
+/// making an item takes longer than assigning one.
+template <typename Item>
+void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
+    for (std::size_t i = 0; i < originals.size(); ++i) {
+        if (i < items.size() && makeCopy(*originals[i], *items[i]))
+            continue;
+        append(items, originals[i]->clone());
+        if (i + 1 < items.size()) {
+            std::swap(items[i], items.back());
+            delete items.back();
+            items.pop_back();
+        }
+    }
+    for (; items.size() > originals.size(); items.pop_back())
+        delete items.back();
 }
 
 /// The item of the same name among those of another object (null: none); objects of one class have
@@ -155,10 +188,8 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
 
 ConfigurationObject* ConfigurationObject::clone() const {
     std::unique_ptr<ConfigurationObject> copy(createConfigurationObject());
-    // First, so that the copies go where the defaults were.
-    copy->clearConfigurationItems();
-    OwnedItems items(*this);
-    items.swapWith(*copy);
+    copyItems(m_values, copy->m_values);
+    copyItems(m_objects, copy->m_objects);
     copy->setEditable(isEditable());
     copy->m_userWarningMessages = m_userWarningMessages;
     return copy.release();

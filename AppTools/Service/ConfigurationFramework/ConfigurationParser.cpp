@@ -27,7 +27,7 @@ ConfigurationParser::ConfigurationParser(xercesc::XMLValidator* validator,
 void ConfigurationParser::resetDocument() {
     m_tree.reset();
     m_version.clear();
-    m_names.clear();
+    m_names.assign(1, {});
     m_firstText.clear();
     m_inFirstText = false;
 }
@@ -36,18 +36,24 @@ void ConfigurationParser::startDocument() {
     m_tree.emplace();
 }
 
-void ConfigurationParser::endDocument() {
-    m_names.clear();
-}
+void ConfigurationParser::endDocument() {}
 
 void ConfigurationParser::XMLDecl(const XMLCh*, const XMLCh*, const XMLCh*, const XMLCh*) {}
 
 DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& declaration) {
-    // The scanner has one declaration for each name, declared or not, as long as it scans.
-    const auto [entry, isNew] = m_names.try_emplace(&declaration);
-    if (isNew)
-        entry->second = m_tree->addName(toString(declaration.getFullName()));
-    return entry->second;
+    // The scanner has one declaration for each name, declared or not, and gives them numbers from 1
+    // on, where declared ones and others can have the same.
+    const XMLSize_t number = declaration.getId();
+    if (number == m_names.size())
+        m_names.resize(number + 1);
+    if (number > m_names.size())
+        return m_tree->addName(toString(declaration.getFullName()));
+    auto& [known, name] = m_names[number];
+    if (known != &declaration) {
+        name = m_tree->addName(toString(declaration.getFullName()));
+        known = &declaration;
+    }
+    return name;
 }
 
 void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int,

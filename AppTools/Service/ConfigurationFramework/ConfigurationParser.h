@@ -4,7 +4,8 @@
 
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
@@ -48,7 +49,8 @@ private:
 
     std::optional<DocumentTree> m_tree;
     std::string m_version;
-    std::unordered_map<const xercesc::XMLElementDecl*, DocumentTree::Name> m_names;
+    /// The name of what was last declared under each number.
+    std::vector<std::pair<const xercesc::XMLElementDecl*, DocumentTree::Name>> m_names;
     std::u16string m_firstText; ///< of the open element, in pieces
     bool m_inFirstText = false;
 };

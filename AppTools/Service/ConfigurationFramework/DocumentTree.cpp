@@ -3,6 +3,8 @@
 #include <UnicodeTools/Transcode.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace Orvant {
 
@@ -11,13 +13,33 @@ namespace {
 /// Entity references have no tag that could be asked for.
 constexpr DocumentTree::Name noName = std::numeric_limits<DocumentTree::Name>::max();
 
+/// Up to here, comparing tags letter by letter is faster than finding the number of one.
+constexpr std::uint32_t mostChildrenToCompareByText = 4;
+
 /// Up to here, comparing one child after the other is faster than an index.
 constexpr std::uint32_t mostChildrenWithoutIndex = 32;
 
-template <typename Key>
-DocumentTree::Element lookUp(const std::unordered_map<Key, DocumentTree::Element>& map, Key key) {
-    const auto found = map.find(key);
-    return found == map.end() ? DocumentTree::none : found->second;
+/// Up to here, walking along the elements is faster than an index.
+constexpr DocumentTree::Element mostElementsWithoutIndex = 64;
+
+/// @return first element of a name and key among sorted ones, or `none`
+template <typename Entries>
+DocumentTree::Element firstOf(const Entries& entries, std::uint32_t name, std::uint32_t key) {
+    const auto found = std::ranges::lower_bound(entries, std::tuple(name, key, DocumentTree::root));
+    return found != entries.end() && std::get<0>(*found) == name && std::get<1>(*found) == key
+               ? std::get<2>(*found)
+               : DocumentTree::none;
+}
+
+/// @return last element of a name and key among sorted ones, or `none`
+template <typename Entries>
+DocumentTree::Element lastOf(const Entries& entries, std::uint32_t name, std::uint32_t key) {
+    const auto behind =
+        std::ranges::upper_bound(entries, std::tuple(name, key, DocumentTree::none));
+    return behind != entries.begin() && std::get<0>(behind[-1]) == name &&
+                   std::get<1>(behind[-1]) == key
+               ? std::get<2>(behind[-1])
+               : DocumentTree::none;
 }
 
 } // namespace
@@ -25,7 +47,7 @@ DocumentTree::Element lookUp(const std::unordered_map<Key, DocumentTree::Element
 DocumentTree::Name DocumentTree::addName(const std::string& name) {
     const auto [entry, isNew] = m_names.try_emplace(name, static_cast<Name>(m_names.size()));
     if (isNew)
-        m_elementsOfName.emplace_back();
+        m_nameEntries.push_back({&entry->first});
     return entry->second;
 }
 
@@ -41,8 +63,21 @@ void DocumentTree::startElement(Name name, const std::string& key, bool editable
             m_keyTexts.push_back(&entry->first);
         node.key = entry->second;
     }
-    m_elementsOfName[name].push_back(static_cast<Element>(m_nodes.size()));
+    node.isFirstOfName = isFirstOfName(name);
     start(node);
+}
+
+/// Tells of the element that is about to be started; where that would take a search, says no.
+bool DocumentTree::isFirstOfName(Name name) {
+    NameEntry& entry = m_nameEntries[name];
+    ++entry.occurrences;
+    const Element parent = isOpen() ? m_open.back() : none;
+    const Element lastParent = std::exchange(entry.lastParent, parent);
+    // The last parent is known, not those before. An element that is open still will get further
+    // children, which must not be taken for the first.
+    if (lastParent != none && lastParent != parent && m_nodes[lastParent].end == 0)
+        entry.isNested = true;
+    return lastParent != parent && !entry.isNested;
 }
 
 void DocumentTree::startEntityReference() {
@@ -121,24 +156,48 @@ const DocumentTree::ChildIndex& DocumentTree::index(Element parent) {
     const auto [entry, isNew] = m_indexes.try_emplace(parent);
     ChildIndex& index = entry->second;
     if (isNew) {
+        index.byName.reserve(m_nodes[parent].children);
+        index.byNameAndKey.reserve(m_nodes[parent].children);
         findChildIf(parent, [&](const Node& node) {
             const auto child = static_cast<Element>(&node - m_nodes.data());
-            index.first.try_emplace(node.name, child);
-            index.firstWithKey.try_emplace(pair(node.name, node.key), child);
-            if (node.key == 0)
-                index.lastWithoutKey[node.name] = child;
+            index.byName.emplace_back(node.name, Key{0}, child);
+            index.byNameAndKey.emplace_back(node.name, node.key, child);
             return false;
         });
+        std::ranges::sort(index.byName);
+        std::ranges::sort(index.byNameAndKey);
     }
     return index;
 }
 
 DocumentTree::Element DocumentTree::findChild(Element parent, const std::string& name) {
+    // Most are asked for in the order in which they stand.
+    const Element found = isExpected(parent, name) ? m_expected : search(parent, name);
+    if (found != none) {
+        m_expected = m_nodes[found].end;
+        m_expectedParent = parent;
+    }
+    return found;
+}
+
+/// Whether the child behind the one that was found last is the one that is asked for now.
+bool DocumentTree::isExpected(Element parent, const std::string& name) const {
+    if (m_expectedParent != parent || m_expected >= m_nodes[parent].end)
+        return false;
+    const Node& node = m_nodes[m_expected];
+    return node.isFirstOfName && *m_nameEntries[node.name].text == name;
+}
+
+DocumentTree::Element DocumentTree::search(Element parent, const std::string& name) {
+    if (m_nodes[parent].children <= mostChildrenToCompareByText)
+        return findChildIf(parent, [&](const Node& node) {
+            return node.name != noName && *m_nameEntries[node.name].text == name;
+        });
     const auto wanted = findName(name);
     if (!wanted)
         return none;
     if (isWide(parent))
-        return lookUp(index(parent).first, *wanted);
+        return firstOf(index(parent).byName, *wanted, 0);
     return findChildIf(parent, [&](const Node& node) { return node.name == *wanted; });
 }
 
@@ -149,7 +208,7 @@ DocumentTree::Element DocumentTree::findChild(Element parent, const std::string&
     if (!wanted || !wantedKey)
         return none;
     if (isWide(parent))
-        return lookUp(index(parent).firstWithKey, pair(*wanted, *wantedKey));
+        return firstOf(index(parent).byNameAndKey, *wanted, *wantedKey);
     return findChildIf(
         parent, [&](const Node& node) { return node.name == *wanted && node.key == *wantedKey; });
 }
@@ -159,7 +218,7 @@ DocumentTree::Element DocumentTree::findChildWithoutKey(Element parent, const st
     if (!wanted)
         return none;
     if (isWide(parent))
-        return lookUp(index(parent).lastWithoutKey, *wanted);
+        return lastOf(index(parent).byNameAndKey, *wanted, 0);
     Element last = none;
     findChildIf(parent, [&](const Node& node) {
         if (node.name == *wanted && node.key == 0)
@@ -169,19 +228,37 @@ DocumentTree::Element DocumentTree::findChildWithoutKey(Element parent, const st
     return last;
 }
 
-std::span<const DocumentTree::Element> DocumentTree::elementsBelow(Element ancestor,
-                                                                   const std::string& name) const {
+DocumentTree::Element DocumentTree::findBelow(Element ancestor, const std::string& name) {
     const auto wanted = findName(name);
-    if (!wanted)
-        return {};
-    const std::vector<Element>& elements = m_elementsOfName[*wanted];
-    return {std::ranges::upper_bound(elements, ancestor),
-            std::ranges::lower_bound(elements, m_nodes[ancestor].end)};
+    return wanted ? nextBelow(ancestor, ancestor, *wanted) : none;
 }
 
-DocumentTree::Element DocumentTree::findInDocument(const std::string& name) const {
-    const auto elements = elementsBelow(root, name);
-    return elements.empty() ? none : elements.front();
+/// The next element of a name behind another and below an ancestor, or `none`.
+DocumentTree::Element DocumentTree::nextBelow(Element ancestor, Element element, Name name) {
+    const Element end = m_nodes[ancestor].end;
+    const Element stop = std::min(end, element + mostElementsWithoutIndex);
+    for (++element; element < stop; ++element)
+        if (m_nodes[element].name == name)
+            return element;
+    if (element == end)
+        return none;
+    if (m_byName.empty())
+        sortByName();
+    const auto groupEnd = m_byName.begin() + static_cast<std::ptrdiff_t>(m_groups[name + 1]);
+    const auto next = std::lower_bound(
+        m_byName.begin() + static_cast<std::ptrdiff_t>(m_groups[name]), groupEnd, element);
+    return next != groupEnd && *next < end ? *next : none;
+}
+
+void DocumentTree::sortByName() {
+    m_groups.assign(m_nameEntries.size() + 1, 0);
+    for (std::size_t name = 0; name < m_nameEntries.size(); ++name)
+        m_groups[name + 1] = m_groups[name] + m_nameEntries[name].occurrences;
+    m_byName.resize(m_groups.back());
+    std::vector<std::size_t> next = m_groups;
+    for (Element element = 0; element < m_nodes.size(); ++element)
+        if (m_nodes[element].name != noName)
+            m_byName[next[m_nodes[element].name]++] = element;
 }
 
 DocumentTree::Element DocumentTree::findInDocument(const std::string& name,
@@ -193,7 +270,8 @@ DocumentTree::Element DocumentTree::findInDocument(const std::string& name,
     if (m_firstWithKey.empty())
         for (Element element = root + 1; element < m_nodes.size(); ++element)
             m_firstWithKey.try_emplace(pair(m_nodes[element].name, m_nodes[element].key), element);
-    return lookUp(m_firstWithKey, pair(*wanted, *wantedKey));
+    const auto found = m_firstWithKey.find(pair(*wanted, *wantedKey));
+    return found == m_firstWithKey.end() ? none : found->second;
 }
 
 } // namespace Orvant

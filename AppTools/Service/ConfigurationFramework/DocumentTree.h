@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -16,8 +16,8 @@ namespace Orvant {
 /// with their tags, keys and locks, and of each the first child: text, or something else, or none.
 ///
 /// The elements stand in one row, each before its descendants, so that a walk through a subtree is
-/// a walk along the row. Children of elements that have many are found through an index that is
-/// made when it is first needed. Not for use from several threads.
+/// a walk along the row. Where there are many to search, an index is made when it is first needed.
+/// Not for use from several threads.
 class DocumentTree {
 public:
     /// Position of an element in document order.
@@ -62,12 +62,24 @@ public:
     Element findChild(Element parent, const std::string& name, const std::string& key);
     /// @return last child of that tag without a key, or `none`
     Element findChildWithoutKey(Element parent, const std::string& name);
-    /// @return all elements of that tag below another, in order; valid as long as the tree
-    std::span<const Element> elementsBelow(Element ancestor, const std::string& name) const;
-    /// @return first element of that tag below the root, or `none`
-    Element findInDocument(const std::string& name) const;
+    /// @return first element of that tag below another, at any depth, or `none`
+    Element findBelow(Element ancestor, const std::string& name);
     /// @return first element of that tag and key below the root, or `none`
     Element findInDocument(const std::string& name, const std::string& key);
+
+    /// Calls back with each element of that tag below another, in order, until false is returned.
+    /// @return false when the callback returned it
+    template <typename Callback>
+    bool forEachBelow(Element ancestor, const std::string& name, Callback callback) {
+        const auto wanted = findName(name);
+        if (!wanted)
+            return true;
+        for (Element element = nextBelow(ancestor, ancestor, *wanted); element != none;
+             element = nextBelow(ancestor, element, *wanted))
+            if (!callback(element))
+                return false;
+        return true;
+    }
 
     /// Calls back with each child of that tag, in order.
     template <typename Callback>
@@ -88,23 +100,38 @@ private:
         std::size_t textLength = 0; ///< length of the first text
         Name name = 0;
         Key key = 0;
-        Element end = 0; ///< behind the last descendant
+        Element end = 0; ///< behind the last descendant; 0 while it is open
         std::uint32_t children = 0;
         FirstChild firstChild = FirstChild::None;
         bool editable = true;
+        bool isFirstOfName = false; ///< surely the first of its name among its siblings
     };
 
-    /// The children of one element by tag, and by tag and key.
+    /// One tag.
+    struct NameEntry {
+        const std::string* text;
+        Element lastParent = none; ///< of the last element with it
+        bool isNested = false;     ///< stood at several levels of open elements at once
+        std::size_t occurrences = 0;
+    };
+
+    /// An element by its tag and, as far as it counts, its key.
+    using Entry = std::tuple<Name, Key, Element>;
+    /// The children of one element, sorted.
     struct ChildIndex {
-        std::unordered_map<Name, Element> first;
-        std::unordered_map<Name, Element> lastWithoutKey;
-        std::unordered_map<std::uint64_t, Element> firstWithKey;
+        std::vector<Entry> byName; ///< all with key 0
+        std::vector<Entry> byNameAndKey;
     };
 
     static std::uint64_t pair(Name name, Key key) { return std::uint64_t{name} << 32U | key; }
 
     void start(const Node& node);
+    bool isFirstOfName(Name name);
     bool isWide(Element parent) const;
+    bool isExpected(Element parent, const std::string& name) const;
+    Element search(Element parent, const std::string& name);
+    Element nextBelow(Element ancestor, Element element, Name name);
+    void sortByName();
     const ChildIndex& index(Element parent);
     std::optional<Name> findName(const std::string& name) const;
     std::optional<Key> findKey(const std::string& key) const;
@@ -114,12 +141,16 @@ private:
     std::vector<Node> m_nodes;
     std::string m_texts;
     std::unordered_map<std::string, Name> m_names;
-    std::vector<std::vector<Element>> m_elementsOfName; ///< by name, in document order
+    std::vector<NameEntry> m_nameEntries; ///< by name
     std::unordered_map<std::string, Key> m_keys;
     std::vector<const std::string*> m_keyTexts; ///< by key
     std::vector<Element> m_open;
+    Element m_expected = none;       ///< the child that stands behind the one found last
+    Element m_expectedParent = none; ///< its parent
     std::unordered_map<Element, ChildIndex> m_indexes;
     std::unordered_map<std::uint64_t, Element> m_firstWithKey; ///< below the root, made when needed
+    std::vector<Element> m_byName;     ///< all elements, by name and in document order
+    std::vector<std::size_t> m_groups; ///< by name, where its elements begin in m_byName
 };
 
 } // namespace Orvant

@@ -138,22 +138,22 @@ SimpleConfigReaderImpl::getStringVector(const std::string& name, std::vector<std
                                         bool& editable, std::map<std::string, bool>& itemEditable) {
     values.clear();
     itemEditable.clear();
-    const auto lists = m_tree->elementsBelow(m_current, name);
-    if (lists.empty())
+    const Element list = m_tree->findBelow(m_current, name);
+    if (list == DocumentTree::none)
         return ConfigurationAccessResult::Failure;
-    editable = m_tree->isEditable(lists.front());
-    for (const Element item : m_tree->elementsBelow(lists.front(), "item")) {
+    editable = m_tree->isEditable(list);
+    return successIf(m_tree->forEachBelow(list, "item", [&](Element item) {
         auto text = optionalText(*m_tree, item);
         if (!text)
-            return ConfigurationAccessResult::Failure;
+            return false;
         values.push_back(std::move(*text));
         itemEditable[values.back()] = m_tree->isEditable(item);
-    }
-    return ConfigurationAccessResult::Success;
+        return true;
+    }));
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::tagExists(const std::string& name) {
-    return makeCurrent(m_tree->findInDocument(name));
+    return makeCurrent(m_tree->findBelow(DocumentTree::root, name));
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getEditable(bool& editable) {
@@ -186,7 +186,7 @@ SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name, const s
 ConfigurationAccessResult
 SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name,
                                                 ConfigurationObject& object) {
-    return loadFrom(m_tree->findInDocument(name), object);
+    return loadFrom(m_tree->findBelow(DocumentTree::root, name), object);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(ConfigurationObject& object) {
