@@ -622,6 +622,46 @@ TEST_F(ConfigurationManagerBatch, HasTheEffectOfRegisteringOneAfterTheOther) {
     EXPECT_EQ(batch[1].object.get(), m_manager.getConfigurationObject("B"));
 }
 
+/// Does something to the manager once it is loaded.
+class Meddler : public TestObject {
+public:
+    explicit Meddler(std::function<void()> meddle)
+        : TestObject("Meddler"), m_meddle(std::move(meddle)) {}
+    void emitSignalsAfterConfigLoading() override { m_meddle(); }
+
+private:
+    std::function<void()> m_meddle;
+};
+
+TEST_F(ConfigurationManagerBatch, HeedsWhatAnObjectDoesToTheManagerWhileItIsLoaded) {
+    writeFiles("<Meddler/><A><v>1</v></A>", "");
+    Support::writeFile(m_file, document("<A><v>2</v></A>"));
+    const auto otherVersion = m_directory.file("other_version.xml");
+    Support::writeFile(otherVersion,
+                       "<Configuration version='2.0'><A><v>3</v></A></Configuration>");
+    const auto valueBehind = [&](std::function<void()> meddle) {
+        m_manager.reset();
+        m_manager.setValidVersionList({"1.0"});
+        useTwoFiles();
+        const auto object = TestObject::make("A", [](TestObject& o) { o.add("v", 0); });
+        m_manager.addConfigurationObjects(
+            {{std::make_shared<Meddler>(std::move(meddle)), "Meddler"}, {object, "A"}});
+        return object->value<int>("v").getValue();
+    };
+    EXPECT_EQ(1, valueBehind([] {}));
+    EXPECT_EQ(2, valueBehind([&] { useOneFile(); }));
+    EXPECT_EQ(
+        2, valueBehind([&] { m_manager.setSystemAndUserConfigurationFile(m_file, m_userFile); }));
+    EXPECT_EQ(0, valueBehind([&] { m_manager.setValidVersionList({"2.0"}); }));
+    EXPECT_EQ(3, valueBehind([&] {
+                  m_manager.setConfigurationFile(otherVersion);
+                  m_manager.setValidVersionList({"2.0"});
+              }));
+    EXPECT_EQ(0, valueBehind([&] { m_manager.reset(); }));
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Meddler"));
+    EXPECT_NE(nullptr, m_manager.getConfigurationObject("A"));
+}
+
 TEST_F(ConfigurationManagerBatch, RefusesANullObject) {
     EXPECT_THROW(m_manager.addConfigurationObjects({{nullptr, "Null"}}), std::invalid_argument);
     EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Null"));

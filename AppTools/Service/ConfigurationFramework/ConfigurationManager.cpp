@@ -6,6 +6,7 @@
 
 #include <FileHandling/FileUtilities.h>
 
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -87,6 +88,7 @@ ConfigurationManager& ConfigurationManager::getInstance() {
 void ConfigurationManager::setConfigurationFile(const FileName& file) {
     m_configurationFile = file;
     m_fileMode = SingleFile;
+    ++m_sourcesRevision;
 }
 
 void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& systemFile,
@@ -94,20 +96,28 @@ void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& sys
     m_systemFile = systemFile;
     m_userFile = userFile;
     m_fileMode = SystemAndUserFile;
+    ++m_sourcesRevision;
 }
 
 void ConfigurationManager::setValidVersionList(const std::list<std::string>& versions) {
     m_validVersions = versions;
+    ++m_sourcesRevision;
 }
 
 void ConfigurationManager::addConfigurationObjects(
     const std::vector<ConfigurationRegistration>& registrations) {
-    AdvancedConfigReader reader;
-    const bool hasSource = addSourceToConfigReader(reader);
+    std::optional<AdvancedConfigReader> reader;
+    unsigned int readRevision = 0;
+    bool hasSource = false;
     for (const ConfigurationRegistration& registration : registrations) {
         registerObject(registration);
+        // An object may set other files while it is loaded.
+        if (!reader || readRevision != m_sourcesRevision) {
+            readRevision = m_sourcesRevision;
+            hasSource = addSourceToConfigReader(reader.emplace());
+        }
         if (hasSource)
-            load(reader, registration);
+            load(*reader, registration);
     }
 }
 
@@ -180,6 +190,7 @@ void ConfigurationManager::reset() {
     m_configurationFile = FileName();
     m_systemFile = FileName();
     m_userFile = FileName();
+    ++m_sourcesRevision;
 }
 
 void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {

@@ -69,6 +69,8 @@ public:
 
     /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
     /// other, but opens each file only once: the way to register what an application has at start.
+    /// An object that sets other files or versions, or resets the manager, while it is loaded does
+    /// so for those behind it; what it writes to a file that is open is not seen by them.
     /// @param registrations objects with the names and keys of their elements
     /// @throws std::invalid_argument for a null object; those before it are registered
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
@@ -144,6 +146,7 @@ private:
     /// Names and keys that are taken.
     std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
     std::list<std::string> m_validVersions;
+    unsigned int m_sourcesRevision = 0; ///< counts the changes of files and versions
 };
 
 } // namespace Orvant
