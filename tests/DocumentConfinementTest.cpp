@@ -233,6 +233,22 @@ TEST(EntityReferences, CountForEachDocumentByItself) {
     }
 }
 
+TEST(EntityReferences, LeaveRoomForWhateverStandsBehindTheLast) {
+    std::string declarations = "<!ENTITY % p ''>" + repeated("%p;", 5'000) + simpleEntity;
+    std::string elements;
+    for (int i = 0; i < 50; ++i) {
+        const std::string name = "N" + std::to_string(i);
+        declarations += "<!ELEMENT " + name + " (S|T)*><!ATTLIST " + name + " a CDATA 'x' b ID " +
+                        "#IMPLIED c (d|e) 'd'>";
+        elements += "<" + name + " b='" + name + "' f='g'><!--h--></" + name + "><?i j?>";
+    }
+    const auto references = [](int count) { return "<S>" + repeated("&a;", count) + "</S>"; };
+    EXPECT_THAT(refusalTypes(configuration(references(5'000) + elements, declarations)), isOpened);
+    EXPECT_THAT(refusalTypes(configuration(references(5'001) + elements, declarations)), isRefused);
+    declarations.insert(0, "<!ENTITY % q ''>" + repeated("%q;", 5'000));
+    EXPECT_THAT(refusalTypes(configuration(elements, declarations)), isOpened);
+}
+
 TEST(EntityReferences, AreNotThoseThatXmlPredefinesOrThatNameCharacters) {
     auto reader = openBody("<S>" + repeated("&amp;", 20'000) + repeated("&#65;", 20'000) + "</S>");
     EXPECT_EQ(std::string(20'000, '&') + std::string(20'000, 'A'), readString(reader, "S"));

@@ -16,7 +16,6 @@
 #include <xercesc/internal/XMLReader.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
-#include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
@@ -36,17 +35,16 @@ ParserMemory::~ParserMemory() {
 
 /// @throws xercesc::OutOfMemoryException when the limit is passed
 void ParserMemory::countExpansion(XMLSize_t size) {
-    // For the document and for each entity that it expands, the scanner makes a stream and then a
-    // reader. In Xerces, a block made with a memory manager carries a header. The stream is what is
-    // refused: a reader that is refused would leave its stream behind.
+    // For the document and for each entity that it expands, the scanner makes a reader, whose size
+    // nothing else has. In Xerces, a block made with a memory manager carries a header.
     static const XMLSize_t header =
         xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*));
-    if (size == header + sizeof(xercesc::BinMemInputStream) && m_expansions >= m_limit) {
-        m_isExceeded = true;
-        throw xercesc::OutOfMemoryException();
-    }
-    if (size == header + sizeof(xercesc::XMLReader) && std::exchange(m_hasDocument, true))
-        ++m_expansions;
+    if (size != header + sizeof(xercesc::XMLReader) || !std::exchange(m_hasDocument, true))
+        return;
+    if (m_expansions++ < m_limit)
+        return;
+    m_isExceeded = true;
+    throw xercesc::OutOfMemoryException();
 }
 
 void* ParserMemory::allocate(XMLSize_t size) {
