@@ -1,6 +1,6 @@
 #include <UnicodeTools/UnicodeTools.h>
 
-#include <UnicodeTools/Transcode.h>
+#include <Transcoding/Transcode.h>
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>
 #include <Logging/Logging.h>
-#include <UnicodeTools/Transcode.h>
+#include <Transcoding/Transcode.h>
 #include <UnicodeTools/UnicodeTools.h>
 
 #include <cstring>

@@ -1,6 +1,6 @@
 #include <ConfigurationFramework/DocumentText.h>
 
-#include <UnicodeTools/Transcode.h>
+#include <Transcoding/Transcode.h>
 
 namespace Orvant {
 

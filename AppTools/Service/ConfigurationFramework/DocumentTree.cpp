@@ -1,6 +1,6 @@
 #include <ConfigurationFramework/DocumentTree.h>
 
-#include <UnicodeTools/Transcode.h>
+#include <Transcoding/Transcode.h>
 
 #include <algorithm>
 #include <cstddef>

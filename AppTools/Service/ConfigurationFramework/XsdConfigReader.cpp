@@ -21,7 +21,7 @@ constexpr const char* rewritingFile =
     ".aVeryLongPathNameForAtemporaryFileInPlaceSoWeCouldParseOurXsd.xsd";
 constexpr const char* sanitisingFile = ".tempFileForSanitazingTheInputOfTheXsdFile.xml";
 
-FileName beside(const FileName& file, const char* name) {
+FileName beside(const FileName& file, const std::string& name) {
     FileName neighbour = file.getLocation();
     return neighbour /= name;
 }

@@ -1,6 +1,6 @@
 #include <GeneralServices/XercesHelperFunctions.h>
 
-#include <UnicodeTools/Transcode.h>
+#include <Transcoding/Transcode.h>
 
 #include <xercesc/util/XMLString.hpp>
 
