@@ -13,6 +13,8 @@ std::string toUtf8(const std::u8string& text) {
 FileNameException::FileNameException(std::source_location location)
     : OvException("FileNameException", location) {}
 
+FileNameException::~FileNameException() = default;
+
 FileName::FileName(const std::string& path) : m_path(std::u8string(path.begin(), path.end())) {}
 
 FileName::FileName(const char* path) : FileName(std::string(path)) {}

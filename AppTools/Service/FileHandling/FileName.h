@@ -13,6 +13,15 @@ class ORVANT_FILEHANDLING_EXPORT FileNameException : public OvException {
 public:
     /// @param location place of the throw statement
     explicit FileNameException(std::source_location location = std::source_location::current());
+
+    /// Copies name and place.
+    /// @{
+    FileNameException(const FileNameException&) = default;
+    FileNameException(FileNameException&&) = default;
+    FileNameException& operator=(const FileNameException&) = default;
+    FileNameException& operator=(FileNameException&&) = default;
+    /// @}
+    ~FileNameException() override;
 };
 
 /// Path of a file or directory, as every file argument of the suite is given.

@@ -17,6 +17,7 @@ public:
     /// Opens the file; ask is_open() whether that went well.
     /// @throws FileNameException for a name that no file system could hold
     explicit OvIfstream(const FileName& file, std::ios::openmode mode = std::ios::in);
+    ~OvIfstream() override;
 };
 
 /// File stream for writing that takes the suite's file names.
@@ -36,6 +37,7 @@ public:
     /// @throws FileNameException for a name that no file system could hold
     explicit OvOfstream(const FileName& file, std::ios::openmode mode = std::ios::out,
                         ByteOrderMark byteOrderMark = NoByteOrderMark);
+    ~OvOfstream() override;
 };
 
 } // namespace Orvant
