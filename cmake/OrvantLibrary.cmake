@@ -20,13 +20,14 @@ function(orvant_compile_options target)
     endif()
 endfunction()
 
-# orvant_library(FOLDER SOURCES ... [PUBLIC ...] [PRIVATE ...])
+# orvant_library(FOLDER SOURCES ... [HEADERS ...] [PUBLIC ...] [PRIVATE ...])
 #
 # One shared library from one folder of AppTools/Service: libService_FOLDER, target
 # Orvant::Service_FOLDER, everything hidden but what ORVANT_FOLDER_EXPORT marks
-# (header <FOLDER/Export.h>). PUBLIC and PRIVATE name the libraries it links.
+# (header <FOLDER/Export.h>). HEADERS are its part of the public interface: they are installed and
+# documented. PUBLIC and PRIVATE name the libraries it links.
 function(orvant_library folder)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
     set(target Service_${folder})
     string(TOUPPER ${folder} upper)
 
@@ -38,14 +39,26 @@ function(orvant_library folder)
         VISIBILITY_INLINES_HIDDEN ON
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
+    # Visibility does not reach what is made of the standard library's templates.
+    set(exports "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+    if(CMAKE_EXECUTABLE_FORMAT STREQUAL "ELF")
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
+        set_target_properties(${target} PROPERTIES LINK_DEPENDS "${exports}")
+    endif()
 
     set(generated "${PROJECT_BINARY_DIR}/include")
     generate_export_header(${target}
         BASE_NAME ORVANT_${upper}
         EXPORT_FILE_NAME "${generated}/${folder}/Export.h")
     target_include_directories(${target} PUBLIC
-        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/AppTools/Service>
-        $<BUILD_INTERFACE:${generated}>
-        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+        $<BUILD_INTERFACE:${ORVANT_INCLUDE_ROOT}>
+        $<BUILD_INTERFACE:${generated}>)
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+
+    if(arg_HEADERS)
+        list(APPEND arg_HEADERS Export.h)
+        list(TRANSFORM arg_HEADERS PREPEND "${folder}/")
+        set_property(GLOBAL APPEND PROPERTY ORVANT_PUBLIC_HEADERS ${arg_HEADERS})
+    endif()
+    orvant_install_library(${target} ${arg_HEADERS})
 endfunction()

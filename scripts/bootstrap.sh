@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing.
-# usage: bootstrap.sh GROUP...   (build, test, check, docs, benchmark)
+# usage: bootstrap.sh GROUP...   (build, test, check, docs, packages, benchmark)
 set -euo pipefail
 
 packages=()
@@ -8,11 +8,12 @@ for group in "$@"; do
     case "$group" in
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
                       libspdlog-dev xsdcxx libxml2-utils) ;;
-    test) packages+=(libgtest-dev libgmock-dev) ;;
+    test) packages+=(libgtest-dev libgmock-dev pkg-config) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
     check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;
     docs) packages+=(doxygen) ;;
+    packages) packages+=(dpkg-dev file mmdebstrap) ;;
     *) echo "bootstrap.sh: no such group: $group" >&2; exit 2 ;;
     esac
 done

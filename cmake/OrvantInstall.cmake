@@ -1,0 +1,72 @@
+# What `cmake --install` puts where: libraries, public headers, CMake package, pkg-config file.
+# The tree can be moved: nothing in it names the place it was installed to.
+include(CMakePackageConfigHelpers)
+
+set(orvant_package "${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME}")
+
+# orvant_install_library(TARGET [HEADER...]): HEADERs, written as they are included, lie in the source
+# tree or in the build tree. Without any, nobody links the library but the libraries themselves.
+function(orvant_install_library target)
+    if(NOT ORVANT_INSTALL)
+        return()
+    endif()
+    # The libraries find each other where they lie side by side.
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN;${CMAKE_INSTALL_RPATH}")
+    set(link_name NAMELINK_SKIP)
+    if(ARGN)
+        set(link_name NAMELINK_COMPONENT ConfigurationFramework_Development)
+        set_property(GLOBAL APPEND PROPERTY ORVANT_LINKED_LIBRARIES ${target})
+    endif()
+    install(TARGETS ${target} EXPORT ${PROJECT_NAME}
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ConfigurationFramework_Runtime
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ConfigurationFramework_Runtime
+                ${link_name}
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ConfigurationFramework_Development
+        INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    foreach(header IN LISTS ARGN)
+        set(file "${PROJECT_SOURCE_DIR}/AppTools/Service/${header}")
+        if(NOT EXISTS "${file}")
+            set(file "${PROJECT_BINARY_DIR}/include/${header}")
+        endif()
+        cmake_path(GET header PARENT_PATH folder)
+        install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
+            COMPONENT ConfigurationFramework_Development)
+    endforeach()
+endfunction()
+
+# orvant_install_package(): the CMake package and the pkg-config file of what was installed.
+function(orvant_install_package)
+    if(NOT ORVANT_INSTALL)
+        return()
+    endif()
+    set(cmake_dir "${PROJECT_SOURCE_DIR}/cmake")
+    set(config "${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake")
+    set(version "${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake")
+    set(find_services "")
+    foreach(package IN LISTS orvant_service_packages)
+        string(APPEND find_services "find_dependency(${package})\n")
+    endforeach()
+    configure_package_config_file("${cmake_dir}/PackageConfig.cmake.in" "${config}"
+        INSTALL_DESTINATION "${orvant_package}")
+    write_basic_package_version_file("${version}" COMPATIBILITY SameMajorVersion)
+    install(FILES "${config}" "${version}" DESTINATION "${orvant_package}"
+        COMPONENT ConfigurationFramework_Development)
+    install(EXPORT ${PROJECT_NAME} NAMESPACE Orvant:: FILE ${PROJECT_NAME}Targets.cmake
+        DESTINATION "${orvant_package}" COMPONENT ConfigurationFramework_Development)
+
+    # What the suite links instead of a service library has a name that is not known here.
+    if(orvant_replaced)
+        return()
+    endif()
+    get_property(libraries GLOBAL PROPERTY ORVANT_LINKED_LIBRARIES)
+    list(REVERSE libraries)
+    list(TRANSFORM libraries PREPEND "-l")
+    list(JOIN libraries " " libraries)
+    set(prefix "${CMAKE_INSTALL_PREFIX}")
+    file(RELATIVE_PATH up "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${prefix}")
+    file(RELATIVE_PATH libdir "${prefix}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    file(RELATIVE_PATH includedir "${prefix}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+    configure_file("${cmake_dir}/package.pc.in" "${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ConfigurationFramework_Development)
+endfunction()

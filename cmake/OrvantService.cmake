@@ -1,0 +1,75 @@
+# The service libraries that the framework stands on, each of which a suite can replace by its own:
+#
+#   ORVANT_LOGGING_TARGET   CMake target of the suite's that provides <Logging/Logging.h>
+#   ORVANT_LOGGING_PACKAGE  CMake package that defines it, where it is not part of the same build
+#
+# and likewise for the other folders.
+set(orvant_services
+    ExceptionHandling FileHandling GeneralServices Logging System UnicodeTools VersionControl)
+
+set(orvant_replaced "")          # services
+set(orvant_service_packages "")  # what defines the targets that are used instead
+set(orvant_service_headers "${PROJECT_SOURCE_DIR}/AppTools/Service")
+foreach(service IN LISTS orvant_services)
+    string(TOUPPER ${service} upper)
+    set(ORVANT_${upper}_TARGET "" CACHE STRING "The suite's own target instead of Service_${service}")
+    set(ORVANT_${upper}_PACKAGE "" CACHE STRING "CMake package that defines ORVANT_${upper}_TARGET")
+    mark_as_advanced(ORVANT_${upper}_TARGET ORVANT_${upper}_PACKAGE)
+    if(ORVANT_${upper}_TARGET)
+        list(APPEND orvant_replaced ${service})
+        list(APPEND orvant_service_packages ${ORVANT_${upper}_PACKAGE})
+    endif()
+endforeach()
+list(REMOVE_DUPLICATES orvant_service_packages)
+
+if(orvant_replaced AND ORVANT_BUILD_TESTS)
+    message(FATAL_ERROR "The tests are for the service libraries that come with this project; "
+        "replaced: ${orvant_replaced}. Set ORVANT_BUILD_TESTS to OFF.")
+endif()
+foreach(service IN LISTS orvant_replaced)
+    string(TOUPPER ${service} upper)
+    set(target ${ORVANT_${upper}_TARGET})
+    set(package ${ORVANT_${upper}_PACKAGE})
+    if(package AND NOT TARGET ${target})
+        find_package(${package} REQUIRED)
+    endif()
+    if(ORVANT_INSTALL AND NOT package)
+        message(FATAL_ERROR "Who uses what is installed has to find ${target}, too. Name its CMake "
+            "package in ORVANT_${upper}_PACKAGE, or set ORVANT_INSTALL to OFF.")
+    elseif(NOT TARGET ${target})
+        message(FATAL_ERROR "ORVANT_${upper}_TARGET is ${target}, which is no target here. Define it "
+            "before this project, or name its CMake package in ORVANT_${upper}_PACKAGE.")
+    endif()
+endforeach()
+
+# Where <FOLDER/CLASS.h> is looked for. The header of a library that is replaced must not be found, so
+# the others are linked into a folder of their own then.
+set(ORVANT_INCLUDE_ROOT "${orvant_service_headers}")
+if(orvant_replaced)
+    set(ORVANT_INCLUDE_ROOT "${PROJECT_BINARY_DIR}/service")
+    file(REMOVE_RECURSE "${ORVANT_INCLUDE_ROOT}")
+    file(MAKE_DIRECTORY "${ORVANT_INCLUDE_ROOT}")
+    foreach(folder ConfigurationFramework Transcoding ${orvant_services})
+        if(folder IN_LIST orvant_replaced)
+            file(REMOVE_RECURSE "${PROJECT_BINARY_DIR}/include/${folder}")
+        else()
+            file(CREATE_LINK "${orvant_service_headers}/${folder}" "${ORVANT_INCLUDE_ROOT}/${folder}"
+                SYMBOLIC)
+        endif()
+    endforeach()
+endif()
+
+# orvant_service(FOLDER ...): orvant_library, unless the suite brings its own.
+function(orvant_service folder)
+    string(TOUPPER ${folder} upper)
+    if(NOT folder IN_LIST orvant_replaced)
+        orvant_library(${folder} ${ARGN})
+        return()
+    endif()
+    set(target ${ORVANT_${upper}_TARGET})
+    get_target_property(aliased ${target} ALIASED_TARGET)
+    if(aliased)
+        set(target ${aliased})
+    endif()
+    add_library(Orvant::Service_${folder} ALIAS ${target})
+endfunction()
