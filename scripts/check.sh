@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What a maintainer adds to the tests before landing: the tests on Clang with AddressSanitizer and
-# UndefinedBehaviorSanitizer, clang-format, clang-tidy.
+# What a maintainer adds to the tests before landing: clang-format, clang-tidy, all tests on Clang with
+# AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,3 +18,6 @@ run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/(AppTools|examples)/.*" 2>/d
 
 echo "== Tests under the sanitizers"
 ctest --preset asan-ubsan
+
+echo "== Debian packages"
+scripts/debian.sh

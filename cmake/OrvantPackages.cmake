@@ -1,0 +1,34 @@
+# Debian packages by `cpack -G DEB`, as scripts/debian.sh calls it: one to run applications, one to
+# build them.
+set(runtime libservice-configurationframework${PROJECT_VERSION_MAJOR})
+set(development libservice-configurationframework-dev)
+
+set(CPACK_PACKAGE_NAME ${runtime})
+set(CPACK_PACKAGE_VENDOR "Orvant")
+set(CPACK_PACKAGE_CONTACT "Orvant <configuration@orvant.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Settings of an engineering suite's desktop applications")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL ConfigurationFramework_Runtime ConfigurationFramework_Development)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_RUNTIME_PACKAGE_NAME ${runtime})
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_RUNTIME_DESCRIPTION
+    "Shared libraries that applications of the suite keep their settings with.")
+
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_NAME ${development})
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_SECTION libdevel)
+# The schema document model's header includes those of Xerces-C++ and of CodeSynthesis XSD.
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_DEPENDS
+    "${runtime} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libxerces-c-dev, xsdcxx")
+set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_DEVELOPMENT_DESCRIPTION
+    "Headers, CMake package and pkg-config file to build applications with.")
+
+include(CPack)

@@ -1,0 +1,117 @@
+#!/usr/bin/env bash
+# Makes the Debian packages in build/debian/packages and checks them: names, contents, dependencies.
+# As root, where the Debian mirror of this machine answers, it also installs them in a clean Debian and
+# builds and runs programs there.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/bootstrap.sh build packages
+
+build=build/debian
+packages=$build/packages
+cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON \
+    -DORVANT_BUILD_TESTS=OFF -DORVANT_BUILD_EXAMPLES=OFF >/dev/null
+cmake --build "$build"
+rm -rf "$packages"
+cpack -G DEB --config "$build/CPackConfig.cmake" -B "$packages" >/dev/null
+rm -r "$packages/_CPack_Packages"
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed() { echo "debian.sh: $*" >&2; exit 1; }
+same() { diff -u "$work/$1" "$work/$2" || failed "$3"; }
+field() { dpkg-deb -f "$1" "$2"; }
+
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+runtime_name=libservice-configurationframework${version%%.*}
+suffix=${version}-1_$(dpkg --print-architecture).deb
+runtime=$packages/${runtime_name}_$suffix
+development=$packages/libservice-configurationframework-dev_$suffix
+printf '%s\n' "$development" "$runtime" >"$work/names"
+ls "$packages"/* >"$work/made"
+same names made "These are not the packages that there should be"
+
+echo "== Contents"
+# What cmake installs, each file in one of the packages: libraries here, all else there.
+sed -e "s|@CMAKE_INSTALL_LIBDIR@|usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)|" \
+    -e 's|@CMAKE_INSTALL_INCLUDEDIR@|usr/include|' -e 's|@configuration@|relwithdebinfo|' \
+    -e "s|@PROJECT_VERSION@|$version|" -e "s|@PROJECT_VERSION_MAJOR@|${version%%.*}|" \
+    tests/install/files.txt.in >"$work/files"
+contents() { dpkg-deb --fsys-tarfile "$1" | tar -t | sed -n 's|^\./\(.*[^/]\)$|\1|p' | LC_ALL=C sort; }
+for package in runtime development; do
+    [ $package = runtime ] && option=-e || option=-ve
+    grep "$option" '\.so\.' "$work/files" | LC_ALL=C sort >"$work/expected"
+    contents "${!package}" >"$work/contained"
+    same expected contained "${!package} has other contents"
+done
+
+echo "== Dependencies"
+# The packages of a list of dependencies; for one that only others provide, those.
+names_of() {
+    tr ',' '\n' | sed -e 's/^ *//' -e 's/ .*//' | while read -r name; do
+        dpkg-query -W -f '${Package} ${Provides}\n' | sed -e 's/([^)]*)//g' -e 's/,/ /g' |
+            awk -v name="$name" '{ for (i = 1; i <= NF; ++i) if ($i == name) print $1 }'
+    done | LC_ALL=C sort -u
+}
+# The packages that files of this machine belong to; dpkg knows some in /usr under the name without.
+owners() {
+    while read -r file; do
+        file=$(readlink -f "$file")
+        dpkg -S "$file" 2>/dev/null || dpkg -S "${file#/usr}"
+    done | sed -e 's/: .*//' -e 's/:[a-z0-9]*$//' | LC_ALL=C sort -u
+}
+dpkg-deb -x "$runtime" "$work/root"
+dpkg-deb -x "$development" "$work/root"
+
+# The libraries' own needs, from what is installed on this machine.
+find "$work/root/usr/lib" -name '*.so.*' -type f -print0 |
+    xargs -0 -n1 objdump -p | sed -n 's/^ *NEEDED *//p' | grep -v '^libService_' | sort -u |
+    while read -r library; do /sbin/ldconfig -p | sed -n "s|^\t$library (.* => ||p" | head -n 1; done |
+    owners >"$work/needed"
+field "$runtime" Depends | names_of >"$work/declared"
+same needed declared "$runtime depends on other packages than its libraries need"
+
+[[ "$(field "$development" Depends)," == "$runtime_name (= $version-1),"* ]] ||
+    failed "$development does not depend on the runtime package of its version"
+# What the headers include, but for the compiler's and the C library's.
+(cd "$work/root/usr/include" && find . -name '*.h') | sed 's|^\./\(.*\)|#include <\1>|' >"$work/all.cpp"
+g++ -std=c++20 -I"$work/root/usr/include" -M "$work/all.cpp" | tr -d '\\' | tr -s ' ' '\n' |
+    grep '^/' | grep -v "^$work" | LC_ALL=C sort -u | owners |
+    grep -vE '^(libstdc\+\+-[0-9]+-dev|libgcc-[0-9]+-dev|libc6-dev|linux-libc-dev)$' >"$work/needed"
+field "$development" Depends | cut -d, -f2- | names_of >"$work/declared"
+same needed declared "$development depends on other packages than its headers need"
+
+echo "== In a clean Debian"
+if [ "$(id -u)" -ne 0 ]; then
+    echo "Not tried: that takes root"
+    exit 0
+fi
+mirror() {
+    apt-get indextargets --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' \
+        'Created-By: Packages' 'Origin: Debian' | sort -u
+}
+mirror >"$work/sources.list"
+if [ ! -s "$work/sources.list" ]; then
+    apt-get update -qq || true
+    mirror >"$work/sources.list"
+fi
+read -r _ uri release _ <"$work/sources.list" || true
+if [ -z "${uri:-}" ] ||
+    ! /usr/lib/apt/apt-helper download-file "${uri%/}/dists/$release/InRelease" "$work/InRelease" \
+        >/dev/null 2>&1; then
+    echo "Not tried: no Debian mirror answers"
+    exit 0
+fi
+apt-config dump | grep -E '^Acquire::(http|https|Check|Retries)' >"$work/apt.conf" || true
+
+mkdir "$work/repository" "$work/programs"
+cp "$runtime" "$development" "$work/repository"
+(cd "$work/repository" && dpkg-scanpackages . >Packages 2>/dev/null)
+cp -r tests/install/application examples/first_settings "$work/programs"
+cp tests/install/in_clean_debian.sh tests/install/pkgconfig.sh "$work/programs"
+# Everything lies in a folder that mmdebstrap makes and removes.
+mmdebstrap --quiet --variant=apt --format=null --aptopt="$work/apt.conf" \
+    --include=libservice-configurationframework-dev,g++,cmake,make,pkg-config \
+    --customize-hook="copy-in $work/programs /root" \
+    --customize-hook="chroot \"\$1\" sh /root/programs/in_clean_debian.sh $runtime_name" \
+    "$release" /dev/null "$work/sources.list" "deb [trusted=yes] copy:$work/repository ./"

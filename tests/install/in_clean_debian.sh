@@ -1,0 +1,24 @@
+#!/bin/sh
+# in_clean_debian.sh RUNTIME_PACKAGE: builds programs with the installed development package, and runs
+# them with the runtime package alone.
+set -eu
+cd "$(dirname "$0")"
+for program in application first_settings; do
+    cmake -S $program -B build/$program >/dev/null
+    cmake --build build/$program >/dev/null
+done
+sh ./pkgconfig.sh pkg-config \
+    "$(dpkg -L libservice-configurationframework-dev | grep '\.pc$')" \
+    application/application.cpp build/pkgconfig g++
+
+apt-mark manual "$1" >/dev/null
+apt-get purge -qq -y libservice-configurationframework-dev >/dev/null
+apt-get autoremove -qq -y >/dev/null
+if dpkg-query -W libxerces-c-dev >/dev/null 2>&1; then
+    echo "The development packages are still there" >&2
+    exit 1
+fi
+cd build
+application/application
+first_settings/first_settings
+pkgconfig/application
