@@ -479,6 +479,72 @@ TEST(KeepElements, TakesNothingFromASchemaWithoutTypes) {
     EXPECT_TRUE(tree.getXsdTree().empty());
 }
 
+// Names of types that kept the prefix of the suite's namespace.
+
+TEST(PrefixedTypeNames, StayInTheDescription) {
+    XsdElement tree = treeOf(required("root", "ov:A") + sequenceType("A", required("b", "ov:B")) +
+                             complexType("B", ""));
+    EXPECT_EQ("ov:B", tree.getXsdTree().at("A")->children[0]->type);
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+    EXPECT_THAT(rootNames(tree), IsEmpty());
+}
+
+TEST(PrefixedTypeNames, MeanTheTypesThatFiltersKeep) {
+    XsdElement tree = treeOf(
+        complexType("A", "<sequence>" + required("b", "ov:B") +
+                             "</sequence><attribute name=\"s\" type=\"ov:S\"/><choice>" +
+                             required("c", "ov:C") + "</choice>" + extension("ov:Base", "")) +
+        complexType("B", "") + complexType("C", "") + complexType("Base", "") +
+        simpleType("S", "ov:T") + simpleType("T") + complexType("Other", ""));
+    tree.keepElements({"A"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "B", "Base", "C", "S", "T"));
+}
+
+TEST(PrefixedTypeNames, MeanTheTypesThatTakeTheirUsersWithThem) {
+    XsdElement tree = treeOf(required("root", "ov:B") + required("number", "ov:Nowhere") +
+                             sequenceType("A", optional("b", "ov:B") + optional("c", "xs:B") +
+                                                   optional("d", "ov:Nowhere")) +
+                             complexType("B", ""));
+    tree.keepElements({"A"});
+    EXPECT_THAT(childNames(tree, "A"), ElementsAre("c", "d"));
+    ASSERT_EQ(1u, tree.getSchema()->element().size());
+    EXPECT_EQ("number", *tree.getSchema()->element()[0].name());
+}
+
+TEST(PrefixedTypeNames, MayBeListed) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", ""));
+    tree.keepElements({"ov:A"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A"));
+}
+
+TEST(PrefixedTypeNames, MeanTheTypesOfRootElements) {
+    const std::string content = required("root", "ov:Root") +
+                                sequenceType("Root", required("a", "A") + optional("b", "B")) +
+                                complexType("A", "") + complexType("B", "") +
+                                complexType("Listed", "");
+    XsdElement kept = treeOf(content);
+    kept.keepElements({"Listed"});
+    EXPECT_THAT(typeNames(kept), ElementsAre("A", "Listed"));
+    XsdElement pruned = treeOf(content);
+    pruned.keepChildElement("Listed", {}, false, true);
+    EXPECT_THAT(typeNames(pruned), ElementsAre("A", "B", "Listed", "Root"));
+}
+
+TEST(PrefixedTypeNames, AreFirstOfAllNames) {
+    XsdElement tree = treeOf(sequenceType("A", required("b", "ov:B") + optional("c", "ov:C")) +
+                             complexType("ov:B", "") + complexType("ov:C", ""));
+    tree.keepElements({"A"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "ov:B"));
+    EXPECT_THAT(childNames(tree, "A"), ElementsAre("b"));
+}
+
+TEST(PrefixedTypeNames, AreComparedAsTheyAreWrittenWhenChildrenAreListedByType) {
+    XsdElement tree = treeOf(sequenceType("A", optional("b", "ov:B") + optional("c", "ov:C")) +
+                             complexType("B", "") + complexType("C", ""));
+    tree.keepChildElement("A", {"ov:B", "C"}, true, false);
+    EXPECT_THAT(childNames(tree, "A"), ElementsAre("b"));
+}
+
 TEST(KeepElements, KeepsAnnotationsAndOrder) {
     XsdElement tree =
         treeOf(complexType("C", "<annotation><documentation>c</documentation></annotation>") +

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
 #include <algorithm>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -111,6 +112,13 @@ auto findComplexType(Schema& schema, const std::string& name) {
     return found == types.end() ? nullptr : &*found;
 }
 
+/// @return the name without the prefix of the suite's own namespace, which says where it stands and
+///         is not part of a type's name
+std::string withoutPrefix(const std::string& typeName) {
+    constexpr std::string_view prefix = "ov:";
+    return typeName.starts_with(prefix) ? typeName.substr(prefix.size()) : typeName;
+}
+
 /// The names of all types. Those without a name cannot be named by anything.
 Names declaredTypes(const ov_schema& schema) {
     Names names;
@@ -127,7 +135,8 @@ Names declaredTypes(const ov_schema& schema) {
 /// Takes the optional children and the root elements of declared types that are gone.
 void removeUsersOf(const Names& goneTypes, ov_schema& schema) {
     const auto namesGoneType = [&goneTypes](const auto& element) {
-        return isListed(element.type(), goneTypes);
+        const std::string type = textOf(element.type());
+        return goneTypes.contains(type) || goneTypes.contains(withoutPrefix(type));
     };
     for (ov_complexType& type : schema.complexType())
         forTypeAndInlineTypes(type, [&namesGoneType](ov_complexType& typeOrInlineType) {
@@ -144,9 +153,11 @@ public:
     /// @return the names in order of discovery
     const std::vector<std::string>& names() const { return m_names; }
 
+    /// Adds a name as it is written and the name of the type that it means.
     void add(const std::string& name) {
-        if (m_known.insert(name).second)
-            m_names.push_back(name);
+        for (const std::string& meant : {name, withoutPrefix(name)})
+            if (m_known.insert(meant).second)
+                m_names.push_back(meant);
     }
 
     void addNeedsOf(const ov_complexType& type) {
@@ -360,7 +371,7 @@ std::vector<std::string> XsdElement::requiredTypesOfRoots() const {
     const auto types = byName<std::unordered_map>(m_schema->complexType());
     NeededTypes needed(false);
     for (const ov_rootElement& root : m_schema->element()) {
-        const auto type = types.find(textOf(root.type()));
+        const auto type = types.find(withoutPrefix(textOf(root.type())));
         if (type == types.end())
             continue;
         for (const ov_sequence* sequence : sequencesOf(*type->second))

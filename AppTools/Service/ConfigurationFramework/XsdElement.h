@@ -62,6 +62,9 @@ struct XsdElementProperty {
 /// OV_XsdReader::schema_(out, *tree.getSchema(), {}, "UTF-8");
 /// @endcode
 ///
+/// A name of a type with the prefix ov: means the declared type without it. Filters go by that;
+/// what is answered, and compared with given names, are names as the document writes them.
+///
 /// Copies share the document. The types and root elements that a copy answers are those from before
 /// the last filter that was applied through another copy.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdElement {
@@ -98,7 +101,7 @@ public:
     /// base, and the types of its attributes. A root element does not keep its own type.
     /// With no names at all, and no required child of a root element, just the first complex and
     /// the first simple type go.
-    /// @param names names of the types to keep
+    /// @param names names of the types to keep, with or without the prefix ov:
     void keepElements(const std::vector<std::string>& names);
 
     /// Takes optional children (minOccurs="0") out of the first complex type of a name. Only the
