@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 
+#include <EntitySupport.h>
 #include <ReaderSupport.h>
 #include <TestSupport.h>
 
@@ -14,11 +15,13 @@ namespace Orvant {
 namespace {
 
 using Support::configuration;
+using Support::nestedEntities;
 using Support::openBody;
 using Support::openFile;
 using Support::openString;
 using Support::readString;
 using Support::refusal;
+using Support::repeated;
 using Support::TemporaryDirectory;
 using testing::HasSubstr;
 using testing::Not;
@@ -166,13 +169,6 @@ TEST(InternalDtd, DeclaresDefaultAttributes) {
 
 // How many references a document may hold.
 
-std::string repeated(const std::string& text, int times) {
-    std::string result;
-    for (int i = 0; i < times; ++i)
-        result += text;
-    return result;
-}
-
 /// @return what the reader and the writer say to a document, nothing where they open it
 std::vector<std::optional<int>> refusalTypes(const std::string& document) {
     std::vector<std::optional<int>> types;
@@ -192,7 +188,7 @@ const auto isRefused =
 const std::string simpleEntity = "<!ENTITY a 'v'>";
 
 struct ReferenceCase : Support::TestCase {
-    std::function<std::string(int)> document; ///< with a number of references
+    std::function<std::string(std::size_t)> document; ///< with a number of references
 };
 
 class EntityReferences : public testing::TestWithParam<ReferenceCase> {};
@@ -206,20 +202,21 @@ INSTANTIATE_TEST_SUITE_P(
     Places, EntityReferences,
     testing::Values(
         ReferenceCase{
-            "Text", [](int count) { return configuration(repeated("&a;", count), simpleEntity); }},
+            "Text",
+            [](std::size_t count) { return configuration(repeated("&a;", count), simpleEntity); }},
         ReferenceCase{"Attribute",
-                      [](int count) {
+                      [](std::size_t count) {
                           return configuration("<S key='" + repeated("&a;", count) + "'/>",
                                                simpleEntity);
                       }},
         ReferenceCase{"TextAndAttributes",
-                      [](int count) {
+                      [](std::size_t count) {
                           return configuration(repeated("<S key='&a;'/>", 5'000) +
                                                    repeated("<S>&a;</S>", count - 5'000),
                                                simpleEntity);
                       }},
         ReferenceCase{"Nested",
-                      [](int count) {
+                      [](std::size_t count) {
                           return configuration("&b;", simpleEntity + "<!ENTITY b '" +
                                                           repeated("&a;", count - 1) + "'>");
                       }}),
@@ -258,18 +255,6 @@ TEST(EntityReferences, AreWrittenAsWhatTheyStandFor) {
     ConfigWriter writer(FileName(),
                         configuration("<S>" + repeated("&a;", 10'000) + "</S>", simpleEntity));
     EXPECT_THAT(writer.getAsString(), HasSubstr(">" + std::string(10'000, 'v') + "<"));
-}
-
-/// Entities e0 to e6, each of which holds its predecessor ten times.
-std::string nestedEntities(const std::string& kind, const std::string& reference,
-                           const std::string& innermost) {
-    std::string declarations = "<!ENTITY " + kind + "e0 '" + innermost + "'>";
-    for (int level = 1; level <= 6; ++level) {
-        const std::string predecessor = reference + "e" + std::to_string(level - 1) + ";";
-        declarations += "<!ENTITY " + kind + "e" + std::to_string(level) + " '" +
-                        repeated(predecessor, 10) + "'>";
-    }
-    return declarations;
 }
 
 struct BombCase : Support::TestCase {
@@ -314,6 +299,17 @@ TEST(DocumentConfinement, RefusesToEditWhatReferencesMakeTooLarge) {
     }
     auto reader = Support::openString(document);
     EXPECT_EQ(ConfigurationAccessResult::Success, reader.tagExists("S"));
+}
+
+/// A document with an attribute that is that many characters long when its references are expanded.
+std::string withLongAttribute(std::size_t length) {
+    return configuration("<S key='" + repeated("&e;", length / 10'000) + "'/>",
+                         "<!ENTITY e '" + std::string(10'000, 'x') + "'>");
+}
+
+TEST(DocumentConfinement, RefusesToFillTheMemoryWithAnAttribute) {
+    EXPECT_THAT(refusalTypes(withLongAttribute(5'000'000)), isOpened);
+    EXPECT_THAT(refusalTypes(withLongAttribute(50'000'000)), isRefused);
 }
 
 TEST(DocumentConfinement, TellsTheLogWhatItDidNotOpen) {

@@ -127,6 +127,19 @@ TEST(SchemaInput, KeepsAPrefixedTypeNameInTheTree) {
     EXPECT_EQ((Pairs{{"a", "xs:int"}}), reader.getSubTypes("A"));
 }
 
+TEST(SchemaInput, KeepsThePrefixOfASecondTypeNameForFiltersToUnderstand) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:sequence>\n"
+                                     "<!-- ov: --><xs:element name=\"b\" type=\"ov:B\"/>\n"
+                                     "</xs:sequence>\n</xs:complexType>\n"
+                                     "<xs:complexType name=\"B\"/>\n");
+    EXPECT_EQ((Pairs{{"b", "ov:B"}}), reader.getSubTypes("A"));
+    reader.keepXSDElement({"A"});
+    EXPECT_EQ(1u, reader.getXsdTree().count("B"));
+    reader.writeXSD(directory.file("written.xsd"), true);
+    EXPECT_THAT(readFile(directory.file("written.xsd")), HasSubstr("type=\"ov:B\""));
+}
+
 TEST(SchemaInput, EndsEveryLineWithALineFeed) {
     EXPECT_EQ("a\n", sanitised("a"));
     EXPECT_EQ("a\n", sanitised("a\n"));
@@ -144,6 +157,46 @@ TEST(SchemaInput, RemovesBothPrefixesOfAnElementThatHoldsJustText) {
         sanitised("\t<xs:documentation xml:lang=\"en\">a > b xs: c</xs:documentation >  \r\n"));
     EXPECT_EQ("<unit>mm</unit>\n", sanitised("<ov:unit>mm</ov:unit>\n"));
     EXPECT_EQ("<sequence></sequence>\n", sanitised("<xs:sequence></xs:sequence>\n"));
+}
+
+TEST(SchemaInput, RemovesBothPrefixesOfAnElementBesideWhatIsNoElement) {
+    EXPECT_EQ("<documentation>a</documentation> <!-- xs: -->\n",
+              sanitised("<xs:documentation>a</xs:documentation> <!-- xs: -->\n"));
+    EXPECT_EQ("<!-- c --><?p i?> <documentation>a<![CDATA[</b>]]></documentation><?p i?> text\n",
+              sanitised("<!-- c --><?p i?> <xs:documentation>a<![CDATA[</b>]]></xs:documentation>"
+                        "<?p i?> text\n"));
+}
+
+TEST(SchemaInput, RemovesNeitherPrefixOfAnElementBehindTheFirstOccurrence) {
+    EXPECT_EQ("<!--  --> <xs:documentation>a</xs:documentation>\n",
+              sanitised("<!-- xs: --> <xs:documentation>a</xs:documentation>\n"));
+}
+
+TEST(SchemaInput, RemovesThePrefixOfAnEndTagBehindText) {
+    EXPECT_EQ("<documentation>one\n xs: two</documentation>\n",
+              sanitised("<xs:documentation>one\n xs: two</xs:documentation>\n"));
+    EXPECT_EQ("xs: two</documentation> <!-- c -->\n",
+              sanitised("xs: two</xs:documentation> <!-- c -->\n"));
+}
+
+TEST(SchemaInput, ReadsDocumentationBesideComments) {
+    const TemporaryDirectory directory;
+    const Strings documentations = {
+        "<xs:documentation>text</xs:documentation> <!-- xs:c -->",
+        "<!-- c --> <xs:documentation>text</xs:documentation>",
+        "<?p i?><xs:documentation>te<![CDATA[xt]]></xs:documentation><?p i?>",
+        "<![CDATA[<]]><xs:documentation><!-- c -->text</xs:documentation><![CDATA[>]]>",
+        "<xs:documentation><![CDATA[te\nxt]]></xs:documentation> <!-- c -->",
+        "<xs:documentation>text\nxs: </xs:documentation> <?p i?>"};
+    for (const std::string& documentation : documentations) {
+        ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:annotation>\n" +
+                                             documentation +
+                                             "\n</xs:annotation>\n</xs:complexType>\n");
+        reader.writeXSD(directory.file("written.xsd"), true);
+        EXPECT_THAT(readFile(directory.file("written.xsd")),
+                    testing::ContainsRegex("<xs:documentation>te\n?xt"))
+            << documentation;
+    }
 }
 
 TEST(SchemaInput, LeavesLinesOfTwoElementsUnderTheRuleOfTheFirstOccurrence) {
@@ -233,11 +286,48 @@ TEST(SchemaOutput, RestoresThePrefixOfFiveBuiltInTypes) {
         EXPECT_THAT(text, Not(HasSubstr(lost)));
 }
 
-TEST(SchemaOutput, RestoresBothPrefixesOfADocumentation) {
-    const std::string text = written("<complexType name=\"A\"><annotation><documentation>p1: text"
-                                     "</documentation></annotation></complexType>");
-    EXPECT_THAT(text, HasSubstr("<xs:documentation>p1: text</xs:documentation>\n"));
+std::string typeWithDocumentation(const std::string& text) {
+    return "<complexType name=\"A\"><annotation><documentation>" + text +
+           "</documentation></annotation></complexType>";
 }
+
+TEST(SchemaOutput, RestoresBothPrefixesOfADocumentation) {
+    EXPECT_THAT(written(typeWithDocumentation("p1: p1:text")),
+                HasSubstr("<xs:documentation>p1: p1:text</xs:documentation>\n"));
+    // Of the lines between its tags the first occurrence in each is replaced, as in all others.
+    EXPECT_THAT(written(typeWithDocumentation("p1: a\np1: p1: b\np1: c")),
+                HasSubstr("<xs:documentation>p1: a\nxs: p1: b\np1: c</xs:documentation>\n"));
+}
+
+TEST(SchemaOutput, ReplacesNamesOfTypesInADocumentationToo) {
+    EXPECT_THAT(
+        written(typeWithDocumentation("type=\"int\" type=\"int\" base=\"string\"\n"
+                                      "type=\"double\" type=\"string\" base=\"anyType\"")),
+        HasSubstr("<xs:documentation>type=\"xs:int\" type=\"int\" base=\"xs:string\"\n"
+                  "type=\"xs:double\" type=\"xs:string\" base=\"xs:anyType\"</xs:documentation>"));
+}
+
+class Documentation : public testing::TestWithParam<const char*> {};
+
+TEST_P(Documentation, IsReadBackAsItWasWritten) {
+    const TemporaryDirectory directory;
+    const std::string model = serialise(*parseSchema(typeWithDocumentation(GetParam())));
+    XsdConfigReader reader(directory.file("model.xml", model));
+    reader.readXSD(false);
+    reader.writeXSD(directory.file("suite.xsd"), true);
+    XsdConfigReader again(directory.file("suite.xsd"));
+    again.readXSD(true);
+    again.writeXSD(directory.file("again.xml"), false);
+    EXPECT_EQ(model, readFile(directory.file("again.xml")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    SchemaOutput, Documentation,
+    testing::Values("", " ", "\n", "\n \n", " \t\n\t ", "&#13;", "&#13;\n", "text", " text ",
+                    "\ntext", "text\n", "text\n\n  ", "one\ntwo\n\nthree",
+                    "p1: p1:", "one p1:\ntwo p1:", "xs: ", "one xs: two\nxs:three", "]]&gt;",
+                    "&lt;/p1:documentation> &lt;p1:documentation>", "&lt;!-- \n -->",
+                    "'\"type='int' &amp;amp;", "&lt;xs:schema>\n&lt;/xs:schema>"));
 
 TEST(SchemaOutput, LeavesTheSchemaAsItIs) {
     const TemporaryDirectory directory;

@@ -11,12 +11,17 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace Orvant::Support {
 
@@ -125,6 +130,57 @@ inline Strings filesIn(const TemporaryDirectory& directory) {
 template <typename Tag, typename Tag::type Member>
 struct PrivateMember {
     friend typename Tag::type memberOf(Tag) { return Member; }
+};
+
+/// Runs an action in a process of its own, which can limit itself.
+/// @return what the action returns
+inline int inOwnProcess(const std::function<int()>& action) {
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(action());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
+}
+
+/// Runs an action in a process whose permissions count, which those of root do not.
+/// @return what the action returns
+inline int asOrdinaryUser(const std::function<int()>& action) {
+    return inOwnProcess([&action] {
+        const bool ordinary = geteuid() != 0 || setuid(65534) == 0;
+        return ordinary ? action() : 99;
+    });
+}
+
+/// A reader that has read a good schema from a file that then holds something else.
+class EarlierSchema : public testing::Test {
+protected:
+    EarlierSchema() {
+        reader.readXSD(true);
+        earlierTree = reader.getXsdTree();
+    }
+
+    /// Expects that reading throws, changes no file and leaves the tree as it was.
+    void expectFailure(const std::string& bytes, bool sanitise,
+                       ConfigException::ExceptionType type) {
+        writeFile(file, bytes);
+        EXPECT_EQ(type, failureOf([&] { reader.readXSD(sanitise); }));
+        EXPECT_EQ(earlierTree, reader.getXsdTree());
+        EXPECT_EQ(bytes, readFile(file));
+    }
+    /// Expects that of either way of reading.
+    void expectFailure(const std::string& bytes, ConfigException::ExceptionType type) {
+        for (const bool sanitise : {true, false})
+            expectFailure(bytes, sanitise, type);
+    }
+
+    TemporaryDirectory directory;
+    FileName file = directory.file(
+        "schema.xsd", suiteSchema("<xs:complexType name=\"Earlier\">\n<xs:sequence>\n"
+                                  "<xs:element name=\"a\" type=\"xs:int\"/>\n</xs:sequence>\n"
+                                  "</xs:complexType>\n<xs:element name=\"e\" type=\"Earlier\"/>"));
+    XsdConfigReader reader{file};
+    std::map<std::string, std::shared_ptr<XsdElementProperty>> earlierTree;
 };
 
 /// A reader that has read a schema of the suite with these lines.

@@ -26,6 +26,13 @@ namespace {
 
 const Logging s_log("DocumentParsing");
 
+// What a parse needs besides what its document takes.
+constexpr std::size_t freeBlockSize = std::size_t{64} << 20U;
+// A buffer has two bytes a character and doubles when it grows.
+constexpr std::size_t blockBytesPerByte = 8;
+
+constexpr const XMLCh* memorySystemId = u"example";
+
 } // namespace
 
 ParserMemory::~ParserMemory() {
@@ -47,8 +54,16 @@ void ParserMemory::countExpansion(XMLSize_t size) {
     throw xercesc::OutOfMemoryException();
 }
 
+void ParserMemory::limitBlocksFor(std::size_t documentSize) {
+    m_largestBlock = freeBlockSize + blockBytesPerByte * documentSize;
+}
+
 void* ParserMemory::allocate(XMLSize_t size) {
     countExpansion(size);
+    if (size > m_largestBlock) {
+        m_isExceeded = true;
+        throw xercesc::OutOfMemoryException();
+    }
     void* const place = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(sizeof(Block) + size);
     auto* const block = new (place) Block{m_blocks.previous, &m_blocks};
     block->previous->next = block;
@@ -75,7 +90,7 @@ ParserConfinement::ParserConfinement() : m_memory(maxEntityReferences) {
 
 xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh* systemId) {
     s_log.logERROR("Not opened: " + XercesHelperFunctions::xmlChToString(systemId) +
-                       ", which a configuration document refers to",
+                       ", which a document refers to",
                    __FILE__, __func__, __LINE__);
     static constexpr XMLByte nothing[1] = {};
     return new xercesc::MemBufInputSource(nothing, 0, systemId);
@@ -85,12 +100,13 @@ void ParserConfinement::parse(xercesc::XercesDOMParser& parser, const char* byte
                               const XMLCh* systemId) {
     const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(bytes), size,
                                             systemId);
+    m_memory.limitBlocksFor(size);
     try {
         parser.parse(source);
     } catch (const xercesc::OutOfMemoryException&) {
         if (m_memory.isExceeded() && parser.getErrorHandler() != nullptr)
-            parser.getErrorHandler()->fatalError(
-                xercesc::SAXParseException(u"too many entity references", nullptr, systemId, 0, 0));
+            parser.getErrorHandler()->fatalError(xercesc::SAXParseException(
+                u"entity references expand too far", nullptr, systemId, 0, 0));
         else
             ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
     }
@@ -109,7 +125,11 @@ void ParserConfinement::parseFile(xercesc::XercesDOMParser& parser, const FileNa
 }
 
 void ParserConfinement::parseString(xercesc::XercesDOMParser& parser, const std::string& content) {
-    parse(parser, content.c_str(), std::strlen(content.c_str()), u"example");
+    parse(parser, content.c_str(), std::strlen(content.c_str()), memorySystemId);
+}
+
+void ParserConfinement::parseBytes(xercesc::XercesDOMParser& parser, const std::string& bytes) {
+    parse(parser, bytes.data(), bytes.size(), memorySystemId);
 }
 
 } // namespace Orvant

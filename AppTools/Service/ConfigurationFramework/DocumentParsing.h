@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -23,10 +24,14 @@ public:
     ParserMemory& operator=(const ParserMemory&) = delete;
     ~ParserMemory() override;
 
-    /// @return true when the limit was passed
+    /// @return true when a limit was passed
     bool isExceeded() const { return m_isExceeded; }
 
-    /// @throws xercesc::OutOfMemoryException when the limit is passed: what it takes to end the
+    /// Refuses from now on a block so large that no document of that size needs it, which takes
+    /// references of large entities, in an attribute say.
+    void limitBlocksFor(std::size_t documentSize);
+
+    /// @throws xercesc::OutOfMemoryException when a limit is passed: what it takes to end the
     /// parse
     void* allocate(XMLSize_t size) override;
     void deallocate(void* memory) override;
@@ -44,6 +49,7 @@ private:
     Block m_blocks; ///< both ends of the ring
     std::size_t m_limit;
     std::size_t m_expansions = 0;
+    std::size_t m_largestBlock = std::numeric_limits<std::size_t>::max();
     bool m_hasDocument = false;
     bool m_isExceeded = false;
 };
@@ -78,6 +84,11 @@ public:
     /// @throws xercesc::XMLException for too many entity references where the parser has no error
     ///         handler to tell of them, and for a document that the memory cannot hold
     void parseString(xercesc::XercesDOMParser& parser, const std::string& content);
+
+    /// Parses a document in memory with the confined parser.
+    /// @param bytes the document, all of it
+    /// @throws xercesc::XMLException as parseString()
+    void parseBytes(xercesc::XercesDOMParser& parser, const std::string& bytes);
 
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace Orvant::SchemaText {
@@ -61,6 +62,15 @@ bool skipAttributes(std::string_view& text) {
     return false;
 }
 
+/// Skips a name and the white space behind it.
+/// @return the name
+std::string_view skipName(std::string_view& text) {
+    const std::string_view name = text.substr(0, text.find_first_of(" \t\r/>"));
+    text.remove_prefix(name.size());
+    skipWhiteSpace(text);
+    return name;
+}
+
 /// Skips text, and what belongs to no element: CDATA sections, comments, instructions.
 void skipText(std::string_view& text) {
     using Markup = std::pair<std::string_view, std::string_view>;
@@ -75,6 +85,41 @@ void skipText(std::string_view& text) {
             return;
         skipThrough(text, markup->second);
     }
+}
+
+/// The end tag of a line without any other, but for a start tag that it ends.
+struct LoneEndTag {
+    std::size_t prefix;                     ///< where its prefix stands
+    std::optional<std::size_t> startPrefix; ///< where that of the start tag stands, if there is one
+};
+
+std::optional<LoneEndTag> findLoneEndTag(std::string_view line, std::string_view prefix) {
+    std::string_view rest = line;
+    const auto position = [&line, &rest] { return line.size() - rest.size(); };
+    LoneEndTag tag;
+    skipText(rest);
+    std::string_view startName;
+    if (!rest.starts_with("</")) {
+        if (!skip(rest, "<"))
+            return std::nullopt;
+        tag.startPrefix = position();
+        if (!skip(rest, prefix))
+            return std::nullopt;
+        startName = skipName(rest);
+        if (!skipAttributes(rest))
+            return std::nullopt;
+        skipText(rest);
+    }
+    if (!skip(rest, "</"))
+        return std::nullopt;
+    tag.prefix = position();
+    if (!skip(rest, prefix))
+        return std::nullopt;
+    const std::string_view name = skipName(rest);
+    if ((tag.startPrefix && name != startName) || !skip(rest, ">"))
+        return std::nullopt;
+    skipText(rest);
+    return rest.empty() ? std::optional(tag) : std::nullopt;
 }
 
 } // namespace
@@ -100,26 +145,16 @@ std::string replaceFirst(const std::string& line, std::string_view from, std::st
     return at == std::string::npos ? line : std::string(line).replace(at, from.size(), to);
 }
 
-std::string replacePrefixOfEndTag(const std::string& line, std::string_view from,
-                                  std::string_view to) {
-    std::string_view rest = line;
-    skipWhiteSpace(rest);
-    if (!skip(rest, "<") || !skip(rest, from))
-        return line;
-    const std::string_view name = rest.substr(0, rest.find_first_of(" \t\r/>"));
-    if (!skipAttributes(rest))
-        return line;
-    skipText(rest);
-    if (!skip(rest, "</"))
-        return line;
-    const auto prefixAt = line.size() - rest.size();
-    if (!skip(rest, from) || !skip(rest, name))
-        return line;
-    skipWhiteSpace(rest);
-    if (!skip(rest, ">"))
-        return line;
-    skipWhiteSpace(rest);
-    return rest.empty() ? std::string(line).replace(prefixAt, from.size(), to) : line;
+std::string replacePrefix(const std::string& line, std::string_view from, std::string_view to) {
+    const auto endTag = findLoneEndTag(line, from);
+    if (!endTag || endTag->startPrefix.value_or(line.find(from)) != line.find(from))
+        return replaceFirst(line, from, to);
+    const std::string withEndTag = std::string(line).replace(endTag->prefix, from.size(), to);
+    return endTag->startPrefix ? replaceFirst(withEndTag, from, to) : withEndTag;
+}
+
+std::string endLineOfDocumentation(const std::string& line) {
+    return replaceFirst(line, "</p1:documentation> ", "</p1:documentation>\n ");
 }
 
 } // namespace Orvant::SchemaText

@@ -26,8 +26,8 @@ class FileName;
 /// @endcode
 ///
 /// A suite file has each element's tags on lines of their own (one element that holds just text may
-/// stand on one line with both its tags), the prefixes xs: and ov:, and this start tag on one line,
-/// with or without xmlns:ov:
+/// stand on one line with both its tags, beside comments), the prefixes xs: and ov:, and this start
+/// tag on one line, with or without xmlns:ov:
 ///
 ///     <xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"
 ///                xmlns:ov="http://www.orvant.com/OV_QLV100"
@@ -35,7 +35,13 @@ class FileName;
 ///                targetNamespace="http://www.orvant.com/OV_QLV100" elementFormDefault="qualified">
 ///
 /// Files are rewritten line by line in scratch files beside them, so that two readers must not work
-/// in one directory at a time.
+/// in one directory at a time. What has the name of a scratch file is taken away, a link itself and
+/// not what it leads to; a directory of such a name is in the way.
+///
+/// Nothing that a file refers to is opened: external entities and DTDs resolve to nothing, which
+/// the error log tells. A file is refused that has more than 10,000 entity references, an element
+/// with more than 100 attributes, given or declared, elements nested more than 1,000 deep, a
+/// complex type more than 512 deep, or references that make more than 10 million characters of it.
 ///
 /// Copies share the schema: what is filtered through one is gone from the other. Before the first
 /// successful readXSD() there is no schema: queries answer nothing, and filters and writeXSD() do
@@ -57,8 +63,9 @@ public:
     ///                 it; false for one in the reader's own namespace, as writeXSD() writes it
     ///                 without output fix
     /// @throws ConfigException of type
-    ///   - SourceNotFound: not a readable file, not well-formed XML, or a minOccurs that is not a
-    ///     whole number;
+    ///   - SourceNotFound: not a readable file of up to 1 GiB, a scratch file or a link to one, not
+    ///     well-formed XML, beyond the bounds above, a minOccurs that is not a whole number, or no
+    ///     way to write scratch files;
     ///   - ParserReportedErrors: another document element than the reader's own;
     ///   - UnknownError: anything else.
     ///   The schema is then as it was before.
@@ -94,13 +101,19 @@ public:
     /// XsdElement::keepChildAttributes().
     void keepXSDChildAttributes(const std::string& typeName, const std::vector<std::string>& names);
 
-    /// Writes the schema, in place of the file if there is one.
+    /// Writes the schema, in place of what has that name: a link gives way, too, and what it leads
+    /// to is left alone.
     /// @param file      file to write
-    /// @param fixOutput true for a file of the suite; false for one in the reader's own namespace
-    /// @throws ConfigException of type SourceNotFound when the file cannot be written; there is
-    /// then
-    ///         none, or the former one where that could not be removed
-    /// @throws xsd::cxx::tree::exception<char> when the schema cannot be serialised
+    /// @param fixOutput true for a file of the suite; false for one in the reader's own namespace.
+    ///                  In a file of the suite, what looks like a name of a built-in type is
+    ///                  replaced in documentations as well, and in their middle lines a p1:.
+    /// @throws ConfigException of type SourceNotFound when the file cannot be written whole, has
+    ///         the name of a scratch file or is a link to one, or when what was written is not
+    ///         well-formed or beyond what readXSD() reads
+    /// @throws xml_schema::serialization when the schema holds what XML cannot: control
+    ///         characters, bytes that are not UTF-8
+    ///
+    /// There is then no file, or the former one where that could not be removed.
     void writeXSD(const FileName& file, bool fixOutput);
 
 private:

@@ -31,6 +31,8 @@ function(orvant_generate_schema_model target)
         COMMAND "${ORVANT_XSDCXX}" cxx-tree
             --std c++11
             --generate-serialization
+            # Writes every text of a schema, which is how those that XML cannot hold are found.
+            --generate-ostream
             --namespace-map "${namespace}=OV_XsdReader"
             --parser-regex "/(.+)/$1_/"
             --serializer-regex "/(.+)/$1_/"

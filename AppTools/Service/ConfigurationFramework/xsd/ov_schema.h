@@ -19,8 +19,10 @@
 /// is kept: other elements wherever they stand, other attributes, a second element where one may
 /// stand, markup in a documentation.
 ///
-/// The functions schema_ parse a document and write one. They throw what is derived from
-/// xsd::cxx::exception: xsd::cxx::tree::parsing<char> for a document that is not well-formed, a
-/// minOccurs that is not a whole number and a type that stands more than 512 elements deep;
-/// xsd::cxx::tree::unexpected_element<char> for another document element.
+/// The functions schema_ parse a document and write one. Those that parse a stream or a file open
+/// whatever it refers to and expand entities without bound; XsdConfigReader does neither. They
+/// throw what is derived from xsd::cxx::exception: xsd::cxx::tree::parsing<char> for a document
+/// that is not well-formed, a minOccurs that is not a whole number and a type that stands more than
+/// 512 elements deep; xsd::cxx::tree::unexpected_element<char> for another document element. What
+/// XML cannot hold is no business of theirs: XsdConfigReader::writeXSD() looks after that.
 namespace OV_XsdReader {}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ConfigurationFramework/xsd/ov_schema.h>
+
+#include <cstddef>
+#include <memory>
+
+namespace Orvant {
+
+class FileName;
+
+/// What a schema file may hold at most. Real schemas are far below; beyond, a file of some
+/// kilobytes could keep the application busy for hours or fill its memory.
+struct SchemaLimits {
+    static constexpr std::size_t attributes = 100; ///< of one element, or declared for one
+    static constexpr std::size_t depth = 1'000;    ///< of elements
+    /// Characters that a document comes to when its references are expanded, where that is more
+    /// than the document itself has.
+    static constexpr std::size_t expandedSize = 10'000'000;
+};
+
+/// Parses a file into the schema document model. Nothing that the file refers to is opened, and a
+/// file beyond SchemaLimits or ParserConfinement::maxEntityReferences is refused.
+/// @throws xml_schema::parsing when the file cannot be read, is not well-formed or is refused, and
+///         what the model throws for a document that does not fit it
+/// @throws FileNameException for a name that no file system could hold
+std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const FileName& file);
+
+/// @return true when a file holds a well-formed document with namespaces, within the same limits
+/// @throws FileNameException for a name that no file system could hold
+bool isWellFormed(const FileName& file);
+
+} // namespace Orvant
