@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -14,6 +15,7 @@ void registerReadOneBenchmarks();
 void registerSaveBenchmarks();
 void registerCheckBenchmarks();
 void registerMemoryBenchmarks();
+void registerSchemaBenchmarks();
 void registerGrowthBenchmarks();
 /// @}
 
@@ -27,6 +29,15 @@ benchmark::internal::Benchmark* add(const std::string& subject, const std::strin
     return benchmark::RegisterBenchmark((subject + '/' + contestant + '/' + size).c_str(),
                                         std::move(function))
         ->Unit(benchmark::kMillisecond);
+}
+
+/// Adds a benchmark of an operation on an input and on one ten times as large.
+/// @param run takes the state and the size
+template <typename Run>
+void addGrowth(const std::string& what, std::size_t size, Run run) {
+    for (const std::size_t count : {size, 10 * size})
+        add("Growth", what, std::to_string(count),
+            [=](benchmark::State& state) { run(state, count); });
 }
 
 } // namespace Orvant::Benchmarks

@@ -1,6 +1,8 @@
 #include "Benchmarks.h"
 #include "Library.h"
+#include "PropertyTreePeer.h"
 #include "PugixmlPeer.h"
+#include "QSettingsPeer.h"
 #include "XmlParsers.h"
 
 namespace Orvant::Benchmarks {
@@ -28,6 +30,8 @@ void registerCheckBenchmarks() {
                 [=](benchmark::State& state) { run(state, check, shape); });
         };
         addCheck(thisLibrary, checkUserFile);
+        addCheck("QSettings", checkWithQSettings);
+        addCheck("Boost.PropertyTree", checkWithPropertyTree);
         addCheck("pugixml", parsesUserFile<parseWithPugixml>);
         addCheck("libxml2", parsesUserFile<parseWithLibxml2>);
         addCheck("XercesDOMParser", parsesUserFile<parseWithXercesDom>);

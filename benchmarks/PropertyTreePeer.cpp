@@ -60,9 +60,50 @@ Loaded loadWithPropertyTree(const SettingsFiles& files) {
         layers, files.shape(), [&](const std::string& object) { return Group(*layers, object); });
 }
 
+bool checkWithPropertyTree(const SettingsFiles& files) {
+    ptree tree;
+    try {
+        read_xml(files.userXml(), tree);
+    } catch (const boost::property_tree::xml_parser_error&) {
+        return false;
+    }
+    return true;
+}
+
 int readOneWithPropertyTree(const SettingsFiles& files) {
     const auto [object, value] = probeOf(files.shape());
     return Group(*openLayers(files), objectName(object)).get<int>(valueName(value));
+}
+
+struct PropertyTreeStore::Document {
+    std::string file;
+    ptree tree;
+};
+
+PropertyTreeStore::PropertyTreeStore(const SettingsFiles& files)
+    : m_document(std::make_shared<Document>(files.userXml())) {
+    read_xml(m_document->file, m_document->tree);
+}
+
+void PropertyTreeStore::set(std::size_t object, std::size_t value, const Value& newValue) {
+    const ptree::path_type path("Configuration." + objectName(object) + '.' + valueName(value));
+    std::visit(
+        [&]<typename T>(const T& held) {
+            if constexpr (std::is_same_v<T, Texts>) {
+                ptree items;
+                for (const std::string& text : held)
+                    items.add("item", text);
+                m_document->tree.put_child(path, items);
+            } else {
+                m_document->tree.put(path, held);
+            }
+        },
+        newValue);
+}
+
+bool PropertyTreeStore::save() {
+    write_xml(m_document->file, m_document->tree);
+    return true;
 }
 
 } // namespace Orvant::Benchmarks

@@ -27,6 +27,8 @@ public:
         return found == m_objects.end() ? pugi::xml_node() : found->second;
     }
 
+    bool save(const std::string& file) const { return m_document->save_file(file.c_str()); }
+
 private:
     std::shared_ptr<pugi::xml_document> m_document;
     std::unordered_map<std::string_view, pugi::xml_node> m_objects;
@@ -94,6 +96,38 @@ int readOneWithPugixml(const SettingsFiles& files) {
 
 std::shared_ptr<void> parseWithPugixml(const std::string& file) {
     return parse(file);
+}
+
+struct PugixmlStore::Document {
+    explicit Document(const std::string& path) : file(path), layer(path) {}
+
+    std::string file;
+    Layer layer;
+};
+
+PugixmlStore::PugixmlStore(const SettingsFiles& files)
+    : m_document(std::make_shared<Document>(files.userXml())) {}
+
+void PugixmlStore::set(std::size_t object, std::size_t value, const Value& newValue) {
+    const char* const name = valueName(value).c_str();
+    pugi::xml_node parent = m_document->layer.object(objectName(object));
+    parent.remove_child(name);
+    pugi::xml_node element = parent.append_child(name);
+    std::visit(
+        [&]<typename T>(const T& held) {
+            if constexpr (std::is_same_v<T, Texts>)
+                for (const std::string& text : held)
+                    element.append_child("item").text().set(text.c_str());
+            else if constexpr (std::is_same_v<T, std::string>)
+                element.text().set(held.c_str());
+            else
+                element.text().set(held);
+        },
+        newValue);
+}
+
+bool PugixmlStore::save() {
+    return m_document->layer.save(m_document->file);
 }
 
 } // namespace Orvant::Benchmarks

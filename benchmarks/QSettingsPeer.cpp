@@ -59,6 +59,12 @@ int readOneWithQSettings(const SettingsFiles& files) {
     return Group{*openLayers(files), objectName(object)}.get<int>(valueName(value));
 }
 
+bool checkWithQSettings(const SettingsFiles& files) {
+    const auto settings = open(files.userIni());
+    // Sections are looked into when something in them is asked for.
+    return !settings->allKeys().isEmpty() && settings->status() == QSettings::NoError;
+}
+
 QSettingsStore::QSettingsStore(const SettingsFiles& files) : m_settings(open(files.userIni())) {}
 
 void QSettingsStore::set(std::size_t object, std::size_t value, const Value& newValue) {

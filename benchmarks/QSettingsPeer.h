@@ -11,6 +11,8 @@ namespace Orvant::Benchmarks {
 
 Loaded loadWithQSettings(const SettingsFiles& files);
 int readOneWithQSettings(const SettingsFiles& files);
+/// @return true when the user file can be loaded
+bool checkWithQSettings(const SettingsFiles& files);
 
 class QSettingsStore {
 public:

@@ -1,11 +1,8 @@
 #include "SettingsFiles.h"
 
+#include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
-#include <stdexcept>
-
-#include <stdlib.h>
 
 namespace Orvant::Benchmarks {
 
@@ -76,27 +73,15 @@ void writeIni(const std::string& file, Shape shape, Layer layer) {
         [&](const std::string&) { out << '\n'; });
 }
 
-std::filesystem::path makeDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "settings-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-        throw std::runtime_error("No directory for the settings files");
-    return name;
-}
-
 } // namespace
 
-SettingsFiles::SettingsFiles(Shape shape) : m_shape(shape), m_directory(makeDirectory()) {
+SettingsFiles::SettingsFiles(Shape shape) : m_shape(shape) {
     std::filesystem::create_directory(systemDirectory());
     std::filesystem::create_directory(userDirectory());
     writeXml(systemXml(), shape, Layer::System);
     writeXml(userXml(), shape, Layer::User);
     writeIni(systemIni(), shape, Layer::System);
     writeIni(userIni(), shape, Layer::User);
-}
-
-SettingsFiles::~SettingsFiles() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_directory, ignored);
 }
 
 const SettingsFiles& sharedFiles(Shape shape) {

@@ -21,8 +21,9 @@ void addVersion(const std::string& name, const std::string& version) {
     benchmark::AddCustomContext("version of " + name, version);
 }
 
-void addVersions() {
-    addVersion("GCC", __VERSION__);
+void addBuild() {
+    benchmark::AddCustomContext("build type", BUILD_TYPE);
+    addVersion(COMPILER " C++", COMPILER_VERSION);
     addVersion("Xerces-C++", XERCES_FULLVERSIONDOT);
     addVersion("KConfig", KCONFIG_VERSION_STRING);
     addVersion("Qt", qVersion());
@@ -46,11 +47,12 @@ int main(int argc, char** argv) {
     registerSaveBenchmarks();
     registerCheckBenchmarks();
     registerMemoryBenchmarks();
+    registerSchemaBenchmarks();
     registerGrowthBenchmarks();
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
-    addVersions();
+    addBuild();
     return benchmark::RunSpecifiedBenchmarks() == 0 ? 1 : 0;
 }

@@ -1,0 +1,109 @@
+#include "Benchmarks.h"
+#include "SchemaFile.h"
+#include "XmlParsers.h"
+
+#include <ConfigurationFramework/XsdConfigReader.h>
+#include <FileHandling/FileName.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvant::Benchmarks {
+
+namespace {
+
+XsdConfigReader read(const SchemaFile& schema) {
+    XsdConfigReader reader(schema.file());
+    reader.readXSD(true);
+    return reader;
+}
+
+void runRead(benchmark::State& state, const SchemaFile& schema) {
+    for ([[maybe_unused]] const auto _ : state) {
+        std::optional<XsdConfigReader> reader(read(schema));
+        state.PauseTiming();
+        if (reader->getXsdTree().size() != schema.types())
+            state.SkipWithError("Types are missing");
+        reader.reset();
+        state.ResumeTiming();
+    }
+}
+
+void runFilter(benchmark::State& state, const SchemaFile& schema) {
+    const auto kept = schema.everySecondStation();
+    for ([[maybe_unused]] const auto _ : state) {
+        state.PauseTiming();
+        std::optional<XsdConfigReader> reader(read(schema));
+        state.ResumeTiming();
+        reader->keepXSDElement(kept);
+        state.PauseTiming();
+        if (reader->getXsdTree().size() != schema.typesOfEverySecondStation())
+            state.SkipWithError("Kept something else than the types that are needed");
+        reader.reset();
+        state.ResumeTiming();
+    }
+}
+
+void runWrite(benchmark::State& state, const SchemaFile& schema) {
+    XsdConfigReader reader = read(schema);
+    for ([[maybe_unused]] const auto _ : state)
+        reader.writeXSD(schema.newFile(), true);
+    if (std::filesystem::file_size(schema.newFile()) <
+        std::filesystem::file_size(schema.file()) / 2)
+        state.SkipWithError("Wrote less than what was read");
+}
+
+void runContents(benchmark::State& state, const SchemaFile& schema) {
+    XsdConfigReader reader = read(schema);
+    std::vector<std::string> names;
+    std::size_t expected = 0;
+    for (const auto& [name, type] : reader.getXsdTree()) {
+        names.push_back(name);
+        expected += type->children.size() + type->attributes.size();
+    }
+    for ([[maybe_unused]] const auto _ : state) {
+        std::size_t found = 0;
+        for (const std::string& name : names)
+            found += reader.getSubTypes(name).size() + reader.getAttributes(name).size();
+        if (found != expected)
+            state.SkipWithError("Contents are missing");
+    }
+}
+
+template <std::shared_ptr<void> (*parse)(const std::string&)>
+void runParse(benchmark::State& state, const SchemaFile& schema) {
+    for ([[maybe_unused]] const auto _ : state)
+        if (parse(schema.file()) == nullptr)
+            state.SkipWithError("Found an error in a file without errors");
+}
+
+template <typename Run>
+auto onSchema(Run run) {
+    return [run](benchmark::State& state, std::size_t types) { run(state, SchemaFile(types)); };
+}
+
+} // namespace
+
+void registerSchemaBenchmarks() {
+    for (const std::size_t types : {std::size_t{50}, std::size_t{2'000}}) {
+        const auto addOne = [&](const std::string& name, auto run) {
+            add("Schema of so many types", name, std::to_string(types),
+                [=](benchmark::State& state) { run(state, types); });
+        };
+        addOne("this library, read", onSchema(runRead));
+        addOne("this library, filter", onSchema(runFilter));
+        addOne("this library, write", onSchema(runWrite));
+        addOne("this library, contents of each type", onSchema(runContents));
+        addOne("libxml2, parsing only", onSchema(runParse<parseWithLibxml2>));
+        addOne("XercesDOMParser, parsing only", onSchema(runParse<parseWithXercesDom>));
+    }
+    addGrowth("read a schema of that many types", 1'000, onSchema(runRead));
+    addGrowth("write a schema of that many types", 1'000, onSchema(runWrite));
+    // In memory already: so many that the processor's caches hold neither number.
+    addGrowth("filter a schema of that many types", 5'000, onSchema(runFilter));
+    addGrowth("ask for the contents of that many types", 5'000, onSchema(runContents));
+}
+
+} // namespace Orvant::Benchmarks
