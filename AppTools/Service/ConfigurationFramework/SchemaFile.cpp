@@ -19,7 +19,7 @@ constexpr const char* rewritingName =
     ".aVeryLongPathNameForAtemporaryFileInPlaceSoWeCouldParseOurXsd.xsd";
 constexpr const char* sanitisingName = ".tempFileForSanitazingTheInputOfTheXsdFile.xml";
 
-FileName beside(const FileName& file, const char* name) {
+FileName beside(const FileName& file, const std::string& name) {
     FileName neighbour = file.getLocation();
     return neighbour /= name;
 }
