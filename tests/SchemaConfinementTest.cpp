@@ -223,6 +223,26 @@ TEST_F(SchemaConfinement, RefusesWhateverReferencesMakeTooLarge) {
     }
 }
 
+/// A schema of that size with parameter entity references, and thousands of others.
+std::string withParameterEntities(std::size_t references, std::size_t size) {
+    const auto schema = [references](std::size_t length) {
+        return schemaWithDtd("<!ENTITY e 'x'><!ENTITY % c '<!--" + std::string(length, 'x') +
+                                 "-->'>" + repeated("%c;", references),
+                             typeA + repeated("&e;", 9'000));
+    };
+    return schema(size - schema(0).size());
+}
+
+TEST_F(SchemaConfinement, BoundsWhatParameterEntitiesMakeOfADtdByTheSizeOfTheFile) {
+    using SizeAndMost = std::pair<std::size_t, std::size_t>;
+    for (const auto& [size, most] : {SizeAndMost{39'999, 250}, {99'999, 100}, {2'000'000, 10}}) {
+        expectFailure(withParameterEntities(most + 1, size), false,
+                      ConfigException::SourceNotFound);
+        writeFile(file, withParameterEntities(most, size));
+        EXPECT_FALSE(failureOf([&] { XsdConfigReader(file).readXSD(false); })) << size;
+    }
+}
+
 TEST_F(SchemaConfinement, ReadsADocumentOfAnySizeWithoutReferences) {
     writeFile(file, schemaWithDtd("", typeA + std::string(mostExpanded + 1, 'x')));
     reader.readXSD(false);

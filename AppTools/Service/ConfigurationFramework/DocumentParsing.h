@@ -27,6 +27,8 @@ public:
     /// @return true when a limit was passed
     bool isExceeded() const { return m_isExceeded; }
 
+    void limitExpansions(std::size_t limit) { m_limit = limit; }
+
     /// Refuses from now on a block so large that no document of that size needs it, which takes
     /// references of large entities, in an attribute say.
     void limitBlocksFor(std::size_t documentSize);
@@ -72,6 +74,9 @@ public:
         parser->setSecurityManager(&m_securityManager);
         return parser;
     }
+
+    /// Allows another number of entity references from now on, those before included.
+    void limitReferences(std::size_t limit) { m_memory.limitExpansions(limit); }
 
     /// Parses a file with the confined parser.
     /// @throws xercesc::XMLException when the file is not a regular file or cannot be read

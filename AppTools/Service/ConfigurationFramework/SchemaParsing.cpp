@@ -48,14 +48,20 @@ class MeasuringParser : public ContentParser {
 public:
     using ContentParser::ContentParser;
 
-    /// @param bytes size of the document to come, which it may always reach
-    void setDocumentSize(std::size_t bytes) {
+    /// @param confinement that of this parser
+    /// @param bytes       size of the document to come, which it may always reach
+    void prepare(ParserConfinement& confinement, std::size_t bytes) {
+        m_confinement = &confinement;
         m_mostCharacters = std::max(bytes, SchemaLimits::expandedSize);
+        confinement.limitReferences(
+            std::min(SchemaLimits::dtdReferences(bytes), ParserConfinement::maxEntityReferences));
     }
 
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int, const XMLCh*,
                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                      XMLSize_t attributeCount, bool isEmpty, bool) override {
+                      XMLSize_t attributeCount, bool isEmpty, bool isRoot) override {
+        if (isRoot)
+            m_confinement->limitReferences(ParserConfinement::maxEntityReferences);
         const std::size_t declared =
             declaration.hasAttDefs() ? declaration.getAttDefList().getAttDefCount() : 0;
         refuseIf(attributeCount > SchemaLimits::attributes || declared > SchemaLimits::attributes);
@@ -90,6 +96,7 @@ private:
         refuseIf(m_size > m_mostCharacters);
     }
 
+    ParserConfinement* m_confinement = nullptr;
     std::size_t m_depth = 0;
     std::size_t m_size = 0; ///< at most that of the document, as long as there are no references
     std::size_t m_mostCharacters = 0;
@@ -104,6 +111,7 @@ public:
     }
 
     Parser* operator->() { return m_parser.get(); }
+    ParserConfinement& confinement() { return m_confinement; }
 
     /// @return null when the document is not well-formed or is refused
     const xercesc::DOMDocument* parse(const std::string& bytes) {
@@ -119,7 +127,7 @@ private:
 
 bool isWithinLimits(const std::string& bytes) {
     ParserForSchema<MeasuringParser> parser;
-    parser->setDocumentSize(bytes.size());
+    parser->prepare(parser.confinement(), bytes.size());
     return parser.parse(bytes) != nullptr;
 }
 

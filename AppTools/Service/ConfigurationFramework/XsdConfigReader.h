@@ -41,7 +41,8 @@ class FileName;
 /// Nothing that a file refers to is opened: external entities and DTDs resolve to nothing, which
 /// the error log tells. A file is refused that has more than 10,000 entity references, an element
 /// with more than 100 attributes, given or declared, elements nested more than 1,000 deep, a
-/// complex type more than 512 deep, or references that make more than 10 million characters of it.
+/// complex type more than 512 deep, or references that make more than 10 million characters of it;
+/// also one whose DTD has more than ten references that could do that.
 ///
 /// Copies share the schema: what is filtered through one is gone from the other. Before the first
 /// successful readXSD() there is no schema: queries answer nothing, and filters and writeXSD() do
