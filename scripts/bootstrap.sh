@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing.
-# usage: bootstrap.sh GROUP...   (build, test, check, docs, packages, benchmark)
+# usage: bootstrap.sh GROUP...   (build, test, check, coverage, docs, packages, benchmark)
 set -euo pipefail
 
 packages=()
@@ -12,6 +12,7 @@ for group in "$@"; do
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
     check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;
+    coverage) packages+=(gcovr) ;;
     docs) packages+=(doxygen) ;;
     packages) packages+=(dpkg-dev file mmdebstrap) ;;
     *) echo "bootstrap.sh: no such group: $group" >&2; exit 2 ;;
