@@ -482,6 +482,13 @@ TEST_P(LayeredLoad, TakesWhatOneDocumentHolds) {
     EXPECT_EQ(1, m_object->signals);
 }
 
+TEST_P(LayeredLoad, RepairsNothingWhereTheSystemHasNoSuchObject) {
+    Layers reader({{system, ""}, {user, "<T key='k'><A editable='false'>3</A></T>"}});
+    EXPECT_EQ(success, load(reader));
+    EXPECT_EQ(3, valueOf("A"));
+    EXPECT_FALSE(valueAt(*m_object, 0, "A").isEditable()) << "there is nothing to unlock it by";
+}
+
 TEST_P(LayeredLoad, FailsWhereNoDocumentHoldsIt) {
     Layers reader({{system, "<A>1</A>"}, {user, ""}});
     EXPECT_EQ(failure, load(reader));

@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
+#include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
 #include <ManagerFixture.h>
@@ -512,6 +513,31 @@ TEST_F(ConfigurationManagerTwoFiles, CompareAnObjectWithTheElementItIsRegistered
     keyed->value<int>("a").setValue(6);
     EXPECT_TRUE(save());
     EXPECT_EQ(document("<Alias><a>5</a></Alias><Keyed key=\"k\"><a>6</a></Keyed>"), userFile());
+}
+
+/// Is saved while it differs from the element "Limits" of the system's document.
+class DependentObject : public TestObject {
+public:
+    DependentObject() : TestObject("Test") { add("a", 1).add("b", 2); }
+
+    ConfigurationObject* createConfigurationObject() const override { return new DependentObject; }
+    bool canBeSavedToUserConfig(ConfigReader& reader) const override {
+        const auto limits = makeObject("Limits");
+        return reader.getClassContents("Limits", *limits) == ConfigurationAccessResult::Success &&
+               atLeastOneSavedValueIsDifferent(limits.get());
+    }
+};
+
+TEST_F(ConfigurationManagerTwoFiles, AnswerAnObjectThatAsksForOtherElements) {
+    writeFiles("<Limits><a>5</a></Limits><Test><a>3</a></Test><Alias><a>4</a></Alias>", "");
+    const auto object = std::make_shared<DependentObject>();
+    m_manager.addConfigurationObject(object, "Alias");
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", userFile());
+    object->value<int>("a").setValue(6);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Alias><a>6</a></Alias>"), userFile());
 }
 
 TEST_F(ConfigurationManagerTwoFiles, CompareWithTheDefaultsWhereTheSystemFileIsOfNoUse) {

@@ -106,6 +106,19 @@ TEST(DeepDocument, MayHoldItsDepthInEntitiesOfEntities) {
     EXPECT_EXIT(openAndExit(document), testing::ExitedWithCode(0), "");
 }
 
+std::string entityOfDepth(int depth) {
+    return configuration("&deep;", "<!ENTITY deep \"" + nested(depth, "<A>1</A>") + "\">");
+}
+
+TEST(DeepDocument, IsEditedToAThousandLevelsInAnEntity) {
+    ConfigWriter writer(FileName(), entityOfDepth(997));
+    auto reader = Support::openString(writer.getAsString());
+    EXPECT_EQ(success, reader.tagExists("A"));
+    auto refusal = Support::refusal([] { ConfigWriter(FileName(), entityOfDepth(999)); });
+    ASSERT_TRUE(refusal);
+    EXPECT_EQ(ConfigException::InvalidDocument, refusal->getType());
+}
+
 // Writing.
 
 TEST(DeepDocument, IsWrittenToAThousandElements) {

@@ -698,6 +698,22 @@ TEST(GetClassContentsOfKeys, LeavesObjectsWithoutKeys) {
     EXPECT_EQ(success, reader.getClassContents("P", std::vector<std::string>(), loaded.objects));
 }
 
+TEST(KeyedNodes, AreFoundByAKeyThatADocumentCannotHoldAsItWasWritten) {
+    const std::string key = "a\x01";
+    auto reader = openBody("<P><A>0</A></P><P key='a\xEF\xBF\xBD'><A>1</A></P>");
+    KeyedObjects loaded(1);
+    EXPECT_EQ(success, reader.getClassContents("P", {key}, loaded.objects));
+    EXPECT_THAT(loaded.values(), ElementsAre(1));
+    const auto byKey = objectWithA();
+    EXPECT_EQ(success, reader.getClassContents("P", key, *byKey));
+    EXPECT_EQ(1, valueOfA(*byKey));
+    const auto found = objectWithA();
+    EXPECT_EQ(success, reader.findAndGetClassContents("P", key, *found));
+    EXPECT_EQ(1, valueOfA(*found));
+    EXPECT_EQ(success, reader.setCurrentKeyedNode("P", key));
+    EXPECT_EQ(1, readInt(reader, "A"));
+}
+
 TEST(FindAndGetClassContents, SearchesTheWholeDocument) {
     auto reader = openBody("<X><A>0</A></X><Y><Z><T><A>1</A></T></Z></Y><T><A>2</A></T>");
     ASSERT_EQ(success, reader.setCurrentNode("X"));

@@ -4,6 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <barrier>
+#include <string>
+#include <thread>
+#include <vector>
+
 namespace Orvant {
 namespace {
 
@@ -19,6 +25,25 @@ TEST(Logging, WritesToStandardErrorWhereNothingIsRegistered) {
     testing::internal::CaptureStderr();
     Logging("LoggingTestUnregistered").logERROR("lost", "a.cpp", "f", 1);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("lost"));
+}
+
+TEST(Logging, LosesNothingWhenThreadsStartALogTogether) {
+    constexpr int threadCount = 4;
+    constexpr int logCount = 200;
+    testing::internal::CaptureStderr();
+    std::barrier start(threadCount);
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < threadCount; ++thread)
+            threads.emplace_back([&start] {
+                for (int log = 0; log < logCount; ++log) {
+                    start.arrive_and_wait();
+                    Logging("LoggingTestThreads" + std::to_string(log)).logERROR("m", "f", "f", 1);
+                }
+            });
+    }
+    EXPECT_EQ(threadCount * logCount,
+              std::ranges::count(testing::internal::GetCapturedStderr(), '\n'));
 }
 
 } // namespace
