@@ -87,8 +87,9 @@ std::string describe(const SchemaFilter& filter) {
 class Comparison {
 public:
     /// @param trace what to tell when they differ
-    Comparison(const Support::TemporaryDirectory& directory, const std::string& trace)
-        : m_directory(directory), m_trace(trace) {}
+    Comparison(const Support::TemporaryDirectory& directory, SchemaGenerator::Kind kind,
+               const std::string& trace)
+        : m_directory(directory), m_kind(kind), m_trace(trace) {}
 
     /// @return false when neither can read the file
     bool read(const std::string& bytes, bool sanitise) {
@@ -142,6 +143,9 @@ private:
         if (!expected)
             return;
         EXPECT_EQ(expected->tree(), answersOf(back));
+        if (m_kind == SchemaGenerator::Valid || !sanitise) {
+            EXPECT_EQ(m_oracle->tree(), answersOf(back));
+        }
         if (m_oracle->tookFirstTypes())
             return;
         const SchemaOracle::Names declared = expected->declared();
@@ -150,6 +154,7 @@ private:
     }
 
     const Support::TemporaryDirectory& m_directory;
+    SchemaGenerator::Kind m_kind;
     std::string m_trace;
     std::optional<SchemaOracle> m_oracle;
     std::unique_ptr<XsdConfigReader> m_reader;
@@ -175,7 +180,7 @@ void expectSame(SchemaGenerator::Kind kind, std::uint32_t firstSeed, std::uint32
     for (std::uint32_t seed = firstSeed; seed < firstSeed + count; ++seed) {
         SchemaGenerator generator(seed, kind);
         const std::string schema = generator.schema();
-        Comparison comparison(directory, "seed " + std::to_string(seed) + '\n' + schema);
+        Comparison comparison(directory, kind, "seed " + std::to_string(seed) + '\n' + schema);
         if (comparison.read(schema, true)) {
             ++readable;
             for (std::uint32_t filters = seed % 4; filters > 0; --filters)
@@ -189,11 +194,11 @@ void expectSame(SchemaGenerator::Kind kind, std::uint32_t firstSeed, std::uint32
 }
 
 TEST(SchemaEquivalence, HoldsOnOddSchemas) {
-    expectSame(SchemaGenerator::Odd, 1, 2000);
+    expectSame(SchemaGenerator::Odd, 1, 1500);
 }
 
 TEST(SchemaEquivalence, HoldsOnValidSchemas) {
-    expectSame(SchemaGenerator::Valid, 100'001, 1000);
+    expectSame(SchemaGenerator::Valid, 100'001, 500);
 }
 
 } // namespace

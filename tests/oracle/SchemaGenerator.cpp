@@ -11,8 +11,8 @@ namespace {
 // Forms that the oracle takes better than the reader: true shows where.
 /// `type="ov:A"` that keeps its prefix, as it is the line's second.
 constexpr bool prefixesThatStay = false;
-/// A comment before or behind an element whose start and end tag stand on one line.
-constexpr bool commentsBesideElements = false;
+/// Comments, and text with a prefix, on the line of an element's end tag.
+constexpr bool textsBesideTags = false;
 /// An element with both a type and a type of its own inside.
 constexpr bool typesBesideInlineTypes = false;
 
@@ -60,8 +60,8 @@ const Strings unknown = {
 const Strings wild = {
     "<xs:element name=\"a\" type=\"ov:A\"/><xs:element name=\"b\" type=\"ov:B\"/>",
     "<xs:element name=\"a\" type=\"ov:A\"></xs:element><xs:element name=\"b\" type=\"ov:B\"/>",
+    "<xs:import/><xs:element name=\"a\" type=\"ov:A\"/>",
     "<!-- xs: --><xs:element name=\"a\" type=\"ov:A\"/>",
-    "<!-- xs: --><xs:element name=\"a\" type=\"ov:A\"></xs:element>",
 
     "<xs:element name=\"a>b\" type='ov:A' ></xs:element >",
     "<xs:sequence><xs:element name=\"a\" type=\"ov:A\"/></xs:sequence>",
@@ -78,8 +78,6 @@ const Strings wild = {
     "<xs:annotation>\n<xs:documentation>with\n<b>markup</b>\nin it</xs:documentation>\n"
     "</xs:annotation>",
     "<xs:annotation>\n<xs:documentation>of xs:int</xs:documentation> </xs:annotation>",
-    "<xs:annotation>\n<xs:documentation>many\nof xs:int</xs:documentation>\n</xs:annotation>",
-    "<xs:annotation>\n<xs:documentation>many\nof p1:int</xs:documentation>\n</xs:annotation>",
     "<xs:annotation>\n<xs:documentation><![CDATA[a < b]]></xs:documentation>\n</xs:annotation>",
     "<xs:element name=\"a\"><!-- <xs:b> --></xs:element>",
     "<xs:element name=\"a\"><?pi <xs:b> ?></xs:element>",
@@ -89,6 +87,18 @@ const Strings wild = {
     "<not closed",
     "</xs:sequence>",
     "&unknown;"};
+
+const Strings besideTags = {
+    "<xs:annotation>\n<xs:documentation>many\nof xs:int</xs:documentation>\n</xs:annotation>",
+    "<xs:annotation>\n<xs:documentation>many\nof p1:int</xs:documentation>\n</xs:annotation>",
+    "<xs:annotation>\n<xs:documentation>many\nof ov:T</xs:documentation>\n</xs:annotation>",
+    "<xs:annotation>\n<xs:documentation>\n</xs:documentation>\n</xs:annotation>",
+    "<xs:annotation>\n<xs:documentation> </xs:documentation>\n</xs:annotation>",
+    "<xs:annotation>\n<xs:documentation>text\n</xs:documentation><!-- xs: -->\n</xs:annotation>",
+    "<!-- xs: --><xs:element name=\"a\" type=\"ov:A\"></xs:element>",
+    "<xs:element name=\"a\" type=\"ov:A\"></xs:element><!-- comment -->",
+    "<!-- comment --><xs:element name=\"a\" type=\"ov:A\"></xs:element> text",
+    "<xs:element name=\"a\"\n type=\"xs:int\"></xs:element>"};
 
 } // namespace
 
@@ -129,9 +139,9 @@ void SchemaGenerator::put(const std::string& line) {
     }
 }
 
-std::string SchemaGenerator::tag(const std::string& name, const Attributes& attributes) {
+std::string SchemaGenerator::tag(const std::string& name, const Attributes& attributes,
+                                 bool spread) {
     std::string result = m_indentation + "<xs:" + name;
-    const bool spread = oddOneIn(40);
     if (prefixesThatStay && oddOneIn(20))
         result += " id=\"ov:id\"";
     for (const auto& [attribute, value] : attributes)
@@ -140,7 +150,7 @@ std::string SchemaGenerator::tag(const std::string& name, const Attributes& attr
 }
 
 void SchemaGenerator::open(const std::string& name, const Attributes& attributes) {
-    put(tag(name, attributes) + '>');
+    put(tag(name, attributes, oddOneIn(40)) + '>');
     if (m_kind == Valid || !oneIn(3))
         m_indentation += oneIn(9) ? "\t" : "  ";
     odd();
@@ -154,10 +164,9 @@ void SchemaGenerator::close(const std::string& name) {
 
 void SchemaGenerator::leaf(const std::string& name, const Attributes& attributes) {
     if (oneIn(8))
-        put(tag(name, attributes) + "></xs:" + name + '>' +
-            (commentsBesideElements && oddOneIn(10) ? "<!-- comment -->" : ""));
+        put(tag(name, attributes, textsBesideTags && oddOneIn(40)) + "></xs:" + name + '>');
     else
-        put(tag(name, attributes) + (oneIn(4) ? " />" : "/>"));
+        put(tag(name, attributes, oddOneIn(40)) + (oneIn(4) ? " />" : "/>"));
     odd();
 }
 
@@ -166,6 +175,8 @@ void SchemaGenerator::odd() {
         put(anyOf(unknown));
     if (m_wild && oneIn(25))
         put(anyOf(wild));
+    if (textsBesideTags && m_wild && oneIn(25))
+        put(anyOf(besideTags));
 }
 
 void SchemaGenerator::annotation() {
@@ -175,8 +186,9 @@ void SchemaGenerator::annotation() {
     if (oddOneIn(8))
         put("<xs:appinfo source=\"ov:here\">text</xs:appinfo>");
     if (!oddOneIn(8))
-        put(tag("documentation", oneIn(5) ? Attributes{{"xml:lang", "en"}} : Attributes()) + '>' +
-            anyOf(texts) + "</xs:documentation>");
+        put(tag("documentation", oneIn(5) ? Attributes{{"xml:lang", "en"}} : Attributes(),
+                textsBesideTags && oddOneIn(10)) +
+            '>' + anyOf(texts) + "</xs:documentation>");
     if (oddOneIn(10))
         put("<xs:documentation>a second one</xs:documentation>");
     close("annotation");
@@ -302,7 +314,7 @@ void SchemaGenerator::complexType(const Attributes& typeAttributes, int depth) {
     } else {
         if (!oneIn(4))
             elements("sequence", depth);
-        if (oneIn(4))
+        if (oneIn(2))
             elements("choice", depth);
         if (oneIn(3))
             attributes();
@@ -387,6 +399,8 @@ SchemaFilter SchemaGenerator::filter() {
     types.insert(types.end(), m_simpleTypes.begin(), m_simpleTypes.end());
     types.insert(types.end(), {"Undeclared", "xs:int", ""});
     SchemaFilter filter = {static_cast<SchemaFilter::Kind>(m_random() % 3), anyOf(types), {}};
+    if (prefixesThatStay && m_kind == Odd)
+        types.push_back("ov:" + anyOf(types));
     filter.names = someOf(filter.kind == SchemaFilter::Elements       ? types
                           : filter.kind == SchemaFilter::ChildElement ? m_childNames
                                                                       : m_attributeNames);

@@ -48,7 +48,8 @@ private:
     void open(const std::string& name, const Attributes& attributes = {});
     void close(const std::string& name);
     void leaf(const std::string& name, const Attributes& attributes);
-    std::string tag(const std::string& name, const Attributes& attributes);
+    /// @param spread whether each attribute stands on a line of its own
+    std::string tag(const std::string& name, const Attributes& attributes, bool spread);
 
     void odd();
     void annotation();

@@ -69,30 +69,40 @@ std::size_t nextTag(const std::string& line, std::size_t at) {
     return at;
 }
 
-/// @return where the end tag's prefix stands when the line's one element holds nothing but text and
-///         its start tag has the line's first prefix; npos otherwise
-std::size_t prefixOfEndTag(const std::string& line, const std::string& prefix) {
-    constexpr auto none = std::string::npos;
-    const auto start = line.find(prefix);
-    if (start == none || start == 0 || nextTag(line, 0) != start - 1)
-        return none;
-    const auto startEnd = endOfTag(line, start);
-    if (startEnd == none || line[startEnd - 1] == '/')
-        return none;
-    const auto name = line.substr(start, line.find_first_of(" \t\r/>", start) - start);
-    const auto end = nextTag(line, startEnd);
-    if (end == none || line.compare(end, name.size() + 2, "</" + name) != 0)
-        return none;
-    const auto endEnd = line.find_first_not_of(" \t\r", end + 2 + name.size());
-    if (endEnd == none || line[endEnd] != '>' || nextTag(line, endEnd) != none)
-        return none;
-    return end + 2;
+/// @return where the tags of a line open
+std::vector<std::size_t> tagsOf(const std::string& line) {
+    std::vector<std::size_t> tags;
+    for (auto at = nextTag(line, 0); at != std::string::npos;) {
+        tags.push_back(at);
+        const auto end = endOfTag(line, at);
+        at = end == std::string::npos ? end : nextTag(line, end);
+    }
+    return tags;
 }
 
-std::string withOtherPrefix(std::string line, const std::string& from, const std::string& to) {
-    if (const auto end = prefixOfEndTag(line, from); end != std::string::npos)
-        line.replace(end, from.size(), to);
-    return replacedOnce(line, from, to);
+/// @return the line with the first prefix replaced, and with both tags of an element that holds
+///         nothing but text as alike as before: the end tag changes with the start tag, and, where
+///         it is the line's one tag, in place of the text before it
+std::string withOtherPrefix(const std::string& line, const std::string& from,
+                            const std::string& to) {
+    const auto tags = tagsOf(line);
+    const auto opens = [&line, &tags](std::size_t tag, const std::string& text) {
+        return line.compare(tags[tag], text.size(), text) == 0;
+    };
+    if (tags.size() == 1 && opens(0, "</" + from))
+        return line.substr(0, tags[0]) + replacedOnce(line.substr(tags[0]), from, to);
+    const bool startsAnElement = tags.size() == 2 && opens(0, '<' + from) &&
+                                 line.find(from) == tags[0] + 1 &&
+                                 line[endOfTag(line, tags[0]) - 1] != '/';
+    if (!startsAnElement)
+        return replacedOnce(line, from, to);
+    const auto nameOf = [&line](std::size_t at) {
+        return line.substr(at, line.find_first_of(" \t\r/>", at) - at);
+    };
+    if (!opens(1, "</" + from) || nameOf(tags[0] + 1) != nameOf(tags[1] + 2))
+        return replacedOnce(line, from, to);
+    return replacedOnce(line.substr(0, tags[1]), from, to) +
+           replacedOnce(line.substr(tags[1]), from, to);
 }
 
 std::string rewritten(const std::string& text,
@@ -404,10 +414,9 @@ SchemaNode* firstComplexType(SchemaNode& schema, const std::string& name) {
 /// @return the declared type that a text names; nothing when it names none. A text that kept the
 ///         suite's prefix names the type without it.
 Value declaredType(const Value& text, const Names& declared) {
-    if (!text || declared.contains(*text))
-        return text;
-    if (text->starts_with("ov:") && declared.contains(text->substr(3)))
-        return text->substr(3);
+    for (const std::string prefix : {"", "ov:"})
+        if (text && text->starts_with(prefix) && declared.contains(text->substr(prefix.size())))
+            return text->substr(prefix.size());
     return {};
 }
 
@@ -485,13 +494,17 @@ SchemaOracle::SchemaOracle(const std::string& file, bool sanitise) {
 
 void SchemaOracle::keepElements(const Names& names) {
     const Names before = declared();
-    Names kept = names;
+    Names kept;
+    for (const std::string& name : names)
+        if (const Value type = declaredType(name, before))
+            kept.insert(*type);
     Nodes required;
     for (const SchemaNode* root : childrenOf(m_schema, "element")) {
+        const Value rootType = declaredType(valueOf(*root, "type"), before);
         const auto type = std::ranges::find_if(m_schema.children, [&](const SchemaNode& node) {
-            return isType(node) && valueOf(node, "name") == valueOf(*root, "type");
+            return isType(node) && valueOf(node, "name") == rootType;
         });
-        if (type == m_schema.children.end() || !root->attributes.contains("type"))
+        if (!rootType || type == m_schema.children.end())
             continue;
         for (const SchemaNode* child : sequenceElements(*type)) {
             if (isOptional(*child))
