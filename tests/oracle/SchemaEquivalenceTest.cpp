@@ -76,10 +76,10 @@ std::string describe(const SchemaFilter& filter) {
                                   "keepXSDChildAttributes("};
     std::string description = names[filter.kind];
     if (filter.kind != SchemaFilter::Elements)
-        description += filter.type + ", ";
+        description += '"' + filter.type + "\", ";
     description += '{';
     for (const std::string& name : filter.names)
-        description += name + ", ";
+        description += '"' + name + "\", ";
     return description + "})\n";
 }
 
@@ -92,13 +92,13 @@ public:
         : m_directory(directory), m_kind(kind), m_trace(trace) {}
 
     /// @return false when neither can read the file
-    bool read(const std::string& bytes, bool sanitise) {
+    bool read(const std::string& bytes) {
         const ::testing::ScopedTrace trace(__FILE__, __LINE__, m_trace);
         m_oracle.reset();
-        const auto expected = Support::failureOf([&] { m_oracle = SchemaOracle(bytes, sanitise); });
+        const auto expected = Support::failureOf([&] { m_oracle = SchemaOracle(bytes, true); });
         const FileName file = m_directory.file("schema.xsd", bytes);
         m_reader = std::make_unique<XsdConfigReader>(file);
-        EXPECT_EQ(expected, Support::failureOf([&] { m_reader->readXSD(sanitise); }));
+        EXPECT_EQ(expected, Support::failureOf([&] { m_reader->readXSD(true); }));
         EXPECT_EQ(bytes, Support::readFile(file));
         if (!m_oracle || ::testing::Test::HasFailure())
             return false;
@@ -115,6 +115,7 @@ public:
         EXPECT_EQ(m_oracle->tree(), answersOf(*m_reader));
     }
 
+    /// @param bothForms whether to write one without output fix, too
     void write(bool bothForms) {
         const ::testing::ScopedTrace trace(__FILE__, __LINE__, m_trace);
         const FileName file = m_directory.file("written.xsd");
@@ -174,6 +175,7 @@ public:
 const ::testing::Environment* const filesInMemory =
     ::testing::AddGlobalTestEnvironment(new FilesInMemory);
 
+/// A seed that fails is enough to repeat it: what it makes does not depend on those before it.
 void expectSame(SchemaGenerator::Kind kind, std::uint32_t firstSeed, std::uint32_t count) {
     const Support::TemporaryDirectory directory;
     std::uint32_t readable = 0;
@@ -181,7 +183,7 @@ void expectSame(SchemaGenerator::Kind kind, std::uint32_t firstSeed, std::uint32
         SchemaGenerator generator(seed, kind);
         const std::string schema = generator.schema();
         Comparison comparison(directory, kind, "seed " + std::to_string(seed) + '\n' + schema);
-        if (comparison.read(schema, true)) {
+        if (comparison.read(schema)) {
             ++readable;
             for (std::uint32_t filters = seed % 4; filters > 0; --filters)
                 comparison.filter(generator.filter());

@@ -8,14 +8,6 @@ namespace Orvant::Support {
 
 namespace {
 
-// Forms that the oracle takes better than the reader: true shows where.
-/// `type="ov:A"` that keeps its prefix, as it is the line's second.
-constexpr bool prefixesThatStay = false;
-/// Comments, and text with a prefix, on the line of an element's end tag.
-constexpr bool textsBesideTags = false;
-/// An element with both a type and a type of its own inside.
-constexpr bool typesBesideInlineTypes = false;
-
 /// Few names, so that they often meet.
 const Strings commonTypes = {"A", "B", "C", "D", "E", "Größe", "Type-1", "S1", "S2", "int"};
 const Strings commonNames = {"a", "b", "c", "ä", "other", ""};
@@ -62,7 +54,6 @@ const Strings wild = {
     "<xs:element name=\"a\" type=\"ov:A\"></xs:element><xs:element name=\"b\" type=\"ov:B\"/>",
     "<xs:import/><xs:element name=\"a\" type=\"ov:A\"/>",
     "<!-- xs: --><xs:element name=\"a\" type=\"ov:A\"/>",
-
     "<xs:element name=\"a>b\" type='ov:A' ></xs:element >",
     "<xs:sequence><xs:element name=\"a\" type=\"ov:A\"/></xs:sequence>",
     "<xs:element name=\"a\" minOccurs=\"many\"/>",
@@ -88,6 +79,7 @@ const Strings wild = {
     "</xs:sequence>",
     "&unknown;"};
 
+/// Lines on which a prefix or a comment stands beside an end tag.
 const Strings besideTags = {
     "<xs:annotation>\n<xs:documentation>many\nof xs:int</xs:documentation>\n</xs:annotation>",
     "<xs:annotation>\n<xs:documentation>many\nof p1:int</xs:documentation>\n</xs:annotation>",
@@ -142,7 +134,7 @@ void SchemaGenerator::put(const std::string& line) {
 std::string SchemaGenerator::tag(const std::string& name, const Attributes& attributes,
                                  bool spread) {
     std::string result = m_indentation + "<xs:" + name;
-    if (prefixesThatStay && oddOneIn(20))
+    if (oddOneIn(20))
         result += " id=\"ov:id\"";
     for (const auto& [attribute, value] : attributes)
         result += (spread ? "\n   " : " ") + attribute + "=\"" + value + '"';
@@ -164,7 +156,7 @@ void SchemaGenerator::close(const std::string& name) {
 
 void SchemaGenerator::leaf(const std::string& name, const Attributes& attributes) {
     if (oneIn(8))
-        put(tag(name, attributes, textsBesideTags && oddOneIn(40)) + "></xs:" + name + '>');
+        put(tag(name, attributes, oddOneIn(40)) + "></xs:" + name + '>');
     else
         put(tag(name, attributes, oddOneIn(40)) + (oneIn(4) ? " />" : "/>"));
     odd();
@@ -175,7 +167,7 @@ void SchemaGenerator::odd() {
         put(anyOf(unknown));
     if (m_wild && oneIn(25))
         put(anyOf(wild));
-    if (textsBesideTags && m_wild && oneIn(25))
+    if (m_wild && oneIn(25))
         put(anyOf(besideTags));
 }
 
@@ -187,7 +179,7 @@ void SchemaGenerator::annotation() {
         put("<xs:appinfo source=\"ov:here\">text</xs:appinfo>");
     if (!oddOneIn(8))
         put(tag("documentation", oneIn(5) ? Attributes{{"xml:lang", "en"}} : Attributes(),
-                textsBesideTags && oddOneIn(10)) +
+                oddOneIn(10)) +
             '>' + anyOf(texts) + "</xs:documentation>");
     if (oddOneIn(10))
         put("<xs:documentation>a second one</xs:documentation>");
@@ -202,7 +194,7 @@ void SchemaGenerator::element(int depth) {
         attributes.emplace_back("name", m_childNames.back());
     }
     const bool inlineType = depth > 0 && oneIn(8);
-    if (inlineType ? typesBesideInlineTypes && oddOneIn(10) : !oddOneIn(25))
+    if (!inlineType && !oddOneIn(25))
         attributes.emplace_back("type", elementType());
     if (!oneIn(4))
         attributes.emplace_back("minOccurs", oddOneIn(20) ? anyOf({"-1", "01", "2147483647", "+0"})
@@ -399,7 +391,7 @@ SchemaFilter SchemaGenerator::filter() {
     types.insert(types.end(), m_simpleTypes.begin(), m_simpleTypes.end());
     types.insert(types.end(), {"Undeclared", "xs:int", ""});
     SchemaFilter filter = {static_cast<SchemaFilter::Kind>(m_random() % 3), anyOf(types), {}};
-    if (prefixesThatStay && m_kind == Odd)
+    if (m_kind == Odd)
         types.push_back("ov:" + anyOf(types));
     filter.names = someOf(filter.kind == SchemaFilter::Elements       ? types
                           : filter.kind == SchemaFilter::ChildElement ? m_childNames
