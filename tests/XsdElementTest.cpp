@@ -390,6 +390,13 @@ TEST(KeepElements, KeepsWhatTheInlineTypeOfARequiredChildOfARootElementNeeds) {
     EXPECT_THAT(typeNames(tree), ElementsAre("B"));
 }
 
+TEST(KeepElements, FindsNoTypeForARootElementWithoutOne) {
+    XsdElement tree = treeOf(sequenceType("", required("b", "B")) + complexType("A", "") +
+                             complexType("B", "") + "<element name=\"root\"/>");
+    tree.keepElements({"A"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A"));
+}
+
 TEST(KeepElements, DoesNotKeepTheTypeOfARootElementForBeingOne) {
     XsdElement tree = treeOf(required("root", "Root") + required("other", "Other") +
                              required("number", "xs:int") + required("nowhere", "Nowhere") +

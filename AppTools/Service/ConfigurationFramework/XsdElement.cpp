@@ -371,7 +371,8 @@ std::vector<std::string> XsdElement::requiredTypesOfRoots() const {
     const auto types = byName<std::unordered_map>(m_schema->complexType());
     NeededTypes needed(false);
     for (const ov_rootElement& root : m_schema->element()) {
-        const auto type = types.find(withoutPrefix(textOf(root.type())));
+        const auto type =
+            root.type().present() ? types.find(withoutPrefix(root.type().get())) : types.end();
         if (type == types.end())
             continue;
         for (const ov_sequence* sequence : sequencesOf(*type->second))
