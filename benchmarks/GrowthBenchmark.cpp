@@ -147,6 +147,11 @@ ConfigurationAccessResult getByKey(SimpleConfigReader& reader, const std::string
     return reader.getClassContents("Plotter", key, object);
 }
 
+ConfigurationAccessResult getKeysOf(SimpleConfigReader& reader, const std::string& name) {
+    std::set<std::string> keys;
+    return reader.getKeys(name, keys);
+}
+
 /// @param edit changes in a writer what has a name
 template <typename Document, typename Edit>
 void runEdits(benchmark::State& state, std::size_t count, Document document, Edit edit) {
@@ -250,6 +255,8 @@ void registerGrowthBenchmarks() {
               [](auto& state, std::size_t count) { runLookUps(state, count, named, tagExists); });
     addGrowth("(find as many names in a std::unordered_set)", 1'000, runHashLookUps);
     addGrowth("getKeys of as many keys", 1'000, runGetKeys);
+    addGrowth("getKeys of as many tags", 1'000,
+              [](auto& state, std::size_t count) { runLookUps(state, count, named, getKeysOf); });
     addGrowth("(put as many keys into a std::set)", 1'000, runSortKeys);
     // From the text on, again.
     addGrowth("find and replace as many objects by name and key", 1'000,

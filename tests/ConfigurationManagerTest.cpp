@@ -662,6 +662,40 @@ TEST_F(ConfigurationManagerBatch, HeedsWhatAnObjectDoesToTheManagerWhileItIsLoad
     EXPECT_NE(nullptr, m_manager.getConfigurationObject("A"));
 }
 
+TEST_F(ConfigurationManagerBatch, SeesWhatAnObjectSavesWhileItIsLoaded) {
+    useOneFile();
+    Support::writeFile(m_file, document("<Meddler/><A><v>1</v></A>"));
+    const auto make = [] { return TestObject::make("A", [](TestObject& o) { o.add("v", 0); }); };
+    const auto first = make();
+    const auto second = make();
+    const auto third = make();
+    const auto meddler = std::make_shared<Meddler>([&] {
+        first->value<int>("v").setValue(99);
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    });
+    const auto other = std::make_shared<Meddler>([&] {
+        first->value<int>("v").setValue(100);
+        EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    });
+    m_manager.addConfigurationObjects(
+        {{first, "A"}, {meddler, "Meddler"}, {second, "A"}, {other, "Meddler"}, {third, "A"}});
+    EXPECT_EQ(99, second->value<int>("v").getValue());
+    EXPECT_EQ(100, third->value<int>("v").getValue());
+}
+
+TEST_F(ConfigurationManagerBatch, SeesThatTheManagerIsAssignedTo) {
+    const auto otherFile = m_directory.file("other.xml");
+    Support::writeFile(m_file, document("<Meddler/><A><v>1</v></A>"));
+    Support::writeFile(otherFile, document("<A><v>2</v></A>"));
+    ConfigurationManager other = m_manager;
+    useOneFile();
+    other.setConfigurationFile(otherFile);
+    const auto object = TestObject::make("A", [](TestObject& o) { o.add("v", 0); });
+    m_manager.addConfigurationObjects(
+        {{std::make_shared<Meddler>([&] { m_manager = other; }), "Meddler"}, {object, "A"}});
+    EXPECT_EQ(2, object->value<int>("v").getValue());
+}
+
 TEST_F(ConfigurationManagerBatch, RefusesANullObject) {
     EXPECT_THROW(m_manager.addConfigurationObjects({{nullptr, "Null"}}), std::invalid_argument);
     EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Null"));

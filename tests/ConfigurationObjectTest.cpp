@@ -1132,6 +1132,28 @@ TEST(ConfigurationObject, ClonesTheItemsThatItHasNotThoseOfTheConstructor) {
     EXPECT_EQ(0u, clone->getConfigurationObjectsSize());
 }
 
+TEST(ConfigurationObject, PairsItemsByNameWhereTheirPositionsDiffer) {
+    const auto object = TestObject::make("Test", [](TestObject& o) {
+        o.add("New", 0).add("A", 1).add("B", 2).add("Twice", 3).addChild(newObject("Child"));
+    });
+    const auto other = TestObject::make("Test", [](TestObject& o) {
+        o.add("A", 1).add("Twice", 3).add("Twice", 4).add("B", 5);
+        o.addChild(newObject("Other")).addChild(newObject("Child"));
+    });
+    EXPECT_THAT(namesOf(object->getDifferentConfigurationValues(other.get())),
+                ElementsAre("New", "B"));
+    EXPECT_THAT(namesOf(object->getDifferentConfigurationValues(nullptr)),
+                ElementsAre("New", "A", "B", "Twice"));
+    other->value<int>("B").setValue(6);
+    other->value<int>("B").setEditable(false);
+    other->child("Child").setEditable(false);
+    object->overwriteInvalidConfigValues(other.get());
+    EXPECT_EQ(6, object->value<int>("B").getValue());
+    EXPECT_FALSE(object->value<int>("B").isEditable());
+    EXPECT_TRUE(object->value<int>("New").isEditable());
+    EXPECT_FALSE(object->child("Child").isEditable());
+}
+
 /// A value with a unit, which an assignment of its base would leave behind.
 class Length : public ConfigurationValue<double> {
 public:

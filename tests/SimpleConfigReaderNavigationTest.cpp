@@ -125,6 +125,41 @@ INSTANTIATE_TEST_SUITE_P(
         KeyedCase{"EntitiesInKey", "<P key='a&amp;&lt;&#65;'><A>1</A></P>", "a&<A", 1}),
     Support::nameOf<KeyedCase>);
 
+TEST(SetCurrentKeyedNode, TakesTheLastChildWithoutAKeyOfManyToo) {
+    for (const int count : {2, 20, 40, 200}) {
+        std::string body;
+        for (int i = 0; i < count; ++i)
+            body += "<P>" + std::to_string(i) + "</P>";
+        auto reader = openBody(body + "<P key='k'>keyed</P>");
+        ASSERT_EQ(success, reader.setCurrentKeyedNode("P", "none"));
+        std::string text;
+        bool editable = false;
+        reader.getString(text, editable);
+        EXPECT_EQ(std::to_string(count - 1), text);
+    }
+}
+
+TEST(TagExists, FindsAnElementHoweverManyStandBeforeIt) {
+    std::string before;
+    for (int count = 1; count < 140; ++count) {
+        before += "<B/>";
+        auto reader = openBody(before + "<Wanted><A>1</A></Wanted><Other/>");
+        const auto object = objectWithA("Wanted");
+        EXPECT_EQ(success, reader.findAndGetClassContents("Wanted", *object)) << count;
+        EXPECT_EQ(1, valueOfA(*object)) << count;
+        EXPECT_EQ(success, reader.tagExists("Wanted")) << count;
+        EXPECT_EQ(1, readInt(reader, "A")) << count;
+        auto last = openBody(before + "<Wanted/>");
+        EXPECT_EQ(success, last.tagExists("Wanted")) << count;
+        auto other = openBody("<S>" + before + "</S><Wanted/>");
+        ASSERT_EQ(success, other.setCurrentNode("S"));
+        std::vector<std::string> values;
+        bool editable = false;
+        std::map<std::string, bool> itemEditable;
+        EXPECT_EQ(failure, other.getStringVector("Wanted", values, editable, itemEditable));
+    }
+}
+
 TEST(TagExists, SearchesTheWholeDocumentAndMovesThere) {
     auto reader = openBody("<A>0</A><X><Y><Deep><A>1</A></Deep></Y></X><Deep><A>2</A></Deep>");
     EXPECT_EQ(success, reader.tagExists("Deep"));

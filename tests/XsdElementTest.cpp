@@ -390,6 +390,15 @@ TEST(KeepElements, KeepsWhatTheInlineTypeOfARequiredChildOfARootElementNeeds) {
     EXPECT_THAT(typeNames(tree), ElementsAre("B"));
 }
 
+TEST(KeepElements, TakesARequiredChildWithoutATypeForAName) {
+    // So that the list is not empty, and all types go that it does not name.
+    XsdElement tree =
+        treeOf(required("root", "Root") + sequenceType("Root", "<element name=\"b\"/>") +
+               complexType("B", "") + simpleType("C") + simpleType("D"));
+    tree.keepElements({});
+    EXPECT_THAT(typeNames(tree), IsEmpty());
+}
+
 TEST(KeepElements, FindsNoTypeForARootElementWithoutOne) {
     XsdElement tree = treeOf(sequenceType("", required("b", "B")) + complexType("A", "") +
                              complexType("B", "") + "<element name=\"root\"/>");

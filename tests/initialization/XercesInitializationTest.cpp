@@ -1,4 +1,5 @@
 #include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/XsdConfigReader.h>
 #include <System/XercesInitializationMutex.h>
 
 #include <ReaderSupport.h>
@@ -230,6 +231,19 @@ TEST_F(XercesInitialization, IsMadeAgainAfterAFailure) {
     EXPECT_EQ(0, s_calls.initialize);
     openString(answer);
     EXPECT_EQ(1, s_calls.initialize);
+}
+
+TEST_F(XercesInitialization, IsLockedByTheSchemaService) {
+    const Support::TemporaryDirectory directory;
+    const FileName file = directory.file("schema.xml");
+    Support::writeFile(file, "<schema xmlns=\"http://www.orvant.com/OV_XsdReader\"/>");
+    XsdConfigReader reader(file);
+    reader.readXSD(false);
+    EXPECT_EQ(0, s_calls.unlocked);
+    reader.writeXSD(file, false);
+    reader.writeXSD(directory.file("suite.xsd"), true);
+    EXPECT_EQ(0, s_calls.unlocked);
+    EXPECT_EQ(s_calls.initialize, s_calls.terminate);
 }
 
 } // namespace

@@ -210,7 +210,8 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
         return;
     }
     std::vector<DOMElement*> kept;
-    for (DOMNode* node = m_current->getFirstChild(); node != nullptr;) {
+    std::size_t walked = 0;
+    for (DOMNode* node = m_current->getFirstChild(); node != nullptr; ++walked) {
         DOMNode* const next = node->getNextSibling();
         DOMElement* const element = asElement(node);
         if (node->getNodeType() == DOMNode::TEXT_NODE)
@@ -221,7 +222,7 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
             kept.push_back(element);
         node = next;
     }
-    if (kept.size() <= mostChildrenWithoutIndex)
+    if (walked <= mostChildrenWithoutIndex)
         return;
     ElementIndex& index = m_indexes[m_current];
     for (DOMElement* element : kept)

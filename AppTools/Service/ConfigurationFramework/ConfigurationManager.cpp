@@ -88,7 +88,7 @@ ConfigurationManager& ConfigurationManager::getInstance() {
 void ConfigurationManager::setConfigurationFile(const FileName& file) {
     m_configurationFile = file;
     m_fileMode = SingleFile;
-    ++m_sourcesRevision;
+    ++m_revision;
 }
 
 void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& systemFile,
@@ -96,12 +96,12 @@ void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& sys
     m_systemFile = systemFile;
     m_userFile = userFile;
     m_fileMode = SystemAndUserFile;
-    ++m_sourcesRevision;
+    ++m_revision;
 }
 
 void ConfigurationManager::setValidVersionList(const std::list<std::string>& versions) {
     m_validVersions = versions;
-    ++m_sourcesRevision;
+    ++m_revision;
 }
 
 void ConfigurationManager::addConfigurationObjects(
@@ -111,9 +111,9 @@ void ConfigurationManager::addConfigurationObjects(
     bool hasSource = false;
     for (const ConfigurationRegistration& registration : registrations) {
         registerObject(registration);
-        // An object may set other files while it is loaded.
-        if (!reader || readRevision != m_sourcesRevision) {
-            readRevision = m_sourcesRevision;
+        // An object may set other files, or save, while it is loaded.
+        if (!reader || readRevision != m_revision.number()) {
+            readRevision = m_revision.number();
             hasSource = addSourceToConfigReader(reader.emplace());
         }
         if (hasSource)
@@ -190,7 +190,7 @@ void ConfigurationManager::reset() {
     m_configurationFile = FileName();
     m_systemFile = FileName();
     m_userFile = FileName();
-    ++m_sourcesRevision;
+    ++m_revision;
 }
 
 void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {
@@ -230,6 +230,7 @@ bool ConfigurationManager::saveConfiguration(const std::string& version) const {
                                                               : FileName();
     if (target.empty())
         return true;
+    ++m_revision;
     return guarded([&] {
         auto writer = openForSaving(target, version);
         return m_fileMode == SystemAndUserFile
@@ -242,6 +243,7 @@ bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
                                                    const std::string& version) const {
     if (fileName.empty())
         return true;
+    ++m_revision;
     return guarded([&] {
         const FileName file(fileName);
         auto writer = openForSaving(file, version);

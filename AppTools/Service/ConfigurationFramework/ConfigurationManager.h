@@ -69,8 +69,9 @@ public:
 
     /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
     /// other, but opens each file only once: the way to register what an application has at start.
-    /// An object that sets other files or versions, or resets the manager, while it is loaded does
-    /// so for those behind it; what it writes to a file that is open is not seen by them.
+    /// What an object does to the manager while it is loaded (it sets other files or versions,
+    /// resets it, saves) takes effect on those behind it; what it writes to the files otherwise may
+    /// not be seen by them.
     /// @param registrations objects with the names and keys of their elements
     /// @throws std::invalid_argument for a null object; those before it are registered
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
@@ -126,6 +127,22 @@ public:
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
 
+    /// Counts changes, of which being assigned to is one.
+    class Revision {
+    public:
+        Revision() = default;
+        Revision(const Revision& /*other*/) {}
+        Revision& operator=(const Revision& /*other*/) {
+            ++m_number;
+            return *this;
+        }
+        void operator++() { ++m_number; }
+        unsigned int number() const { return m_number; }
+
+    private:
+        unsigned int m_number = 0;
+    };
+
     ConfigurationManager();
 
     void registerObject(const ConfigurationRegistration& registration);
@@ -146,7 +163,7 @@ private:
     /// Names and keys that are taken.
     std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
     std::list<std::string> m_validVersions;
-    unsigned int m_sourcesRevision = 0; ///< counts the changes of files and versions
+    mutable Revision m_revision; ///< of files, what they hold, and versions
 };
 
 } // namespace Orvant

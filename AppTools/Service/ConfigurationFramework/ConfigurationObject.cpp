@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace Orvant {
@@ -68,18 +70,33 @@ void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
         delete items.back();
 }
 
-/// The item of the same name among those of another object (null: none); objects of one class have
-/// it at the same position.
+/// Finds for an object's items those of the same name in another object (null: none). Objects of
+/// one class have them at the same positions.
 template <typename Item>
-Item* findCounterpart(const std::vector<Item*>& items, std::size_t position,
-                      const std::vector<Item*>* others) {
-    if (others == nullptr)
-        return nullptr;
-    const std::string& name = items[position]->getName();
-    if (position < others->size() && (*others)[position]->getName() == name)
-        return (*others)[position];
-    return findByName(*others, name);
-}
+class Counterparts {
+public:
+    Counterparts(const std::vector<Item*>& items, const std::vector<Item*>* others)
+        : m_items(items), m_others(others) {}
+
+    /// @return first item of that name; null when there is none
+    Item* of(std::size_t position) {
+        if (m_others == nullptr)
+            return nullptr;
+        const std::string& name = m_items[position]->getName();
+        if (position < m_others->size() && (*m_others)[position]->getName() == name)
+            return (*m_others)[position];
+        if (m_byName.empty())
+            for (Item* other : *m_others)
+                m_byName.try_emplace(other->getName(), other);
+        const auto found = m_byName.find(name);
+        return found == m_byName.end() ? nullptr : found->second;
+    }
+
+private:
+    const std::vector<Item*>& m_items;
+    const std::vector<Item*>* m_others;
+    std::unordered_map<std::string_view, Item*> m_byName; ///< made when positions differ
+};
 
 /// Takes the value of another, or that it has none.
 void adoptState(ConfigurationValueBase& value, const ConfigurationValueBase& other) {
@@ -229,9 +246,9 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
     if (other == nullptr)
         return;
     takeFromSystem(*other, !other->isEditable());
+    Counterparts counterparts(m_objects, &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        m_objects[i]->overwriteInvalidConfigValues(
-            findCounterpart(m_objects, i, &other->m_objects));
+        m_objects[i]->overwriteInvalidConfigValues(counterparts.of(i));
 }
 
 /// Takes the locks of another object and its values, and those values for which
@@ -239,9 +256,10 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
 template <typename Predicate>
 void ConfigurationObject::takeLocks(const ConfigurationObject& other, Predicate takesValue) {
     setEditable(other.isEditable());
+    Counterparts counterparts(m_values, &other.m_values);
     for (std::size_t i = 0; i < m_values.size(); ++i) {
         ConfigurationValueBase& value = *m_values[i];
-        const auto* counterpart = findCounterpart(m_values, i, &other.m_values);
+        const auto* counterpart = counterparts.of(i);
         if (counterpart == nullptr)
             continue;
         if (takesValue(value, *counterpart))
@@ -256,8 +274,9 @@ void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool
     takeLocks(system, [&](const auto& value, const auto& systemValue) {
         return all || !systemValue.isEditable() || !value.hasValue();
     });
+    Counterparts counterparts(m_objects, &system.m_objects);
     for (std::size_t i = 0; all && i < m_objects.size(); ++i)
-        if (const auto* systemChild = findCounterpart(m_objects, i, &system.m_objects))
+        if (const auto* systemChild = counterparts.of(i))
             m_objects[i]->takeFromSystem(*systemChild, true);
 }
 
@@ -270,8 +289,9 @@ void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool p
     takeLocks(former, [&](const auto&, const auto& formerValue) {
         return locked || !formerValue.isEditable();
     });
+    Counterparts counterparts(m_objects, &former.m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (const auto* formerChild = findCounterpart(m_objects, i, &former.m_objects))
+        if (const auto* formerChild = counterparts.of(i))
             m_objects[i]->restoreLocks(*formerChild, locked);
 }
 
@@ -340,10 +360,10 @@ bool ConfigurationObject::differs(const ConfigurationObject* other, bool savedOn
 
 std::vector<const ConfigurationValueBase*>
 ConfigurationObject::getDifferentConfigurationValues(const ConfigurationObject* other) const {
-    const auto* const otherValues = other == nullptr ? nullptr : &other->m_values;
+    Counterparts counterparts(m_values, other == nullptr ? nullptr : &other->m_values);
     std::vector<const ConfigurationValueBase*> different;
     for (std::size_t i = 0; i < m_values.size(); ++i) {
-        const auto* counterpart = findCounterpart(m_values, i, otherValues);
+        const auto* counterpart = counterparts.of(i);
         if (counterpart == nullptr || !m_values[i]->comapreValue(counterpart))
             different.push_back(m_values[i]);
     }
@@ -357,9 +377,9 @@ bool ConfigurationObject::hasDifferenceToWrite(const ConfigurationObject* other)
     if (std::ranges::any_of(different,
                             [](const auto* value) { return value->isWrittenByCurrentProduct(); }))
         return true;
-    const auto* const otherObjects = other == nullptr ? nullptr : &other->m_objects;
+    Counterparts counterparts(m_objects, other == nullptr ? nullptr : &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (m_objects[i]->hasDifferenceToWrite(findCounterpart(m_objects, i, otherObjects)))
+        if (m_objects[i]->hasDifferenceToWrite(counterparts.of(i)))
             return true;
     return false;
 }
@@ -370,10 +390,10 @@ void ConfigurationObject::saveDifferentConfigurationValues(ConfigWriter& writer,
         return;
     for (const ConfigurationValueBase* value : getDifferentConfigurationValues(other))
         value->saveContent(writer);
-    const auto* const otherObjects = other == nullptr ? nullptr : &other->m_objects;
+    Counterparts counterparts(m_objects, other == nullptr ? nullptr : &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i) {
         const ConfigurationObject& child = *m_objects[i];
-        const auto* counterpart = findCounterpart(m_objects, i, otherObjects);
+        const auto* counterpart = counterparts.of(i);
         const auto writeChild = [&] {
             child.saveDifferentConfigurationValues(writer, counterpart);
         };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -83,10 +84,18 @@ public:
 
     /// Calls back with each child of that tag, in order.
     template <typename Callback>
-    void forEachChild(Element parent, const std::string& name, Callback callback) const {
+    void forEachChild(Element parent, const std::string& name, Callback callback) {
         const auto wanted = findName(name);
-        for (Element child = parent + 1; wanted && child < m_nodes[parent].end;
-             child = m_nodes[child].end)
+        if (!wanted)
+            return;
+        if (isWide(parent)) {
+            const std::vector<Entry>& entries = index(parent).byName;
+            for (auto entry = std::ranges::lower_bound(entries, Entry(*wanted, 0, 0));
+                 entry != entries.end() && std::get<0>(*entry) == *wanted; ++entry)
+                callback(std::get<2>(*entry));
+            return;
+        }
+        for (Element child = parent + 1; child < m_nodes[parent].end; child = m_nodes[child].end)
             if (m_nodes[child].name == *wanted)
                 callback(child);
     }

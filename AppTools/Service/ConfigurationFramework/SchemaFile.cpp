@@ -3,12 +3,15 @@
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/DocumentText.h>
 #include <ConfigurationFramework/RegularFile.h>
+#include <ConfigurationFramework/XercesSession.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
 #include <FileHandling/FileName.h>
 #include <FileHandling/FileUtilities.h>
 #include <FileHandling/OvFstream.h>
+#include <Logging/Logging.h>
 
+#include <source_location>
 #include <sstream>
 
 namespace Orvant::SchemaFile {
@@ -18,6 +21,11 @@ namespace {
 constexpr const char* rewritingName =
     ".aVeryLongPathNameForAtemporaryFileInPlaceSoWeCouldParseOurXsd.xsd";
 constexpr const char* sanitisingName = ".tempFileForSanitazingTheInputOfTheXsdFile.xml";
+
+/// Longer chains are opened by no system.
+constexpr int mostLinks = 40;
+
+const Logging s_log("SchemaFile");
 
 FileName beside(const FileName& file, const std::string& name) {
     FileName neighbour = file.getLocation();
@@ -38,9 +46,17 @@ bool isScratchFile(const FileName& file) {
     const auto hasScratchName = [](const std::filesystem::path& path) {
         return path.filename() == rewritingName || path.filename() == sanitisingName;
     };
-    const std::filesystem::path path = toPath(file);
-    std::error_code error;
-    return hasScratchName(path) || hasScratchName(std::filesystem::weakly_canonical(path, error));
+    std::filesystem::path path = toPath(file);
+    for (int links = 0; links <= mostLinks; ++links) {
+        if (hasScratchName(path))
+            return true;
+        std::error_code error;
+        const auto target = std::filesystem::read_symlink(path, error);
+        if (error)
+            return false;
+        path = path.parent_path() / target;
+    }
+    return false;
 }
 
 FileName sanitisingCopy(const FileName& file) {
@@ -78,8 +94,11 @@ void rewriteLines(const FileName& file,
 void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {
     if (!fitsIntoXml(schema))
         throw xml_schema::serialization();
+    // Instead of the runtime's own initialisation, which takes no lock.
+    const XercesSession session(s_log, std::source_location::current());
     OvOfstream out(file, std::ios::out | std::ios::binary, OvOfstream::NoByteOrderMark);
-    OV_XsdReader::schema_(out, schema, xml_schema::namespace_infomap(), "UTF-8");
+    OV_XsdReader::schema_(out, schema, xml_schema::namespace_infomap(), "UTF-8",
+                          xml_schema::flags::dont_initialize);
     out.close();
     if (!out)
         throw ConfigException(ConfigException::SourceNotFound);

@@ -17,8 +17,8 @@ class FileName;
 /// All functions throw FileNameException for a name that no file system could hold.
 namespace SchemaFile {
 
-/// @return true for a file that has the name of a scratch file, also at the end of links: the
-///         schema service would delete it
+/// @return true for a file that has the name of a scratch file, or is a link that leads to or
+///         through one: the schema service would delete it
 bool isScratchFile(const FileName& file);
 
 /// @return the name of the scratch file that a schema file is copied to for being rewritten

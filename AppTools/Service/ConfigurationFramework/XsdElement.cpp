@@ -378,6 +378,7 @@ std::vector<std::string> XsdElement::requiredTypesOfRoots() const {
         for (const ov_sequence* sequence : sequencesOf(*type->second))
             for (const ov_element& child : sequence->element())
                 if (!isOptional(child)) {
+                    // Also one without a type: it keeps the list from being empty.
                     needed.add(textOf(child.type()));
                     needed.addNeedsOf(child);
                 }
