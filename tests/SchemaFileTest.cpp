@@ -88,6 +88,17 @@ TEST_P(ScratchFile, IsNotWrittenTo) {
         }
 }
 
+TEST_P(ScratchFile, IsNotALinkThatIsReadOrWrittenTo) {
+    const FileName pointedTo = directory.file("elsewhere/file", schema);
+    fs::create_symlink("elsewhere/file", at(GetParam()));
+    XsdConfigReader other(directory.file(GetParam()));
+    EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { other.readXSD(true); }));
+    EXPECT_EQ(ConfigException::SourceNotFound,
+              failureOfWriting(reader, directory.file(GetParam())));
+    EXPECT_TRUE(fs::is_symlink(at(GetParam())));
+    EXPECT_EQ(schema, readFile(pointedTo));
+}
+
 TEST_P(ScratchFile, GivesWayWhenItIsStale) {
     directory.file(GetParam(), "stale");
     reader.readXSD(true);
@@ -208,6 +219,7 @@ TEST_F(SchemaFiles, AreWrittenWholeOrNotAtAll) {
                           std::optional<ConfigException::ExceptionType> failure;
                           withLargestFile(
                               size, [&] { failure = failureOfWriting(reader, target, fixOutput); });
+                          isRight = isRight && !fs::exists(at(rewritingFile));
                           const bool isWhole = size == whole.size();
                           isRight =
                               isRight && (isWhole ? !failure && readFile(target) == whole

@@ -16,7 +16,6 @@
 #include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
-#include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/XMLString.hpp>
 
@@ -26,15 +25,11 @@ namespace {
 
 const Logging s_log("SchemaParsing");
 
-/// A DOM parser that keeps nothing of a DTD, and of an entity reference only what it stands for:
-/// the nodes of both could be larger than all bounds, and are copied by recursion.
+/// A DOM parser that keeps of an entity reference only what it stands for: a node for it would hold
+/// that a second time, made by recursion.
 class ContentParser : public xercesc::XercesDOMParser {
 public:
-    ContentParser(xercesc::XMLValidator* validator, xercesc::MemoryManager* memoryManager,
-                  xercesc::XMLGrammarPool* grammarPool)
-        : XercesDOMParser(validator, memoryManager, grammarPool) {
-        getScanner()->setDocTypeHandler(nullptr);
-    }
+    using XercesDOMParser::XercesDOMParser;
 
     void startEntityReference(const xercesc::XMLEntityDecl&) override {}
     void endEntityReference(const xercesc::XMLEntityDecl&) override {}
@@ -78,7 +73,6 @@ public:
         --m_depth;
     }
     void docCharacters(const XMLCh*, XMLSize_t length, bool) override { add(length); }
-    void ignorableWhitespace(const XMLCh*, XMLSize_t length, bool) override { add(length); }
     void docComment(const XMLCh* comment) override { add(comment); }
     void docPI(const XMLCh*, const XMLCh* data) override { add(data); }
 
