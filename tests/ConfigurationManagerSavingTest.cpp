@@ -158,6 +158,18 @@ TEST_P(ConfigurationManagerSaving, WritesEachOfTheRegisteredSiblings) {
               target());
 }
 
+TEST_P(ConfigurationManagerSaving, WritesOfANameEitherObjectsWithKeysOrTheOneWithout) {
+    add(makeChanged(5), "Keyed", "k");
+    m_manager.addConfigurationObject(makeChanged(6), "Keyed");
+    add(makeChanged(7), "Keyed", "l");
+    m_manager.addConfigurationObject(makeChanged(5), "Single");
+    add(makeChanged(6), "Single", "k");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document(changed(5, "<Keyed key=\"k\">") + changed(7, "<Keyed key=\"l\">") +
+                       changed(5, "<Single>")),
+              target());
+}
+
 TEST_P(ConfigurationManagerSaving, TakesAnEmptyKeyForTheElementWithoutOne) {
     const std::string sibling = "<Test key=\"k\"><a>6</a></Test>";
     writeTarget("<Test><a>4</a></Test>" + sibling);

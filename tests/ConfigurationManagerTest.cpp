@@ -546,6 +546,32 @@ TEST_F(ConfigurationManagerResets, LetTheFeatureSwitchesForgetTheFormerFiles) {
     EXPECT_FALSE(features->getSetupEdgeLineDisable());
 }
 
+TEST_F(ConfigurationManagerResets, PutBackWhatAnObjectChangesOfWhatIsLocked) {
+    // Has its own way to set defaults, which looks at no lock.
+    class Insistent : public TestObject {
+    public:
+        Insistent() : TestObject("Test") {
+            add("a", 0).addChild(&(new TestObject("Child"))->add("c", 0));
+        }
+        void setDefaultValues() override {
+            value<int>("a").setValue(9);
+            child("Child").value<int>("c").setValue(9);
+        }
+        ConfigurationObject* createConfigurationObject() const override { return new Insistent; }
+    };
+    const auto valuesAfterReset = [this](const std::string& system) {
+        m_manager.reset();
+        writeFiles(system, "<Test><Child><c>7</c></Child></Test>");
+        const auto object = add(std::make_shared<Insistent>());
+        m_manager.resetConfigurationObject("Test", true);
+        return std::pair(object->value<int>("a").getValue(),
+                         object->child("Child").value<int>("c").getValue());
+    };
+    EXPECT_EQ(std::pair(1, 7), valuesAfterReset("<Test><a editable='false'>1</a></Test>"));
+    EXPECT_EQ(std::pair(1, 3), valuesAfterReset("<Test editable='false'><a>1</a><Child><c>3</c>"
+                                                "</Child></Test>"));
+}
+
 TEST_F(ConfigurationManagerResets, MayMeetAnObjectThatRebuildsItsChildren) {
     // Has a child for each key that the file holds.
     class Keyed : public TestObject {

@@ -271,7 +271,7 @@ TEST(ReaderEquivalence, HoldsForTextsThatArriveInPieces) {
 
 TEST(ReaderEquivalence, HoldsForElementsWithManyChildren) {
     Random random(4);
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 20; ++i) {
         std::string document = "<Configuration>";
         for (int child = 0; child < 80; ++child) {
             const std::string& name = anyOf(names, random);
