@@ -29,7 +29,7 @@ TEST(Logging, WritesToStandardErrorWhereNothingIsRegistered) {
 
 TEST(Logging, LosesNothingWhenThreadsStartALogTogether) {
     constexpr int threadCount = 4;
-    constexpr int logCount = 200;
+    constexpr int logCount = 1'000;
     testing::internal::CaptureStderr();
     std::barrier start(threadCount);
     {
