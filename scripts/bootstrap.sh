@@ -7,8 +7,8 @@ packages=()
 for group in "$@"; do
     case "$group" in
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
-                      libspdlog-dev xsdcxx libxml2-utils) ;;
-    test) packages+=(libgtest-dev libgmock-dev pkg-config) ;;
+                      libspdlog-dev xsdcxx libxml2-utils pkg-config) ;;
+    test) packages+=(libgtest-dev libgmock-dev) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
     check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;

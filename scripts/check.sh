@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # What a maintainer adds to the tests before landing: clang-format, clang-tidy, all tests on Clang with
-# AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages.
+# AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages, and what
+# the tests cover of the library.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,3 +22,6 @@ ctest --preset asan-ubsan
 
 echo "== Debian packages"
 scripts/debian.sh
+
+echo "== Coverage"
+scripts/coverage.sh

@@ -8,7 +8,8 @@
 
 namespace Orvant {
 
-/// The library's one exception: a document cannot be opened as a configuration or as a schema.
+/// The library's own exception: a document cannot be opened as a configuration or as a schema, or a
+/// schema cannot be written.
 ///
 /// @code
 /// try {
@@ -19,13 +20,14 @@ namespace Orvant {
 /// }
 /// @endcode
 ///
-/// Everything else that can go wrong while reading and writing is told by result values.
+/// What else can go wrong while configurations are read and written is told by result values.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigException : public OvException {
 public:
     /// The kind of failure.
     enum ExceptionType : std::uint32_t {
         InvalidDocument = 0, ///< no configuration can be made of the document
-        SourceNotFound = 1,  ///< there is nothing to read; also: a schema is not well-formed
+        SourceNotFound = 1,  ///< there is nothing to read; also: a schema is not well-formed,
+                             ///< or cannot be written
         UnknownError = 2,    ///< an unexpected exception escaped while a schema was read
         InvalidVersion = 3,  ///< the document's version is not among the accepted ones
         ParserReportedErrors =

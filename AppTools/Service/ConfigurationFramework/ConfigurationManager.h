@@ -73,7 +73,8 @@ public:
     /// resets it, saves) takes effect on those behind it; what it writes to the files otherwise may
     /// not be seen by them.
     /// @param registrations objects with the names and keys of their elements
-    /// @throws std::invalid_argument for a null object; those before it are registered
+    /// @throws std::invalid_argument for a null object, and whatever an object throws while it is
+    ///         loaded; those before it are registered, those behind it are not
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
     /// Registers an object and loads it from the element of the name. Opens the files anew.
     /// @param object shared with the caller; where the files do not have its element, it keeps its
@@ -100,8 +101,10 @@ public:
     ConfigurationObject* getConfigurationObject(const std::string& name) const;
 
     /// @return true when there are two files and the system file is there but cannot be loaded
+    /// @throws FileNameException for a name that no file system could hold
     bool hasSystemConfigFileErrors();
     /// @return true when there are two files and the user file is there but cannot be loaded
+    /// @throws FileNameException for a name that no file system could hold
     bool hasUserConfigFileErrors();
 
     /// Forgets objects and files; the accepted versions stay.
@@ -112,7 +115,8 @@ public:
     ///                     sets is then at its default), false the system's alone
     void resetConfigurationObject(const std::string& name, bool fromUserFile);
 
-    /// Writes the objects to the file, or to the user file.
+    /// Writes the objects to the file, or to the user file. What a file of a version that loading
+    /// does not accept holds for them is replaced, too.
     /// @param version version of the document if it has to be started; that of a file stays
     /// @return false when it could not be written or the file is not a configuration; the file is
     ///         then as it was. True without doing anything when no file is set.

@@ -45,6 +45,7 @@ public:
     /// @return the default
     const T& getDefaultValue() const { return m_defaultValue; }
     /// Sets the value; one that equals the default is a value all the same.
+    /// Does not ask for locks: it is for the application, too, to honour them.
     void setValue(const T& value) { m_value = value; }
 
     void loadContent(ConfigReader& reader) override;

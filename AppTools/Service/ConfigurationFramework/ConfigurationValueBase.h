@@ -52,7 +52,7 @@ public:
     virtual ConfigurationValueBase* clone() const = 0;
     /// @return true when the value is more than its default: it was set or loaded
     virtual bool hasValue() const = 0;
-    /// Goes back to the default.
+    /// Goes back to the default, locked or not.
     virtual void resetValue() = 0;
     /// Takes the effective value of `other` as its own. Ignores null and values of another type.
     virtual void adoptValue(const ConfigurationValueBase* other) = 0;
