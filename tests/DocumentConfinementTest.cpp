@@ -239,7 +239,9 @@ TEST(EntityReferences, LeaveRoomForWhateverStandsBehindTheLast) {
                         "#IMPLIED c (d|e) 'd'>";
         elements += "<" + name + " b='" + name + "' f='g'><!--h--></" + name + "><?i j?>";
     }
-    const auto references = [](int count) { return "<S>" + repeated("&a;", count) + "</S>"; };
+    const auto references = [](std::size_t count) {
+        return "<S>" + repeated("&a;", count) + "</S>";
+    };
     EXPECT_THAT(refusalTypes(configuration(references(5'000) + elements, declarations)), isOpened);
     EXPECT_THAT(refusalTypes(configuration(references(5'001) + elements, declarations)), isRefused);
     declarations.insert(0, "<!ENTITY % q ''>" + repeated("%q;", 5'000));
