@@ -199,7 +199,8 @@ struct TextCase : Support::TestCase {
 class ElementText : public testing::TestWithParam<TextCase> {};
 
 TEST_P(ElementText, IsThatOfTheFirstChild) {
-    auto reader = openBody(element("E", GetParam().content), "<!ENTITY seven '7'>");
+    auto reader = openBody(element("E", GetParam().content),
+                           "<!ENTITY seven '7'><!ENTITY around '&seven;8<b>9</b>'>");
     EXPECT_EQ(GetParam().text, readString(reader, "E"));
     EXPECT_EQ(GetParam().number, readInt(reader, "E"));
 
@@ -223,11 +224,16 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{"CommentBeforeText", "<!-- c -->7", std::nullopt, std::nullopt},
                     TextCase{"Cdata", "<![CDATA[7]]>", std::nullopt, std::nullopt},
                     TextCase{"EntityReference", "&seven;", std::nullopt, std::nullopt},
+                    TextCase{"EntityReferenceBeforeText", "&seven;8", std::nullopt, std::nullopt},
+                    TextCase{"NestedReferences", "&around;", std::nullopt, std::nullopt},
+                    TextCase{"ElementInAnEntityBeforeText", "&around;7", std::nullopt,
+                             std::nullopt},
                     TextCase{"ProcessingInstruction", "<?pi?>7", std::nullopt, std::nullopt},
                     TextCase{"ElementBeforeText", "<b/>7", std::nullopt, std::nullopt},
                     TextCase{"TextBeforeComment", "7<!-- c -->8", "7", 7},
                     TextCase{"TextBeforeCdata", "7<![CDATA[8]]>", "7", 7},
                     TextCase{"TextBeforeEntity", "7&seven;", "7", 7},
+                    TextCase{"TextBetweenReferences", "7&around;8&seven;", "7", 7},
                     TextCase{"TextBeforeElement", "7<b>8</b>9", "7", 7}),
     Support::nameOf<TextCase>);
 

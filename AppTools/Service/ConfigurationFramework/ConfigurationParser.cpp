@@ -89,7 +89,7 @@ void ConfigurationParser::startEntityReference(const xercesc::XMLEntityDecl&) {
 }
 
 void ConfigurationParser::endEntityReference(const xercesc::XMLEntityDecl&) {
-    endFirstText();
+    // No first text begins in a reference.
     m_tree->end();
 }
 

@@ -46,20 +46,14 @@ void skipThrough(std::string_view& text, std::string_view end) {
     text.remove_prefix(at == std::string_view::npos ? text.size() : at + end.size());
 }
 
-/// Skips the rest of a start tag.
-/// @return false when it is the tag of an empty element, or does not end
-bool skipAttributes(std::string_view& text) {
-    while (!text.empty()) {
+/// Skips the attributes of a start tag, up to the '>', or the '/' of an empty element.
+void skipAttributes(std::string_view& text) {
+    while (!text.empty() && text.front() != '>' && text.front() != '/') {
         const char next = text.front();
         text.remove_prefix(1);
         if (next == '"' || next == '\'')
             skipThrough(text, std::string_view(&next, 1));
-        else if (next == '>')
-            return true;
-        else if (next == '/')
-            return false;
     }
-    return false;
 }
 
 /// Skips a name and the white space behind it.
@@ -106,7 +100,8 @@ std::optional<LoneEndTag> findLoneEndTag(std::string_view line, std::string_view
         if (!skip(rest, prefix))
             return std::nullopt;
         startName = skipName(rest);
-        if (!skipAttributes(rest))
+        skipAttributes(rest);
+        if (!skip(rest, ">"))
             return std::nullopt;
         skipText(rest);
     }
