@@ -26,10 +26,16 @@ public:
     }
 };
 
+/// A value, and whether resets leave it alone.
+std::string text(const Editor& editor, const std::string& name) {
+    const auto& value = editor.value(name);
+    const bool editable = editor.isEditable() && value.isEditable();
+    return name + ' ' + std::to_string(value.getValue()) + (editable ? "" : " (locked)");
+}
+
 void print(const std::string& when, const Editor& editor) {
-    std::cout << when << ": UndoSteps " << editor.value("UndoSteps").getValue() << ", GridSpacing "
-              << editor.value("GridSpacing").getValue() << ", MaxDrawings "
-              << editor.value("MaxDrawings").getValue() << " (locked)\n";
+    std::cout << when << ": " << text(editor, "UndoSteps") << ", " << text(editor, "GridSpacing")
+              << ", " << text(editor, "MaxDrawings") << '\n';
 }
 
 } // namespace
