@@ -1,9 +1,9 @@
 # Runs a program in a copy of its data, then compares what it printed (output.txt) and every file
-# that is there afterwards with what is expected: the one in FOLDER/expected or, for a file that the
+# that is there afterwards with what is expected: the one in FOLDER/EXPECTED or, for a file that the
 # program leaves alone, its original.
 cmake_minimum_required(VERSION 3.25)
 
-set(expected "${FOLDER}/expected")
+set(expected "${FOLDER}/${EXPECTED}")
 set(data "${FOLDER}/data")
 if(NOT EXISTS "${data}")
     set(data "${FOLDER}")

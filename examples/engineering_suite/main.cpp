@@ -4,21 +4,26 @@
 #include "SettingsTable.h"
 #include "SuiteSettings.h"
 
+#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/ConfigurationValue.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
+#include <ConfigurationFramework/SimpleConfigReader.h>
 
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
 
 using namespace Suite;
+using Orvant::ConfigException;
 using Orvant::ConfigurationManager;
 using Orvant::ConfigurationValue;
 using Orvant::DisableFeaturesConfiguration;
+using Orvant::SimpleConfigReader;
 
 /// Declares and registers everything; the manager fills each object as it is registered.
 std::vector<Registered> start(const Layers& layers) {
@@ -47,6 +52,37 @@ std::vector<Registered> start(const Layers& layers) {
     return settings;
 }
 
+/// What is wrong with a file, in words for the user.
+std::string fault(const std::string& file, const Layers& layers) {
+    try {
+        const SimpleConfigReader reader(file, "", layers.versions);
+        return "can be read by now";
+    } catch (ConfigException& error) {
+        switch (error.getType()) {
+        case ConfigException::ParserReportedErrors:
+            return "is damaged";
+        case ConfigException::InvalidVersion:
+            return "is of a version that this application does not know";
+        default:
+            return "holds no settings, or may not be read";
+        }
+    }
+}
+
+/// Tells the user of files that could not be loaded.
+/// @return true when the user's file may be saved to
+bool checkFiles(const Layers& layers) {
+    auto& manager = ConfigurationManager::getInstance();
+    if (manager.hasSystemConfigFileErrors())
+        std::cout << "Your administrator's settings do not apply: " << layers.systemFile << ' '
+                  << fault(layers.systemFile, layers) << ".\n\n";
+    if (!manager.hasUserConfigFileErrors())
+        return true;
+    std::cout << "Your settings could not be loaded: " << layers.userFile << ' '
+              << fault(layers.userFile, layers) << ".\n\n";
+    return false;
+}
+
 template <typename T>
 void change(const Registered& setting, const std::string& name, const T& value) {
     dynamic_cast<ConfigurationValue<T>&>(*setting.object->getConfigurationValue(name))
@@ -66,7 +102,10 @@ int main(int argc, char** argv) {
     }
     const Layers layers{argv[1], argv[2], {"2.0", "2.1"}};
 
+    auto& manager = ConfigurationManager::getInstance();
+
     const auto settings = start(layers);
+    const bool userFileIsLoaded = checkFiles(layers);
     std::cout << "== Settings at start\n\n" << settingsTable(settings, layers);
     printFile("User file before", layers.userFile);
 
@@ -74,7 +113,15 @@ int main(int argc, char** argv) {
     change<std::vector<std::string>>(settings[1], "RecentFiles",
                                      {"gear box.dwg", "Gehäuse.dwg", "R&D <new>.dwg"});
     change<unsigned int>(settings[3], "Copies", 3);
-    if (!ConfigurationManager::getInstance().saveConfiguration("2.1")) {
+
+    // A save over a file that was not loaded loses what it holds; so it does when the file was
+    // damaged or replaced since then.
+    if (!userFileIsLoaded || manager.hasUserConfigFileErrors()) {
+        std::cout << "\nYour changes are not saved, so that " << layers.userFile
+                  << " stays as it is. Repair it or move it away, and start again.\n";
+        return 0;
+    }
+    if (!manager.saveConfiguration("2.1")) {
         std::cerr << "The settings could not be saved\n";
         return 1;
     }
