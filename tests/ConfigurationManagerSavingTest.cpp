@@ -564,6 +564,42 @@ TEST_F(ConfigurationManagerTwoFiles, CompareWithTheDefaultsWhereTheSystemFileIsO
     }
 }
 
+TEST_F(ConfigurationManagerTwoFiles, CompareWithWhatTheSystemFileSaysAtTheTimeOfTheSave) {
+    const std::string system = "<Test><a editable=\"false\">5</a><b>6</b></Test>";
+    const auto saveOver = [&](const std::function<void()>& changeSystem) {
+        restart();
+        writeFiles(system, "<Test><b>7</b></Test>");
+        add(makeObject());
+        changeSystem();
+        EXPECT_TRUE(save());
+        return userFile();
+    };
+    EXPECT_EQ(document("<Test><a>5</a><b>7</b></Test>"),
+              saveOver([&] { std::filesystem::remove(m_systemFile.toString()); }));
+    EXPECT_EQ(document("<Test><a>5</a><b>7</b></Test>"),
+              saveOver([&] { writeFile(m_systemFile, "<broken"); }));
+    EXPECT_EQ(document("<Test><a>5</a></Test>"), saveOver([&] {
+                  writeFile(m_systemFile, document("<Test><a>8</a><b>7</b></Test>"));
+              }));
+}
+
+TEST_F(ConfigurationManagerTwoFiles, HoldTheDefaultsOfAResetFromTheUsersFileForGood) {
+    writeFiles("<Test><a>5</a><b>6</b></Test>", "<Test><b>7</b></Test>");
+    add(makeObject());
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>1</a><b>7</b></Test>"), userFile());
+
+    writeFile(m_systemFile, document("<Test><a>8</a></Test>"));
+    restart();
+    useTwoFiles();
+    EXPECT_EQ(1, get(*add(makeObject()), "a"));
+
+    m_manager.resetConfigurationObject("Test", false);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", userFile());
+}
+
 TEST_F(ConfigurationManagerTwoFiles, HoldNoOnlyLoadedValueUnlessAnotherDiffers) {
     writeFiles("<Test><loaded>5</loaded></Test>", "<Test><loaded>6</loaded></Test>");
     const auto object = TestObject::make(
