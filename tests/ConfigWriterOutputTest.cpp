@@ -422,19 +422,21 @@ TEST_F(ConfigWriterInterrupted, RemovesANewFile) {
     EXPECT_THAT(namesIn(m_directory), testing::IsEmpty());
 }
 
+/// @return elements within one another, the innermost with a text
 std::string nested(int depth) {
     std::string text;
     for (int level = 0; level < depth; ++level)
         text += "<a>";
+    text += 't';
     for (int level = 0; level < depth; ++level)
         text += "</a>";
     return text;
 }
 
-TEST(ConfigWriterOutput, MayBeNestedAThousandElementsDeep) {
-    const std::string text = reloaded(document(nested(999)));
-    EXPECT_THAT(text, HasSubstr("<a/>"));
-    EXPECT_EQ(text, reloaded(text));
+TEST(ConfigWriterOutput, MayBeNestedFourThousandElementsDeep) {
+    const std::string text = reloaded(document(nested(3999)));
+    EXPECT_TRUE(text.find("<a>t</a>") != std::string::npos);
+    EXPECT_TRUE(text == reloaded(text));
 }
 
 TEST(ConfigWriterOutput, LeavesTheFileAloneForADocumentNestedDeeper) {
@@ -443,11 +445,18 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForADocumentNestedDeeper) {
     const FileName file = directory.file("settings.xml", "former");
 
     ConfigWriter built("1.0");
-    for (int level = 0; level <= 1000; ++level)
+    for (int level = 0; level < 4000; ++level)
         built.createNodeAndMakeCurrent("a", "");
-    ConfigWriter loaded(FileName(), document(nested(1001)));
+    ConfigWriter loaded(FileName(), document(nested(4000)));
     ConfigWriter loadedVeryDeep(FileName(), document(nested(20'000)));
-    for (ConfigWriter* writer : {&built, &loaded, &loadedVeryDeep}) {
+    std::string siblings;
+    for (int i = 0; i < 20'000; ++i)
+        siblings += "<b/>";
+    // Not that deep, but most of it so deep that the indentation would be gigabytes.
+    std::string deepAndWide = document(nested(3000));
+    deepAndWide.insert(deepAndWide.find('t', deepAndWide.find("<a>")), siblings);
+    ConfigWriter loadedWide(FileName(), deepAndWide);
+    for (ConfigWriter* writer : {&built, &loaded, &loadedVeryDeep, &loadedWide}) {
         EXPECT_EQ("", writer->getAsString());
         EXPECT_FALSE(writer->saveToFile(file));
         EXPECT_FALSE(writer->saveToFile(directory.file("new.xml")));
@@ -464,8 +473,8 @@ std::string comments(std::size_t count) {
     return text;
 }
 
-TEST(ConfigWriterOutput, MayHaveAThousandCommentsInARow) {
-    const std::string content = comments(1000) + "<a/>" + comments(1000);
+TEST(ConfigWriterOutput, MayHaveTenThousandCommentsInARow) {
+    const std::string content = comments(10'000) + "<a/>" + comments(10'000);
     EXPECT_EQ(document(content), withoutFormatting(reloaded(document(content))));
 }
 
@@ -474,8 +483,8 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForMoreCommentsInARow) {
     const LogCapture log("ConfigWriter");
     const FileName file = directory.file("settings.xml", "former");
     for (const std::string& content :
-         {comments(1001), "<a/>" + comments(1001) + "<b/>", "<a>" + comments(50'000) + "</a>",
-          comments(500) + "text<?pi?>" + comments(501) + "<a/>"}) {
+         {comments(10'001), "<a/>" + comments(10'001) + "<b/>", "<a>" + comments(50'000) + "</a>",
+          comments(5'000) + "text<?pi?>" + comments(5'001) + "<a/>"}) {
         ConfigWriter writer(FileName(), document(content));
         EXPECT_EQ("", writer.getAsString());
         EXPECT_FALSE(writer.saveToFile(file));

@@ -110,19 +110,17 @@ std::string entityOfDepth(int depth) {
     return configuration("&deep;", "<!ENTITY deep \"" + nested(depth, "<A>1</A>") + "\">");
 }
 
-TEST(DeepDocument, IsEditedToAThousandLevelsInAnEntity) {
-    ConfigWriter writer(FileName(), entityOfDepth(997));
+TEST(DeepDocument, IsEditedAndWrittenWithItsDepthInAnEntity) {
+    ConfigWriter writer(FileName(), entityOfDepth(3'998));
     auto reader = Support::openString(writer.getAsString());
     EXPECT_EQ(success, reader.tagExists("A"));
-    auto refusal = Support::refusal([] { ConfigWriter(FileName(), entityOfDepth(999)); });
-    ASSERT_TRUE(refusal);
-    EXPECT_EQ(ConfigException::InvalidDocument, refusal->getType());
+    EXPECT_EQ("", ConfigWriter(FileName(), entityOfDepth(3'999)).getAsString());
 }
 
 // Writing.
 
-TEST(DeepDocument, IsWrittenToAThousandElements) {
-    ConfigWriter writer(FileName(), configuration(nested(998, "<A>1</A>")));
+TEST(DeepDocument, IsWrittenToFourThousandElements) {
+    ConfigWriter writer(FileName(), configuration(nested(3'998, "<A>1</A>")));
     auto reader = Support::openString(writer.getAsString());
     EXPECT_EQ(success, reader.tagExists("A"));
 }
@@ -145,20 +143,20 @@ TEST_P(TooDeepDocument, IsNotWritten) {
     EXPECT_THAT(log.text(), HasSubstr("nested too deeply"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Depths, TooDeepDocument, testing::Values(1'001, 100'000));
+INSTANTIATE_TEST_SUITE_P(Depths, TooDeepDocument, testing::Values(3'999, 100'000));
 
 TEST(DeepDocument, IsNotWrittenWhereItWasBuiltSo) {
     const TemporaryDirectory directory;
     const Support::LogCapture log("ConfigWriter");
     ConfigWriter writer("1.0");
-    for (int i = 0; i < 900; ++i)
+    for (int i = 0; i < 3'900; ++i)
         writer.createNodeAndMakeCurrent("n", "");
     EXPECT_TRUE(writer.saveToFile(directory.file("settings.xml")));
     const std::string saved = Support::readFile(directory.file("settings.xml"));
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 100; ++i)
         writer.createNodeAndMakeCurrent("n", "");
     EXPECT_FALSE(writer.saveToFile(directory.file("settings.xml")));
-    EXPECT_EQ(saved, Support::readFile(directory.file("settings.xml")));
+    EXPECT_TRUE(saved == Support::readFile(directory.file("settings.xml")));
 }
 
 // Many siblings.

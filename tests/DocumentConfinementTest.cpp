@@ -287,22 +287,6 @@ INSTANTIATE_TEST_SUITE_P(
                                    "%a;")}),
     Support::nameOf<BombCase>);
 
-TEST(DocumentConfinement, RefusesToEditWhatReferencesMakeTooLarge) {
-    std::string references;
-    for (int i = 0; i < 1'100; ++i)
-        references += "&e;";
-    const std::string document = Support::configuration(
-        "<S>" + references + "</S>", "<!ENTITY e '" + std::string(10'000, 'x') + "'>");
-    try {
-        const ConfigWriter writer(FileName(), document);
-        ADD_FAILURE() << "was opened";
-    } catch (ConfigException& refused) {
-        EXPECT_EQ(ConfigException::InvalidDocument, refused.getType());
-    }
-    auto reader = Support::openString(document);
-    EXPECT_EQ(ConfigurationAccessResult::Success, reader.tagExists("S"));
-}
-
 /// A document with an attribute that is that many characters long when its references are expanded.
 std::string withLongAttribute(std::size_t length) {
     return configuration("<S key='" + repeated("&e;", length / 10'000) + "'/>",
@@ -310,8 +294,8 @@ std::string withLongAttribute(std::size_t length) {
 }
 
 TEST(DocumentConfinement, RefusesToFillTheMemoryWithAnAttribute) {
-    EXPECT_THAT(refusalTypes(withLongAttribute(5'000'000)), isOpened);
-    EXPECT_THAT(refusalTypes(withLongAttribute(50'000'000)), isRefused);
+    EXPECT_THAT(refusalTypes(withLongAttribute(510'000)), isOpened);
+    EXPECT_THAT(refusalTypes(withLongAttribute(520'000)), isRefused);
 }
 
 TEST(DocumentConfinement, TellsTheLogWhatItDidNotOpen) {

@@ -17,10 +17,11 @@
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/dom/DOMLSOutput.hpp>
 #include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/framework/XMLFormatter.hpp>
 #include <xercesc/util/XMLException.hpp>
-#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 namespace Orvant {
@@ -43,8 +44,21 @@ constexpr std::size_t mostChildrenWithoutIndex = 32;
 struct SerializerRelease {
     void operator()(xercesc::DOMLSSerializer* serializer) const { serializer->release(); }
 };
-struct XmlChRelease {
-    void operator()(XMLCh* text) const { xercesc::XMLString::release(&text); }
+struct OutputRelease {
+    void operator()(xercesc::DOMLSOutput* output) const { output->release(); }
+};
+
+/// Takes what is printed.
+class StringTarget : public xercesc::XMLFormatTarget {
+public:
+    explicit StringTarget(std::size_t expectedSize) { m_text.reserve(expectedSize); }
+    void writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) override {
+        m_text.append(reinterpret_cast<const char*>(bytes), count);
+    }
+    std::string takeText() { return std::move(m_text); }
+
+private:
+    std::string m_text;
 };
 
 void logError(const std::string& message,
@@ -266,11 +280,12 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
 
 std::string ConfigWriterImpl::getAsString() {
     const DOMElement* const root = m_document->getDocumentElement();
-    if (nestingDepth(*root) > maxWrittenDepth) {
+    const PrintedLayout layout = layoutOf(*root);
+    if (layout.depth > maxWrittenDepth || layout.indentation > maxWrittenIndentation) {
         logError("The document is nested too deeply to be written");
         return {};
     }
-    if (longestRunOfComments(*root) > maxCommentsInARow) {
+    if (layout.commentsInARow > maxCommentsInARow) {
         logError("The document has too many comments in a row to be written");
         return {};
     }
@@ -286,13 +301,27 @@ std::string ConfigWriterImpl::getAsString() {
     if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false))
         configuration.setParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false);
 
-    const std::unique_ptr<XMLCh, XmlChRelease> text(serializer->writeToString(root));
-    if (text == nullptr) {
+    // Not by way of a string of Xerces', which takes four times the memory.
+    constexpr std::size_t usualNode = 16;
+    StringTarget target(layout.indentation + layout.nodes * usualNode);
+    const std::unique_ptr<xercesc::DOMLSOutput, OutputRelease> output(
+        domImplementation().createLSOutput());
+    output->setEncoding(u"UTF-8");
+    output->setByteStream(&target);
+    const auto print = [&]() -> bool {
+        try {
+            return serializer->write(root, output.get());
+        } catch (const xercesc::DOMException&) {
+            return false;
+        }
+    };
+    if (!print()) {
         logError("The document holds something that XML cannot express");
         return {};
     }
-    const std::string printed = XercesHelperFunctions::xmlChToString(text.get());
-    return printed.substr(std::min(printed.find('<'), printed.size()));
+    std::string text = target.takeText();
+    text.erase(0, text.find('<'));
+    return text;
 }
 
 } // namespace Orvant

@@ -64,8 +64,8 @@ private:
 
     // In the order in which they must be built; they are given back the other way round.
     XercesSession m_session;
-    ParserConfinement m_confinement;
-    std::unique_ptr<xercesc::XercesDOMParser> m_parser; ///< of a loaded document, which it owns
+    ParserConfinement m_confinement{ParserConfinement::configurations};
+    std::unique_ptr<ConfinedParser> m_parser; ///< of a loaded document, which it owns
     std::unique_ptr<xercesc::DOMDocument, DocumentRelease> m_newDocument; ///< of a new document
     xercesc::DOMDocument* m_document = nullptr;
     xercesc::DOMElement* m_current = nullptr;

@@ -4,7 +4,6 @@
 
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
-#include <xercesc/internal/XMLScanner.hpp>
 
 namespace Orvant {
 
@@ -16,15 +15,8 @@ std::string toString(const XMLCh* text) {
 
 } // namespace
 
-ConfigurationParser::ConfigurationParser(xercesc::XMLValidator* validator,
-                                         xercesc::MemoryManager* memoryManager,
-                                         xercesc::XMLGrammarPool* grammarPool)
-    : XercesDOMParser(validator, memoryManager, grammarPool) {
-    // What a DTD declares takes effect in the scanner; only a DOM would keep the declarations.
-    getScanner()->setDocTypeHandler(nullptr);
-}
-
 void ConfigurationParser::resetDocument() {
+    ConfinedParser::resetDocument();
     m_tree.reset();
     m_version.clear();
     m_names.assign(1, {});
@@ -33,12 +25,10 @@ void ConfigurationParser::resetDocument() {
 }
 
 void ConfigurationParser::startDocument() {
+    ConfinedParser::startDocument();
+    m_measure = DocumentMeasure(documentSize());
     m_tree.emplace();
 }
-
-void ConfigurationParser::endDocument() {}
-
-void ConfigurationParser::XMLDecl(const XMLCh*, const XMLCh*, const XMLCh*, const XMLCh*) {}
 
 DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& declaration) {
     // The scanner has one declaration for each name, declared or not, and gives them numbers from 1
@@ -60,6 +50,7 @@ void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaratio
                                        const XMLCh*,
                                        const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                        XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    m_measure.startElement(declaration, attributes, attributeCount);
     endFirstText();
     std::string key;
     bool editable = true;
@@ -74,16 +65,22 @@ void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaratio
     }
     m_tree->startElement(nameOf(declaration), key, editable);
     if (isEmpty)
-        m_tree->end();
+        endOpenElement();
 }
 
 void ConfigurationParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool,
                                      const XMLCh*) {
     endFirstText();
+    endOpenElement();
+}
+
+void ConfigurationParser::endOpenElement() {
+    m_measure.endElement();
     m_tree->end();
 }
 
-void ConfigurationParser::startEntityReference(const xercesc::XMLEntityDecl&) {
+void ConfigurationParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    ConfinedParser::startEntityReference(declaration);
     endFirstText();
     m_tree->startEntityReference();
 }
@@ -94,6 +91,7 @@ void ConfigurationParser::endEntityReference(const xercesc::XMLEntityDecl&) {
 }
 
 void ConfigurationParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+    m_measure.addText(text, length, isCData);
     if (!m_tree->isOpen())
         return;
     if (isCData) {
@@ -109,11 +107,13 @@ void ConfigurationParser::ignorableWhitespace(const XMLCh* text, XMLSize_t lengt
     docCharacters(text, length, isCData);
 }
 
-void ConfigurationParser::docComment(const XMLCh*) {
+void ConfigurationParser::docComment(const XMLCh* comment) {
+    m_measure.addComment(comment);
     addOtherChild();
 }
 
-void ConfigurationParser::docPI(const XMLCh*, const XMLCh*) {
+void ConfigurationParser::docPI(const XMLCh* target, const XMLCh* data) {
+    m_measure.addInstruction(target, data);
     addOtherChild();
 }
 

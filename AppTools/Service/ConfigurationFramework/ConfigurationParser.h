@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ConfigurationFramework/DocumentMeasure.h>
+#include <ConfigurationFramework/DocumentParsing.h>
 #include <ConfigurationFramework/DocumentTree.h>
 
 #include <optional>
@@ -7,18 +9,15 @@
 #include <utility>
 #include <vector>
 
-#include <xercesc/parsers/XercesDOMParser.hpp>
-
 namespace Orvant {
 
 /// The Xerces DOM parser with another tree to fill: its scanner, defaults and error handling stay,
 /// and what it reports becomes a DocumentTree instead of a DOM, whose nodes cost six times the time
-/// of the scanning.
-class ConfigurationParser : public xercesc::XercesDOMParser {
+/// of the scanning. An empty DOM stays, for what it refuses (versions of XML, names of document
+/// types) and for what it takes: whoever edits the document needs a whole one.
+class ConfigurationParser : public ConfinedParser {
 public:
-    /// The parameters are those of XercesDOMParser.
-    ConfigurationParser(xercesc::XMLValidator* validator, xercesc::MemoryManager* memoryManager,
-                        xercesc::XMLGrammarPool* grammarPool);
+    using ConfinedParser::ConfinedParser;
 
     /// @return what the last parse gave, null when it came to no document
     DocumentTree* getTree() { return m_tree ? &*m_tree : nullptr; }
@@ -27,9 +26,6 @@ public:
 
     void resetDocument() override;
     void startDocument() override;
-    void endDocument() override;
-    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
-                 const XMLCh* actualEncoding) override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                       const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
@@ -44,9 +40,11 @@ public:
 
 private:
     DocumentTree::Name nameOf(const xercesc::XMLElementDecl& declaration);
+    void endOpenElement();
     void endFirstText();
     void addOtherChild();
 
+    DocumentMeasure m_measure;
     std::optional<DocumentTree> m_tree;
     std::string m_version;
     /// The name of what was last declared under each number.

@@ -9,15 +9,11 @@
 #include <UnicodeTools/UnicodeTools.h>
 
 #include <cstring>
-#include <new>
-#include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/internal/XMLReader.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
 namespace Orvant {
@@ -26,66 +22,15 @@ namespace {
 
 const Logging s_log("DocumentParsing");
 
-// What a parse needs besides what its document takes.
-constexpr std::size_t freeBlockSize = std::size_t{64} << 20U;
-// A buffer has two bytes a character and doubles when it grows.
-constexpr std::size_t blockBytesPerByte = 8;
-
+constexpr std::size_t mebibyte = std::size_t{1} << 20U;
 constexpr const XMLCh* memorySystemId = u"example";
 
 } // namespace
 
-ParserMemory::~ParserMemory() {
-    while (m_blocks.next != &m_blocks)
-        deallocate(m_blocks.next + 1);
-}
-
-/// @throws xercesc::OutOfMemoryException when the limit is passed
-void ParserMemory::countExpansion(XMLSize_t size) {
-    // For the document and for each entity that it expands, the scanner makes a reader, whose size
-    // nothing else has. In Xerces, a block made with a memory manager carries a header.
-    static const XMLSize_t header =
-        xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*));
-    if (size != header + sizeof(xercesc::XMLReader) || !std::exchange(m_hasDocument, true))
-        return;
-    if (m_expansions++ < m_limit)
-        return;
-    m_isExceeded = true;
-    throw xercesc::OutOfMemoryException();
-}
-
-void ParserMemory::limitBlocksFor(std::size_t documentSize) {
-    m_largestBlock = freeBlockSize + blockBytesPerByte * documentSize;
-}
-
-void* ParserMemory::allocate(XMLSize_t size) {
-    countExpansion(size);
-    if (size > m_largestBlock) {
-        m_isExceeded = true;
-        throw xercesc::OutOfMemoryException();
-    }
-    void* const place = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(sizeof(Block) + size);
-    auto* const block = new (place) Block{m_blocks.previous, &m_blocks};
-    block->previous->next = block;
-    block->next->previous = block;
-    return block + 1;
-}
-
-void ParserMemory::deallocate(void* memory) {
-    if (memory == nullptr)
-        return;
-    Block* const block = static_cast<Block*>(memory) - 1;
-    block->previous->next = block->next;
-    block->next->previous = block->previous;
-    xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(block);
-}
-
-xercesc::MemoryManager* ParserMemory::getExceptionMemoryManager() {
-    return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
-}
-
-ParserConfinement::ParserConfinement() : m_memory(maxEntityReferences) {
+ParserConfinement::ParserConfinement(const Limits& limits)
+    : m_memory(maxEntityReferences), m_memoryFactor(limits.memoryFactor) {
     m_securityManager.setEntityExpansionLimit(maxEntityReferences);
+    m_memory.limitCharacters(maxCharacters, limits.untoldCharacters);
 }
 
 xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh* systemId) {
@@ -96,23 +41,26 @@ xercesc::InputSource* ParserConfinement::resolveEntity(const XMLCh*, const XMLCh
     return new xercesc::MemBufInputSource(nothing, 0, systemId);
 }
 
-void ParserConfinement::parse(xercesc::XercesDOMParser& parser, const char* bytes, std::size_t size,
+void ParserConfinement::parse(ConfinedParser& parser, const char* bytes, std::size_t size,
                               const XMLCh* systemId) {
     const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(bytes), size,
                                             systemId);
-    m_memory.limitBlocksFor(size);
+    m_documentSize = size;
+    m_memory.limitBytes(64 * mebibyte + m_memoryFactor * size);
     try {
         parser.parse(source);
     } catch (const xercesc::OutOfMemoryException&) {
         if (m_memory.isExceeded() && parser.getErrorHandler() != nullptr)
             parser.getErrorHandler()->fatalError(xercesc::SAXParseException(
-                u"entity references expand too far", nullptr, systemId, 0, 0));
+                u"the document takes too much memory", nullptr, systemId, 0, 0));
         else
             ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
     }
+    // What is added to the document from now on is the application's.
+    m_memory.endLimits();
 }
 
-void ParserConfinement::parseFile(xercesc::XercesDOMParser& parser, const FileName& file) {
+void ParserConfinement::parseFile(ConfinedParser& parser, const FileName& file) {
     const std::wstring widePath = UnicodeTools::utf8_to_wstring(file.toNativeString());
     const auto systemId = transcode<XMLCh>(std::wstring_view(widePath));
     // The bytes are read here because Xerces would take the name apart as a URL, spell it in the
@@ -124,12 +72,37 @@ void ParserConfinement::parseFile(xercesc::XercesDOMParser& parser, const FileNa
     parse(parser, bytes->data(), bytes->size(), systemId.c_str());
 }
 
-void ParserConfinement::parseString(xercesc::XercesDOMParser& parser, const std::string& content) {
+void ParserConfinement::parseString(ConfinedParser& parser, const std::string& content) {
     parse(parser, content.c_str(), std::strlen(content.c_str()), memorySystemId);
 }
 
-void ParserConfinement::parseBytes(xercesc::XercesDOMParser& parser, const std::string& bytes) {
+void ParserConfinement::parseBytes(ConfinedParser& parser, const std::string& bytes) {
     parse(parser, bytes.data(), bytes.size(), memorySystemId);
+}
+
+ConfinedParser::ConfinedParser(ParserConfinement& confinement)
+    : XercesDOMParser(nullptr, &confinement.m_memory, nullptr), m_confinement(confinement) {
+    setEntityResolver(&confinement);
+    setSecurityManager(&confinement.m_securityManager);
+}
+
+void ConfinedParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    m_confinement.m_memory.tellExpansion(declaration.getValueLen());
+}
+
+void ConfinedParser::endEntityReference(const xercesc::XMLEntityDecl&) {}
+
+void ConfinedParser::entityDecl(const xercesc::DTDEntityDecl& declaration, bool, bool) {
+    m_confinement.m_memory.addEntity(declaration.getValueLen());
+}
+
+void ConfinedParser::startIntSubset() {
+    m_confinement.m_memory.limitGrowth(4 * mebibyte +
+                                       m_confinement.m_memoryFactor / 4 * documentSize());
+}
+
+void ConfinedParser::endIntSubset() {
+    m_confinement.m_memory.endGrowth();
 }
 
 } // namespace Orvant

@@ -1,110 +1,119 @@
 #pragma once
 
+#include <ConfigurationFramework/ParserMemory.h>
+
 #include <cstddef>
-#include <limits>
 #include <memory>
 #include <string>
 
-#include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/EntityResolver.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
 namespace Orvant {
 
+class ConfinedParser;
 class FileName;
 
-/// The memory of a parser, from Xerces' own. Counts what is allocated to expand entity references,
-/// and frees at its end what the parser leaves behind.
-class ParserMemory : public xercesc::MemoryManager {
-public:
-    /// @param limit how many references may be expanded
-    explicit ParserMemory(std::size_t limit) : m_limit(limit) {}
-    ParserMemory(const ParserMemory&) = delete;
-    ParserMemory& operator=(const ParserMemory&) = delete;
-    ~ParserMemory() override;
-
-    /// @return true when a limit was passed
-    bool isExceeded() const { return m_isExceeded; }
-
-    void limitExpansions(std::size_t limit) { m_limit = limit; }
-
-    /// Refuses from now on a block so large that no document of that size needs it, which takes
-    /// references of large entities, in an attribute say.
-    void limitBlocksFor(std::size_t documentSize);
-
-    /// @throws xercesc::OutOfMemoryException when a limit is passed: what it takes to end the
-    /// parse
-    void* allocate(XMLSize_t size) override;
-    void deallocate(void* memory) override;
-    xercesc::MemoryManager* getExceptionMemoryManager() override;
-
-private:
-    /// Stands before each block and links it with the others.
-    struct alignas(std::max_align_t) Block {
-        Block* previous = this;
-        Block* next = this;
-    };
-
-    void countExpansion(XMLSize_t size);
-
-    Block m_blocks; ///< both ends of the ring
-    std::size_t m_limit;
-    std::size_t m_expansions = 0;
-    std::size_t m_largestBlock = std::numeric_limits<std::size_t>::max();
-    bool m_hasDocument = false;
-    bool m_isExceeded = false;
-};
-
 /// Keeps a parser to the document that it is given: whatever is external (entities, a DTD) resolves
-/// to nothing, so that no file is read and no connection made, and more than
-/// `maxEntityReferences` entity references, wherever they stand, are a parse error. What is not
-/// opened is told in the error log. Must outlive the parser.
+/// to nothing, so that no file is read and no connection made. What the document makes of its size
+/// is limited: the number of entity references, wherever they stand, and how far they nest and
+/// expand; what its DTD holds; and the memory in all. Beyond a limit there is a parse error. What
+/// is not opened is told in the error log. Must outlive the parser.
 class ParserConfinement : public xercesc::EntityResolver {
 public:
     static constexpr std::size_t maxEntityReferences = 10'000;
+    /// Most characters that references in content expand to.
+    static constexpr std::size_t maxCharacters = 10'000'000;
 
-    ParserConfinement();
+    /// What differs by the kind of document.
+    struct Limits {
+        /// Most characters that references in attributes and in a DTD expand to, but for the last
+        /// of them. What they are is not told, so each counts as the longest entity.
+        std::size_t untoldCharacters;
+        /// Bytes of memory for each byte of a document, above the 64 MiB that any may take. A DTD
+        /// may take a quarter of that, above 4 MiB.
+        std::size_t memoryFactor;
+    };
+    static constexpr Limits configurations{500'000, 16};
+    static constexpr Limits schemas{maxCharacters, 64};
 
-    /// @return a confined parser with Xerces' default features
+    explicit ParserConfinement(const Limits& limits);
+
+    /// @return a confined parser: a ConfinedParser with Xerces' default features
     template <typename Parser>
     std::unique_ptr<Parser> makeParser() {
-        auto parser = std::make_unique<Parser>(nullptr, &m_memory, nullptr);
-        parser->setEntityResolver(this);
-        parser->setSecurityManager(&m_securityManager);
-        return parser;
+        return std::make_unique<Parser>(*this);
     }
-
-    /// Allows another number of entity references from now on, those before included.
-    void limitReferences(std::size_t limit) { m_memory.limitExpansions(limit); }
 
     /// Parses a file with the confined parser.
     /// @throws xercesc::XMLException when the file is not a regular file or cannot be read
     /// @throws FileNameException for a name that no file system could hold
     /// and as parseString()
-    void parseFile(xercesc::XercesDOMParser& parser, const FileName& file);
+    void parseFile(ConfinedParser& parser, const FileName& file);
 
     /// Parses a document in memory with the confined parser.
     /// @param content the document, up to its first NUL
-    /// @throws xercesc::XMLException for too many entity references where the parser has no error
-    ///         handler to tell of them, and for a document that the memory cannot hold
-    void parseString(xercesc::XercesDOMParser& parser, const std::string& content);
+    /// @throws xercesc::XMLException for a passed limit where the parser has no error handler to
+    ///         tell of it, and for a document that the memory cannot hold
+    /// @throws xercesc::DOMException for a version of XML or a name of a document type that a DOM
+    ///         does not take
+    void parseString(ConfinedParser& parser, const std::string& content);
 
     /// Parses a document in memory with the confined parser.
     /// @param bytes the document, all of it
-    /// @throws xercesc::XMLException as parseString()
-    void parseBytes(xercesc::XercesDOMParser& parser, const std::string& bytes);
+    /// @throws as parseString()
+    void parseBytes(ConfinedParser& parser, const std::string& bytes);
+
+    /// @return bytes of the document that is being parsed
+    std::size_t documentSize() const { return m_documentSize; }
 
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
 private:
-    void parse(xercesc::XercesDOMParser& parser, const char* bytes, std::size_t size,
-               const XMLCh* systemId);
+    friend class ConfinedParser;
+
+    void parse(ConfinedParser& parser, const char* bytes, std::size_t size, const XMLCh* systemId);
 
     // Counts the references in content and attributes, and reports them as any other error.
     xercesc::SecurityManager m_securityManager;
     // Counts all of them, those within a DTD too.
     ParserMemory m_memory;
+    std::size_t m_memoryFactor; ///< bytes for each byte of a document
+    std::size_t m_documentSize = 0;
+};
+
+/// The Xerces DOM parser, confined. Of an entity reference it keeps what it stands for and no more,
+/// of a DTD the name alone: what a DTD declares takes effect in the scanner, and a DOM would hold
+/// it a second time and give default attributes to new elements.
+class ConfinedParser : public xercesc::XercesDOMParser {
+public:
+    explicit ConfinedParser(ParserConfinement& confinement);
+
+    void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+    void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+
+    void entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
+                    bool isIgnored) override;
+    void startIntSubset() override;
+    void endIntSubset() override;
+    void startExtSubset() override {}
+    void endExtSubset() override {}
+    void startAttList(const xercesc::DTDElementDecl&) override {}
+    void endAttList(const xercesc::DTDElementDecl&) override {}
+    void attDef(const xercesc::DTDElementDecl&, const xercesc::DTDAttDef&, bool) override {}
+    void elementDecl(const xercesc::DTDElementDecl&, bool) override {}
+    void notationDecl(const xercesc::XMLNotationDecl&, bool) override {}
+    void doctypeComment(const XMLCh*) override {}
+    void doctypePI(const XMLCh*, const XMLCh*) override {}
+    void doctypeWhitespace(const XMLCh*, XMLSize_t) override {}
+
+protected:
+    /// @return bytes of the document that is being parsed
+    std::size_t documentSize() const { return m_confinement.documentSize(); }
+
+private:
+    ParserConfinement& m_confinement;
 };
 
 } // namespace Orvant

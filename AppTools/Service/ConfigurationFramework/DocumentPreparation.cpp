@@ -1,10 +1,10 @@
 #include <ConfigurationFramework/DocumentPreparation.h>
 
+#include <ConfigurationFramework/DocumentText.h>
 #include <ConfigurationFramework/DomNavigation.h>
 
 #include <algorithm>
 #include <string_view>
-#include <vector>
 
 #include <xercesc/dom/DOMText.hpp>
 
@@ -15,30 +15,6 @@ namespace {
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::DOMText;
-
-void collectEntityReferences(DOMNode& root, std::vector<DOMNode*>& references) {
-    for (DOMNode* node = &root; node != nullptr;) {
-        const bool isReference = node->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE;
-        if (isReference)
-            references.push_back(node);
-        node = isReference ? nextBehind(root, node) : nextBelow(root, node);
-    }
-}
-
-void expandEntityReferences(DOMNode& root) {
-    std::vector<DOMNode*> references;
-    collectEntityReferences(root, references);
-    while (!references.empty()) {
-        DOMNode* const reference = references.back();
-        references.pop_back();
-        DOMNode& parent = *reference->getParentNode();
-        for (const DOMNode* child = reference->getFirstChild(); child != nullptr;
-             child = child->getNextSibling())
-            collectEntityReferences(*parent.insertBefore(child->cloneNode(true), reference),
-                                    references);
-        parent.removeChild(reference);
-    }
-}
 
 /// Cuts the line break and indentation before a tag, which the printer makes anew.
 void cutFormatting(DOMText& text) {
@@ -79,45 +55,50 @@ void cutFormattingBetweenLines(DOMElement& root) {
     }
 }
 
+/// Most comments below an element without another element between them.
+std::size_t longestRunOfComments(const DOMNode& element) {
+    std::size_t longest = 0;
+    std::size_t run = 0;
+    for (const DOMNode* child = element.getFirstChild(); child; child = child->getNextSibling()) {
+        if (child->getNodeType() == DOMNode::ELEMENT_NODE)
+            run = 0;
+        else if (child->getNodeType() == DOMNode::COMMENT_NODE)
+            longest = std::max(longest, ++run);
+    }
+    return longest;
+}
+
 } // namespace
 
-std::size_t nestingDepth(const DOMNode& root) {
-    std::size_t depth = 0;
-    std::size_t deepest = 0;
-    for (const DOMNode* node = &root;;) {
+PrintedLayout layoutOf(const DOMElement& root) {
+    constexpr std::size_t step = 2; // of the printer, for each level
+    PrintedLayout layout;
+    std::size_t depth = 1;
+    const DOMNode* node = &root;
+    while (true) {
+        ++layout.nodes;
+        const bool isElement = node->getNodeType() == DOMNode::ELEMENT_NODE;
+        if (isElement) {
+            layout.depth = std::max(layout.depth, depth);
+            layout.commentsInARow = std::max(layout.commentsInARow, longestRunOfComments(*node));
+        }
+        // Both tags of an element can have a line of their own.
+        layout.indentation += (isElement ? 2 : 1) * step * (depth - 1);
         if (node->getFirstChild() != nullptr) {
             node = node->getFirstChild();
-            deepest = std::max(deepest, ++depth);
+            ++depth;
             continue;
         }
         for (; node != &root && node->getNextSibling() == nullptr; node = node->getParentNode())
             --depth;
         if (node == &root)
-            return deepest;
+            return layout;
         node = node->getNextSibling();
     }
 }
 
-std::size_t longestRunOfComments(const DOMNode& root) {
-    std::size_t longest = 0;
-    for (const DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
-        std::size_t run = 0;
-        for (const DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling()) {
-            if (child->getNodeType() == DOMNode::ELEMENT_NODE)
-                run = 0;
-            else if (child->getNodeType() == DOMNode::COMMENT_NODE)
-                longest = std::max(longest, ++run);
-        }
-    }
-    return longest;
-}
-
 void prepareForWriting(xercesc::DOMDocument& document) {
-    DOMElement& root = *document.getDocumentElement();
-    if (nestingDepth(root) > maxWrittenDepth)
-        return; // It is never written.
-    expandEntityReferences(root);
-    cutFormattingBetweenLines(root);
+    cutFormattingBetweenLines(*document.getDocumentElement());
     document.setXmlVersion(u"1.0");
 }
 

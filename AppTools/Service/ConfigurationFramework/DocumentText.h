@@ -11,6 +11,9 @@ namespace Orvant {
 static_assert(std::is_same_v<XMLCh, char16_t>,
               "Xerces-C++ must be built with char16_t as its character type, which is its default");
 
+/// What line breaks and indentation are made of.
+constexpr const XMLCh* formattingSpace = u" \t\r\n";
+
 /// Text that an XML 1.0 document can hold.
 struct DocumentText {
     std::basic_string<XMLCh> text; ///< the text in UTF-16

@@ -25,14 +25,11 @@ namespace {
 
 const Logging s_log("SchemaParsing");
 
-/// A DOM parser that keeps of an entity reference only what it stands for: a node for it would hold
-/// that a second time, made by recursion.
-class ContentParser : public xercesc::XercesDOMParser {
+/// A DOM parser that keeps nothing but elements and their texts.
+class ContentParser : public ConfinedParser {
 public:
-    using XercesDOMParser::XercesDOMParser;
+    using ConfinedParser::ConfinedParser;
 
-    void startEntityReference(const xercesc::XMLEntityDecl&) override {}
-    void endEntityReference(const xercesc::XMLEntityDecl&) override {}
     void docComment(const XMLCh*) override {}
     void docPI(const XMLCh*, const XMLCh*) override {}
 };
@@ -43,20 +40,9 @@ class MeasuringParser : public ContentParser {
 public:
     using ContentParser::ContentParser;
 
-    /// @param confinement that of this parser
-    /// @param bytes       size of the document to come, which it may always reach
-    void prepare(ParserConfinement& confinement, std::size_t bytes) {
-        m_confinement = &confinement;
-        m_mostCharacters = std::max(bytes, SchemaLimits::expandedSize);
-        confinement.limitReferences(
-            std::min(SchemaLimits::dtdReferences(bytes), ParserConfinement::maxEntityReferences));
-    }
-
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int, const XMLCh*,
                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                      XMLSize_t attributeCount, bool isEmpty, bool isRoot) override {
-        if (isRoot)
-            m_confinement->limitReferences(ParserConfinement::maxEntityReferences);
+                      XMLSize_t attributeCount, bool isEmpty, bool) override {
         const std::size_t declared =
             declaration.hasAttDefs() ? declaration.getAttDefList().getAttDefCount() : 0;
         refuseIf(attributeCount > SchemaLimits::attributes || declared > SchemaLimits::attributes);
@@ -87,13 +73,11 @@ private:
     }
     void add(std::size_t length) {
         m_size += length;
-        refuseIf(m_size > m_mostCharacters);
+        refuseIf(m_size > std::max(documentSize(), SchemaLimits::expandedSize));
     }
 
-    ParserConfinement* m_confinement = nullptr;
     std::size_t m_depth = 0;
     std::size_t m_size = 0; ///< at most that of the document, as long as there are no references
-    std::size_t m_mostCharacters = 0;
 };
 
 /// A confined parser with what it needs for one parse.
@@ -105,7 +89,6 @@ public:
     }
 
     Parser* operator->() { return m_parser.get(); }
-    ParserConfinement& confinement() { return m_confinement; }
 
     /// @return null when the document is not well-formed or is refused
     const xercesc::DOMDocument* parse(const std::string& bytes) {
@@ -114,15 +97,13 @@ public:
     }
 
 private:
-    ParserConfinement m_confinement;
+    ParserConfinement m_confinement{ParserConfinement::schemas};
     XmlErrorHandler m_errors;
     std::unique_ptr<Parser> m_parser;
 };
 
 bool isWithinLimits(const std::string& bytes) {
-    ParserForSchema<MeasuringParser> parser;
-    parser->prepare(parser.confinement(), bytes.size());
-    return parser.parse(bytes) != nullptr;
+    return ParserForSchema<MeasuringParser>().parse(bytes) != nullptr;
 }
 
 /// Calls back with the document of a file, with null when there is none to be had.

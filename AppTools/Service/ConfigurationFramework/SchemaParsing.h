@@ -2,7 +2,6 @@
 
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 
@@ -18,12 +17,6 @@ struct SchemaLimits {
     /// Characters that a document comes to when its references are expanded, where that is more
     /// than the document itself has.
     static constexpr std::size_t expandedSize = 10'000'000;
-    /// References before the end of the first tag, as many as together cannot make more of a
-    /// document of that size than `expandedSize`, but ten at least: what a DTD makes of them is
-    /// read without that anything of it is told.
-    static constexpr std::size_t dtdReferences(std::size_t documentSize) {
-        return std::max<std::size_t>(expandedSize / (documentSize + 1), 10);
-    }
 };
 
 /// Parses a file into the schema document model. Nothing that the file refers to is opened, and a

@@ -72,7 +72,7 @@ private:
     std::optional<std::string_view> requiredText(const std::string& name, bool& editable);
 
     ConfigReader& m_reader;
-    ParserConfinement m_confinement;
+    ParserConfinement m_confinement{ParserConfinement::configurations};
     std::unique_ptr<ConfigurationParser> m_parser;
     DocumentTree* m_tree = nullptr; ///< of the parser
     DocumentTree::Element m_current = DocumentTree::none;

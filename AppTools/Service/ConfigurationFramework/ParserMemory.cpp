@@ -1,0 +1,81 @@
+#include <ConfigurationFramework/ParserMemory.h>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include <xercesc/internal/XMLReader.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+namespace Orvant {
+
+ParserMemory::~ParserMemory() {
+    while (m_blocks.next != &m_blocks)
+        deallocate(m_blocks.next + 1);
+}
+
+void ParserMemory::addEntity(std::size_t length) {
+    m_longestEntity = std::max(m_longestEntity, length);
+}
+
+void ParserMemory::tellExpansion(std::size_t length) {
+    m_awaitsTelling = false;
+    m_told += length;
+    refuseIf(m_told > m_maxTold);
+}
+
+void ParserMemory::refuseIf(bool isTooMuch) {
+    if (!isTooMuch)
+        return;
+    m_isExceeded = true;
+    throw xercesc::OutOfMemoryException();
+}
+
+/// For the document and for each entity that it expands, the scanner makes a reader, whose size
+/// nothing else has.
+bool ParserMemory::isReader(XMLSize_t size) {
+    // In Xerces, a block made with a memory manager carries a header.
+    static const XMLSize_t header =
+        xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(MemoryManager*));
+    return size == header + sizeof(xercesc::XMLReader);
+}
+
+void ParserMemory::countExpansion() {
+    if (m_readers++ == 0)
+        return; // It reads the document.
+    if (std::exchange(m_awaitsTelling, true))
+        m_untold += m_longestEntity;
+    refuseIf(m_expansions++ >= m_maxExpansions || m_readers > maxNestedExpansions + 1 ||
+             m_untold > m_maxUntold);
+}
+
+void* ParserMemory::allocate(XMLSize_t size) {
+    refuseIf(size > std::min(m_maxBytes, m_maxBytesOfGrowth) - m_bytes);
+    if (isReader(size))
+        countExpansion();
+    void* const place = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(sizeof(Block) + size);
+    auto* const block = new (place) Block{m_blocks.previous, &m_blocks, size};
+    block->previous->next = block;
+    block->next->previous = block;
+    m_bytes += size;
+    return block + 1;
+}
+
+void ParserMemory::deallocate(void* memory) {
+    if (memory == nullptr)
+        return;
+    Block* const block = static_cast<Block*>(memory) - 1;
+    block->previous->next = block->next;
+    block->next->previous = block->previous;
+    m_bytes -= block->size;
+    if (isReader(block->size))
+        --m_readers;
+    xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(block);
+}
+
+xercesc::MemoryManager* ParserMemory::getExceptionMemoryManager() {
+    return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
+}
+
+} // namespace Orvant

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+
+#include <xercesc/framework/MemoryManager.hpp>
+
+namespace Orvant {
+
+/// The memory of a parser, from Xerces' own. Limits how much of it the parser holds at a time and
+/// how far entity references expand, and frees at its end what the parser leaves behind.
+class ParserMemory : public xercesc::MemoryManager {
+public:
+    /// Most entity references that are expanded within one another: each takes a hundred kilobytes.
+    static constexpr std::size_t maxNestedExpansions = 32;
+
+    /// @param maxExpansions how many references may be expanded in all
+    explicit ParserMemory(std::size_t maxExpansions) : m_maxExpansions(maxExpansions) {}
+    ParserMemory(const ParserMemory&) = delete;
+    ParserMemory& operator=(const ParserMemory&) = delete;
+    ~ParserMemory() override;
+
+    /// @return true when a limit was passed
+    bool isExceeded() const { return m_isExceeded; }
+
+    /// Limits what is held at a time.
+    void limitBytes(std::size_t bytes) { m_maxBytes = bytes; }
+    /// Limits by how much what is held now may grow until endGrowth().
+    void limitGrowth(std::size_t bytes) { m_maxBytesOfGrowth = m_bytes + bytes; }
+    void endGrowth() { m_maxBytesOfGrowth = unlimited; }
+    void endLimits() { m_maxBytes = m_maxBytesOfGrowth = unlimited; }
+
+    /// Limits the characters that references expand to.
+    /// @param told   in content, where the scanner tells of each
+    /// @param untold in a DTD and in attributes, where each is taken for the longest there is; the
+    ///               last is not counted
+    void limitCharacters(std::size_t told, std::size_t untold) {
+        m_maxTold = told;
+        m_maxUntold = untold;
+    }
+    /// Tells of a declared entity: every expansion from now on may be its.
+    /// @param length characters of its replacement text
+    void addEntity(std::size_t length);
+    /// Tells what the last expansion is of.
+    /// @param length characters of the replacement text
+    /// @throws xercesc::OutOfMemoryException when a limit is passed
+    void tellExpansion(std::size_t length);
+
+    /// @throws xercesc::OutOfMemoryException when a limit is passed: what it takes to end the
+    /// parse
+    void* allocate(XMLSize_t size) override;
+    void deallocate(void* memory) override;
+    xercesc::MemoryManager* getExceptionMemoryManager() override;
+
+private:
+    static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+    /// Stands before each block and links it with the others.
+    struct alignas(std::max_align_t) Block {
+        Block* previous = this;
+        Block* next = this;
+        std::size_t size = 0;
+    };
+
+    static bool isReader(XMLSize_t size);
+    void countExpansion();
+    void refuseIf(bool isTooMuch);
+
+    Block m_blocks; ///< both ends of the ring
+    std::size_t m_bytes = 0;
+    std::size_t m_maxBytes = unlimited;
+    std::size_t m_maxBytesOfGrowth = unlimited;
+    std::size_t m_readers = 0; ///< for the document and the references that are being expanded
+    std::size_t m_expansions = 0;
+    std::size_t m_maxExpansions;
+    std::size_t m_longestEntity = 0;
+    std::size_t m_told = 0;
+    std::size_t m_maxTold = unlimited;
+    std::size_t m_untold = 0;
+    std::size_t m_maxUntold = unlimited;
+    bool m_awaitsTelling = false; ///< the last expansion may be told yet
+    bool m_isExceeded = false;
+};
+
+} // namespace Orvant
