@@ -213,6 +213,56 @@ TEST(ConfigWriterOutput, HoldsTheAttributesThatTheDtdOfTheLoadedDocumentGave) {
                                                       times)));
 }
 
+TEST(ConfigWriterOutput, GivesNewElementsNoAttributesOfTheDtd) {
+    const std::string dtd = "<!DOCTYPE Configuration [<!ATTLIST A editable CDATA 'false' key CDATA "
+                            "'k' other CDATA 'o'><!ATTLIST item editable CDATA 'false'>]>";
+    ConfigWriter writer(FileName(), dtd + document("<A/>"));
+    writer.createKeyedNode("A", "k2", "");
+    writer.createNode("B", "");
+    writer.putStringVector("C", {"c"}, "");
+    writer.putElement("A", "", [] {});
+    EXPECT_EQ(document("<B/><C><item>c</item></C><A/>"), withoutFormatting(writer.getAsString()));
+}
+
+TEST(ConfigWriterOutput, FindsKeysOfTheDtdAmongManyElements) {
+    const std::string dtd = "<!DOCTYPE Configuration [<!ATTLIST A key CDATA 'k'>]>";
+    for (const std::size_t siblings : {1, 100}) { // more than are searched one by one
+        std::string others;
+        for (std::size_t i = 0; i < siblings; ++i)
+            others += "<B/>";
+        ConfigWriter writer(FileName(), dtd + document("<A/>" + others));
+        writer.deleteNodes("B", "");
+        writer.createKeyedNode("A", "other", "");
+        EXPECT_EQ(Success, writer.setCurrentKeyedNode("A", "k"));
+        writer.putString("old");
+        EXPECT_EQ(document("<A key=\"k\">old</A><A key=\"other\"/>"),
+                  withoutFormatting(writer.getAsString()));
+    }
+}
+
+TEST(ConfigWriterOutput, KeepsBlanksBetweenTextsAndReferences) {
+    const std::string dtd = "<!DOCTYPE Configuration [<!ENTITY e \"E\"><!ENTITY b \" \">]>";
+    for (const auto& [loaded, written] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"<a>&e; &e;</a>", "<a>E E</a>"},
+             {"<a>x &e; y<c/></a>", "<a>x E y<c/></a>"},
+             {"<a><c/>&e; &e;</a>", "<a><c/>E E</a>"},
+             {"<a>&e; &e; <c/></a>", "<a>E E <c/></a>"},
+             {"<a>&e;&b;&e;<c/></a>", "<a>E E<c/></a>"},
+             {"<a> &e;<c/></a>", "<a> E<c/></a>"}}) {
+        ConfigWriter writer(FileName(), dtd + document(loaded));
+        writer.putInt("other", 1, "");
+        const std::string text = writer.getAsString();
+        std::string onOneLine;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '\n') // with the indentation behind it
+                i = std::min(text.find_first_not_of(" \n", i), text.size()) - 1;
+            else
+                onOneLine += text[i];
+        }
+        EXPECT_THAT(onOneLine, HasSubstr(written)) << loaded;
+    }
+}
+
 TEST(ConfigWriterOutput, CanBeReadWhenADocumentOfXml11WasLoaded) {
     const std::string text =
         "<?xml version=\"1.1\"?>" +

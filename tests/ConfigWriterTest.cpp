@@ -157,6 +157,8 @@ const BrokenDocument brokenDocuments[] = {
     {"LowerCaseRoot", "<configuration version=\"1.0\"/>"},
     {"PrefixedRoot", "<c:Configuration xmlns:c=\"urn:c\" version=\"1.0\"/>"},
     {"RootBelowAnother", "<Settings><Configuration version=\"1.0\"/></Settings>"},
+    {"UnknownVersionOfXml", "<?xml version='1.2'?><Configuration/>"},
+    {"DocumentTypeWithTwoColons", "<!DOCTYPE a:b:c><Configuration/>"},
     {"EntityBomb",
      "<!DOCTYPE Configuration [<!ENTITY a \"x\">"
      "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"

@@ -6,6 +6,10 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <optional>
+#include <random>
+
 #include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -296,6 +300,62 @@ std::string withLongAttribute(std::size_t length) {
 TEST(DocumentConfinement, RefusesToFillTheMemoryWithAnAttribute) {
     EXPECT_THAT(refusalTypes(withLongAttribute(510'000)), isOpened);
     EXPECT_THAT(refusalTypes(withLongAttribute(520'000)), isRefused);
+}
+
+// What is opened by both or by neither: else an application could read what it can never save.
+
+void expectAgreement(const std::string& document) {
+    const auto types = refusalTypes(document);
+    // A reader refuses other versions, too.
+    if (types[0] != ConfigException::InvalidVersion) {
+        EXPECT_EQ(types[0].has_value(), types[1].has_value()) << document.substr(0, 2'000);
+    }
+}
+
+TEST(ReaderAndWriter, AgreeOnVersionsOfXmlAndDocumentTypes) {
+    for (const char* const version :
+         {"1.0", "1.1", "1.2", "1.6", "1.10", "1.", "1.a", "2.0", "", " 1.0", "1.0 ", "one"})
+        expectAgreement("<?xml version='" + std::string(version) + "'?>" + configuration(""));
+    EXPECT_THAT(refusalTypes("<?xml version='1.1'?>" + configuration("")), isOpened);
+    EXPECT_THAT(
+        refusalTypes("<?xml version='1.2'?>" + configuration("")),
+        testing::ElementsAre(ConfigException::InvalidDocument, ConfigException::InvalidDocument));
+    for (const char* const doctype :
+         {"Configuration", "other", "a:b", "a:b:c", ":a", "a:", ":", "a:1", "a\xC3\xA4", "1",
+          "a SYSTEM 'x'", "a:b:c PUBLIC 'p' 'x'", "a []", "a:b:c [<!ENTITY e 'e'>]", ""})
+        expectAgreement("<!DOCTYPE " + std::string(doctype) + ">" + configuration(""));
+}
+
+TEST(ReaderAndWriter, AgreeOnDamagedDocuments) {
+    const std::string whole =
+        "<?xml version='1.0' encoding='UTF-8' standalone='yes'?><!--c--><?p i?>"
+        "<!DOCTYPE Configuration [<!ENTITY a 'v'><!ENTITY b '<B k=\"l\">&a; &#65;</B>'>"
+        "<!ENTITY % p '<!ENTITY c \"c\">'>%p;<!ELEMENT A (B|C)*><!NOTATION n SYSTEM 'n'>"
+        "<!ATTLIST A key CDATA 'k' t (x|y) 'x' i ID #IMPLIED><!--d--><?q?>]>"
+        "<Configuration version='1.0'><A key='&a;'>x &b;<![CDATA[ <c> ]]></A><A i='i'/>&c;"
+        "\xC3\xA4 <L editable='false'><item>1</item><item/></L><!--e--></Configuration><?r?>\n";
+    EXPECT_THAT(refusalTypes(whole), isOpened);
+    const std::string pieces = "<>&;'\"=/!?[]-%#:x1 \n\t\x01\x80\xFF";
+    std::mt19937 random(7);
+    const auto position = [&random](const std::string& text) { return random() % text.size(); };
+    for (int i = 0; i < 3'000; ++i) {
+        std::string damaged = whole;
+        for (auto changes = random() % 3 + 1; changes > 0; --changes)
+            switch (random() % 4) {
+            case 0:
+                damaged[position(damaged)] = pieces[position(pieces)];
+                break;
+            case 1:
+                damaged.erase(position(damaged), random() % 8 + 1);
+                break;
+            case 2:
+                damaged.insert(position(damaged), 1, pieces[position(pieces)]);
+                break;
+            default:
+                damaged.insert(position(damaged), damaged.substr(position(damaged), 20));
+            }
+        expectAgreement(damaged);
+    }
 }
 
 TEST(DocumentConfinement, TellsTheLogWhatItDidNotOpen) {
