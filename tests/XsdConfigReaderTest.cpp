@@ -40,6 +40,10 @@ TEST(XsdConfigReader, HasAVirtualDestructor) {
     EXPECT_TRUE(std::has_virtual_destructor_v<XsdConfigReader>);
 }
 
+TEST(XsdConfigReader, IsMadeOfAFileNameWithoutSayingSo) {
+    EXPECT_TRUE((std::is_convertible_v<const FileName&, XsdConfigReader>));
+}
+
 TEST(XsdConfigReader, DoesNotLookAtTheFileBeforeReading) {
     const TemporaryDirectory directory;
     const XsdConfigReader reader(directory.file("missing.xsd"));

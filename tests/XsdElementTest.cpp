@@ -14,6 +14,11 @@ struct DeleteSimpleType {
     using type = void (XsdElement::*)(const std::vector<std::string>&, bool);
     friend type memberOf(DeleteSimpleType);
 };
+struct FindChildElements {
+    using type = Strings (XsdElement::*)(const std::vector<std::string>&);
+    friend type memberOf(FindChildElements);
+};
+template struct PrivateMember<FindChildElements, &XsdElement::findChildElements>;
 template struct PrivateMember<DeleteComplexType, &XsdElement::deleteComplexType>;
 template struct PrivateMember<DeleteSimpleType, &XsdElement::deleteSimpleType>;
 
@@ -102,6 +107,11 @@ TEST(XsdElement, DescribesNothingWithoutADocument) {
     tree.keepChildElement("A", {}, false, true);
     tree.keepChildAttributes("A", {});
     EXPECT_EQ(nullptr, tree.getSchema());
+}
+
+TEST(XsdElement, IsMadeOfADocumentWithoutSayingSo) {
+    const auto names = [](XsdElement tree) { return typeNames(tree); };
+    EXPECT_THAT(names(*parseSchema(complexType("A", ""))), ElementsAre("A"));
 }
 
 TEST(XsdElement, CopiesTheDocument) {
@@ -267,6 +277,58 @@ TEST(DeleteTypes, EndsAfterTheFirstTypeForAnEmptyList) {
     EXPECT_THAT(afterDeleting({}, false), ElementsAre("A", "B", "C", "a", "b", "c"));
 }
 
+// The types of children.
+
+Strings childTypes(const std::string& content, const Strings& names) {
+    XsdElement tree = treeOf(content);
+    return (tree.*memberOf(FindChildElements()))(names);
+}
+
+TEST(FindChildElements, AnswersTheTypesOfListedTypesInDocumentOrderEachOnce) {
+    const std::string content =
+        sequenceType("A", required("b", "B") + optional("x", "xs:int") + optional("b2", "B")) +
+        sequenceType("a", required("d", "D")) +
+        sequenceType("B", required("c", "ov:C") + required("x", "xs:int")) +
+        sequenceType("C", required("e", "E")) + sequenceType("A", required("f", "F"));
+    EXPECT_THAT(childTypes(content, {"B", "A", "Nowhere"}),
+                ElementsAre("B", "xs:int", "ov:C", "F"));
+    EXPECT_THAT(childTypes(content, {"Nowhere"}), IsEmpty());
+    EXPECT_THAT(childTypes(content, {}), IsEmpty());
+}
+
+TEST(FindChildElements, LooksAtASequenceThenAtAChoice) {
+    EXPECT_THAT(
+        childTypes(complexType("A", "<choice>" + required("b", "B") + "</choice>") +
+                       complexType("C", "<sequence>" + required("d", "D") + "</sequence><choice>" +
+                                            required("e", "E") + optional("f", "F") + "</choice>"),
+                   {"A", "C"}),
+        ElementsAre("B", "D", "E", "F"));
+}
+
+TEST(FindChildElements, DescendsIntoInlineTypesWhereTheyStand) {
+    const std::string inlineType =
+        "<element name=\"i\">" +
+        complexType("", "<sequence>" + required("b", "B") + "</sequence><choice>" +
+                            required("c", "C") + "</choice>") +
+        "</element>";
+    EXPECT_THAT(childTypes(sequenceType("A", inlineType + required("d", "D")), {"A"}),
+                ElementsAre("B", "C", "D"));
+    EXPECT_THAT(childTypes(complexType("A", "<choice>" + inlineType + "</choice>"), {"A"}),
+                ElementsAre("B", "C"));
+}
+
+TEST(FindChildElements, LooksAtChildrenThatAnExtensionAddsButNotAtItsBaseOrAtAttributes) {
+    EXPECT_THAT(childTypes(complexType("A", extension("Base", "<sequence>" + optional("b", "B") +
+                                                                  "</sequence><attribute "
+                                                                  "name=\"c\" type=\"C\"/>")),
+                           {"A"}),
+                ElementsAre("B"));
+}
+
+TEST(FindChildElements, LeavesOutChildrenWithoutAType) {
+    EXPECT_THAT(childTypes(sequenceType("A", "<element name=\"a\"/>"), {"A"}), IsEmpty());
+}
+
 // keepElements: which types stay.
 
 TEST(KeepElements, KeepsListedTypesAndNoOthers) {
@@ -397,6 +459,15 @@ TEST(KeepElements, TakesARequiredChildWithoutATypeForAName) {
                complexType("B", "") + simpleType("C") + simpleType("D"));
     tree.keepElements({});
     EXPECT_THAT(typeNames(tree), IsEmpty());
+}
+
+TEST(KeepElements, TakesOptionalChildrenAlsoOfTypesWithoutAName) {
+    // Such a type stays only where just the first ones go.
+    XsdElement tree =
+        treeOf(complexType("A", "") + "<complexType><sequence>" + optional("a", "A") +
+               optional("b", "ov:A") + optional("c", "B") + "</sequence></complexType>");
+    tree.keepElements({});
+    EXPECT_THAT(childNames(tree, ""), ElementsAre("c"));
 }
 
 TEST(KeepElements, FindsNoTypeForARootElementWithoutOne) {

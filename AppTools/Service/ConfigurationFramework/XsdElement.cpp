@@ -132,32 +132,70 @@ Names declaredTypes(const ov_schema& schema) {
     return names;
 }
 
-/// Takes the optional children and the root elements of declared types that are gone.
-void removeUsersOf(const Names& goneTypes, ov_schema& schema) {
-    const auto namesGoneType = [&goneTypes](const auto& element) {
-        const std::string type = textOf(element.type());
-        return goneTypes.contains(type) || goneTypes.contains(withoutPrefix(type));
-    };
-    for (ov_complexType& type : schema.complexType())
-        forTypeAndInlineTypes(type, [&namesGoneType](ov_complexType& typeOrInlineType) {
-            removeOptionalChildren(typeOrInlineType, namesGoneType);
-        });
-    removeIf(schema.element(), namesGoneType);
+/// @return the names of types, empty for those that have none
+template <typename Types>
+std::vector<std::string> namesOf(const Types& types) {
+    std::vector<std::string> names;
+    for (const auto& type : types)
+        names.push_back(textOf(type.name()));
+    return names;
 }
 
-/// Gathers the names of the types that parts of a schema need, each name once.
+/// Takes the optional children and the root elements whose types are written so.
+void removeUsersOf(const Names& typesAsWritten, ov_schema& schema) {
+    const auto isUser = [&typesAsWritten](const auto& element) {
+        return isListed(element.type(), typesAsWritten);
+    };
+    for (ov_complexType& type : schema.complexType())
+        forTypeAndInlineTypes(type, [&isUser](ov_complexType& typeOrInlineType) {
+            removeOptionalChildren(typeOrInlineType, isUser);
+        });
+    removeIf(schema.element(), isUser);
+}
+
+/// Names in order of discovery, each once.
+class DiscoveredNames {
+public:
+    void add(const std::string& name) {
+        if (m_known.insert(name).second)
+            m_names.push_back(name);
+    }
+    const std::vector<std::string>& inOrder() const { return m_names; }
+
+private:
+    Names m_known;
+    std::vector<std::string> m_names;
+};
+
+/// Adds the types of the children of a type and of the types that are declared within it.
+void addChildTypes(const ov_complexType& type, DiscoveredNames& found) {
+    const auto addTypesOf = [&found](const auto& children) {
+        for (const ov_element& child : children.element()) {
+            if (child.type().present())
+                found.add(child.type().get());
+            if (child.complexType().present())
+                addChildTypes(child.complexType().get(), found);
+        }
+    };
+    for (const ov_sequence* sequence : sequencesOf(type))
+        addTypesOf(*sequence);
+    if (type.choice().present())
+        addTypesOf(type.choice().get());
+}
+
+enum class Follow { RequiredChildren, AllChildren };
+
+/// Gathers the names of the types that parts of a schema need.
 class NeededTypes {
 public:
-    explicit NeededTypes(bool ofOptionalChildren) : m_ofOptionalChildren(ofOptionalChildren) {}
+    explicit NeededTypes(Follow follow) : m_follow(follow) {}
 
-    /// @return the names in order of discovery
-    const std::vector<std::string>& names() const { return m_names; }
+    const std::vector<std::string>& names() const { return m_names.inOrder(); }
 
     /// Adds a name as it is written and the name of the type that it means.
     void add(const std::string& name) {
-        for (const std::string& meant : {name, withoutPrefix(name)})
-            if (m_known.insert(meant).second)
-                m_names.push_back(meant);
+        m_names.add(name);
+        m_names.add(withoutPrefix(name));
     }
 
     void addNeedsOf(const ov_complexType& type) {
@@ -178,7 +216,7 @@ public:
     }
 
     void addNeedsOf(const ov_element& child) {
-        if (m_ofOptionalChildren || !isOptional(child))
+        if (m_follow == Follow::AllChildren || !isOptional(child))
             addNeedsOfMember(child);
         else if (child.complexType().present())
             // An optional child, too, stays whatever its inline type names.
@@ -218,9 +256,8 @@ private:
             addPresent(attribute.type());
     }
 
-    bool m_ofOptionalChildren;
-    Names m_known;
-    std::vector<std::string> m_names;
+    Follow m_follow;
+    DiscoveredNames m_names;
 };
 
 /// Types of one kind under their names; of those with one name, a std::unordered_map has the first.
@@ -237,6 +274,22 @@ template <typename Index>
 void addNeedsOfTypes(NeededTypes& needed, const Index& index, const std::string& name) {
     const auto [first, last] = index.equal_range(name);
     std::for_each(first, last, [&needed](const auto& type) { needed.addNeedsOf(*type.second); });
+}
+
+/// @return names with those of all types that these need, directly or through others
+std::vector<std::string> withNeededTypes(const std::vector<std::string>& names, Follow follow,
+                                         const ov_schema& schema) {
+    const auto complexTypes = byName<std::unordered_multimap>(schema.complexType());
+    const auto simpleTypes = byName<std::unordered_multimap>(schema.simpleType());
+    NeededTypes needed(follow);
+    for (const std::string& name : names)
+        needed.add(name);
+    for (std::size_t next = 0; next < needed.names().size(); ++next) {
+        const std::string name = needed.names()[next];
+        addNeedsOfTypes(needed, complexTypes, name);
+        addNeedsOfTypes(needed, simpleTypes, name);
+    }
+    return needed.names();
 }
 
 void addChildren(XsdElementProperty& type, const ov_sequence& sequence) {
@@ -311,10 +364,17 @@ void XsdElement::keepElements(const std::vector<std::string>& names) {
     needed.insert(needed.end(), names.begin(), names.end());
 
     Names gone = declaredTypes(*m_schema);
-    keepOnly(findChildElements(needed, Follow::RequiredChildren));
+    keepOnly(withNeededTypes(needed, Follow::RequiredChildren, *m_schema));
     for (const std::string& name : declaredTypes(*m_schema))
         gone.erase(name);
-    removeUsersOf(gone, *m_schema);
+
+    Names goneAsWritten;
+    for (const auto& written :
+         {typesOfRoots(), findChildElements(namesOf(m_schema->complexType()))})
+        for (const std::string& name : written)
+            if (gone.contains(name) || gone.contains(withoutPrefix(name)))
+                goneAsWritten.insert(name);
+    removeUsersOf(goneAsWritten, *m_schema);
     update();
 }
 
@@ -331,7 +391,7 @@ void XsdElement::keepChildElement(const std::string& typeName,
     if (pruneTypes) {
         std::vector<std::string> needed = typesOfRoots();
         needed.push_back(typeName);
-        keepOnly(findChildElements(needed, Follow::AllChildren));
+        keepOnly(withNeededTypes(needed, Follow::AllChildren, *m_schema));
     }
     update();
 }
@@ -369,7 +429,7 @@ void XsdElement::update() {
 
 std::vector<std::string> XsdElement::requiredTypesOfRoots() const {
     const auto types = byName<std::unordered_map>(m_schema->complexType());
-    NeededTypes needed(false);
+    NeededTypes needed(Follow::RequiredChildren);
     for (const ov_rootElement& root : m_schema->element()) {
         const auto type =
             root.type().present() ? types.find(withoutPrefix(root.type().get())) : types.end();
@@ -393,19 +453,13 @@ std::vector<std::string> XsdElement::typesOfRoots() const {
     return types;
 }
 
-std::vector<std::string> XsdElement::findChildElements(const std::vector<std::string>& names,
-                                                       Follow follow) const {
-    const auto complexTypes = byName<std::unordered_multimap>(m_schema->complexType());
-    const auto simpleTypes = byName<std::unordered_multimap>(m_schema->simpleType());
-    NeededTypes needed(follow == Follow::AllChildren);
-    for (const std::string& name : names)
-        needed.add(name);
-    for (std::size_t next = 0; next < needed.names().size(); ++next) {
-        const std::string name = needed.names()[next];
-        addNeedsOfTypes(needed, complexTypes, name);
-        addNeedsOfTypes(needed, simpleTypes, name);
-    }
-    return needed.names();
+std::vector<std::string> XsdElement::findChildElements(const std::vector<std::string>& names) {
+    const Names listed(names.begin(), names.end());
+    DiscoveredNames found;
+    for (const ov_complexType& type : m_schema->complexType())
+        if (listed.contains(textOf(type.name())))
+            addChildTypes(type, found);
+    return found.inOrder();
 }
 
 void XsdElement::keepOnly(const std::vector<std::string>& names) {

@@ -72,7 +72,7 @@ public:
     /// An empty tree without a document; filters have no effect on it.
     XsdElement();
     /// @param schema document to describe and filter; it is copied
-    explicit XsdElement(const OV_XsdReader::ov_schema& schema);
+    XsdElement(const OV_XsdReader::ov_schema& schema);
     /// Shares the document with the original.
     /// @{
     XsdElement(const XsdElement&);
@@ -122,13 +122,10 @@ public:
     void keepChildAttributes(const std::string& typeName, const std::vector<std::string>& names);
 
 private:
-    enum class Follow { RequiredChildren, AllChildren };
-
     void update();
     std::vector<std::string> requiredTypesOfRoots() const;
     std::vector<std::string> typesOfRoots() const;
-    std::vector<std::string> findChildElements(const std::vector<std::string>& names,
-                                               Follow follow) const;
+    std::vector<std::string> findChildElements(const std::vector<std::string>& names);
     void keepOnly(const std::vector<std::string>& names);
     void deleteComplexType(const std::vector<std::string>& names, bool keep);
     void deleteSimpleType(const std::vector<std::string>& names, bool keep);
