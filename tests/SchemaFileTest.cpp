@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
+#include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace Orvant::Support {
@@ -59,13 +58,23 @@ INSTANTIATE_TEST_SUITE_P(Names, ScratchFile, testing::Values(sanitisingFile, rew
                              return name.param == sanitisingFile ? "Sanitising" : "Rewriting";
                          });
 
-TEST_P(ScratchFile, IsNotReadAsASchema) {
+TEST_P(ScratchFile, IsNotSanitised) {
     const FileName bound = directory.file(GetParam(), schema);
-    for (const bool sanitise : {true, false}) {
-        XsdConfigReader other(bound);
-        EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { other.readXSD(sanitise); }));
-        EXPECT_EQ(schema, readFile(bound));
+    XsdConfigReader other(bound);
+    EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { other.readXSD(true); }));
+    EXPECT_EQ(schema, readFile(bound));
+}
+
+TEST_P(ScratchFile, IsReadWhereNothingIsWritten) {
+    const std::string bytes = readerSchema("<complexType name=\"Scratch\"/>");
+    const FileName bound = directory.file(GetParam(), bytes);
+    fs::create_symlink(GetParam(), at("link"));
+    for (const FileName& name : {bound, directory.file("link")}) {
+        XsdConfigReader other(name);
+        other.readXSD(false);
+        EXPECT_EQ(1u, other.getXsdTree().count("Scratch"));
     }
+    EXPECT_EQ(bytes, readFile(bound));
 }
 
 TEST_P(ScratchFile, IsNotReadThroughALink) {
@@ -165,6 +174,38 @@ TEST_F(SchemaFiles, AreReadThroughLinks) {
     EXPECT_TRUE(fs::is_symlink(at("link.xsd")));
 }
 
+/// Plants links to a file under some names, again and again, as long as it is in scope.
+class Planter {
+public:
+    Planter(const fs::path& target, std::vector<fs::path> names)
+        : m_thread([target, names = std::move(names)](const std::stop_token& isEnough) {
+              const fs::path planted = target.string() + ".link";
+              while (!isEnough.stop_requested())
+                  for (const fs::path& name : names) {
+                      std::error_code error;
+                      // Where there is nothing, then over what is there.
+                      fs::create_symlink(target, name, error);
+                      fs::create_symlink(target, planted, error);
+                      fs::rename(planted, name, error);
+                  }
+          }) {}
+
+private:
+    std::jthread m_thread;
+};
+
+TEST_F(SchemaFiles, AreNeverWrittenThroughLinksThatComeMeanwhile) {
+    const FileName victim = directory.file("elsewhere/file", "stays");
+    const FileName target = directory.file("target.xsd");
+    const Planter planter(victim.toPath(),
+                          {at(sanitisingFile), at(rewritingFile), target.toPath()});
+    for (int round = 0; round < 300; ++round) {
+        failureOf([&] { reader.readXSD(true); });
+        failureOf([&] { reader.writeXSD(target, round % 2 == 0); });
+        ASSERT_EQ("stays", readFile(victim)) << round;
+    }
+}
+
 // Places to write to.
 
 class LinkAsTarget : public SchemaFiles, public testing::WithParamInterface<const char*> {};
@@ -192,19 +233,6 @@ TEST_F(SchemaFiles, AreWrittenOverTheFileThatWasRead) {
     XsdConfigReader other(file);
     other.readXSD(true);
     EXPECT_EQ(reader.getRootelements(), other.getRootelements());
-}
-
-/// Runs an action while no file may become larger.
-template <typename Action>
-void withLargestFile(std::size_t size, const Action& action) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit former = limit;
-    limit.rlim_cur = size;
-    setrlimit(RLIMIT_FSIZE, &limit);
-    action();
-    setrlimit(RLIMIT_FSIZE, &former);
 }
 
 TEST_F(SchemaFiles, AreWrittenWholeOrNotAtAll) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -20,6 +21,7 @@
 #include <utility>
 #include <vector>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -141,6 +143,19 @@ inline int inOwnProcess(const std::function<int()>& action) {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
+}
+
+/// Runs an action while no file may become larger.
+template <typename Action>
+void withLargestFile(std::size_t size, const Action& action) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit former = limit;
+    limit.rlim_cur = size;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    action();
+    setrlimit(RLIMIT_FSIZE, &former);
 }
 
 /// Runs an action in a process whose permissions count, which those of root do not.

@@ -3,11 +3,22 @@
 #include <FileHandling/FileName.h>
 #include <FileHandling/OvFstream.h>
 
+#include <cstdint>
+
 namespace Orvant {
 
 namespace {
 
 constexpr std::uintmax_t maxFileSize = std::uintmax_t{1} << 30U;
+
+/// @return nothing for anything else and for a file that is too large
+std::optional<std::uintmax_t> sizeOfRegularFile(const std::filesystem::path& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error))
+        return std::nullopt;
+    const auto size = std::filesystem::file_size(path, error);
+    return error || size > maxFileSize ? std::nullopt : std::optional(size);
+}
 
 } // namespace
 
@@ -16,17 +27,8 @@ std::filesystem::path toPath(const FileName& file) {
     return std::u8string(native.begin(), native.end());
 }
 
-std::optional<std::uintmax_t> sizeOfRegularFile(const FileName& file) {
-    const std::filesystem::path path = toPath(file);
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
-        return std::nullopt;
-    const auto size = std::filesystem::file_size(path, error);
-    return error || size > maxFileSize ? std::nullopt : std::optional(size);
-}
-
 std::optional<std::string> readRegularFile(const FileName& file) {
-    const auto size = sizeOfRegularFile(file);
+    const auto size = sizeOfRegularFile(toPath(file));
     if (!size)
         return std::nullopt;
     OvIfstream in(file, std::ios::in | std::ios::binary);

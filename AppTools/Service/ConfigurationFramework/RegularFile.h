@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -12,10 +11,6 @@ class FileName;
 /// @return the name for the standard library
 /// @throws FileNameException for a name that no file system could hold
 std::filesystem::path toPath(const FileName& file);
-
-/// @return the size of a file that readRegularFile() would take; nothing for any other name
-/// @throws FileNameException for a name that no file system could hold
-std::optional<std::uintmax_t> sizeOfRegularFile(const FileName& file);
 
 /// Reads all bytes of a regular file. Nothing else is ever opened: a pipe or a device would keep
 /// the application waiting for ever.

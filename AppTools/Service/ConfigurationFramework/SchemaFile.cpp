@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/DocumentText.h>
+#include <ConfigurationFramework/NewFile.h>
 #include <ConfigurationFramework/RegularFile.h>
 #include <ConfigurationFramework/XercesSession.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
@@ -71,21 +72,27 @@ bool makePlace(const FileName& file) {
     return !std::filesystem::is_directory(status) && FileUtilities::remove(file);
 }
 
+void make(const FileName& file, std::string_view bytes) {
+    NewFile made(file);
+    if (!made.write(bytes) || !made.finish())
+        throw ConfigException(ConfigException::SourceNotFound);
+}
+
 void rewriteLines(const FileName& file,
                   const std::function<std::string(const std::string&)>& rewrite) {
     const FileName scratch = beside(file, rewritingName);
     if (!makePlace(scratch))
         throw ConfigException(ConfigException::SourceNotFound);
     OvIfstream in(file, std::ios::in);
-    OvOfstream out(scratch, std::ios::out);
-    std::string line;
-    while (std::getline(in, line))
-        out << rewrite(line) << '\n';
-    const bool isRead = !in.bad();
+    std::string rewritten;
+    for (std::string line; std::getline(in, line);)
+        rewritten += rewrite(line) + '\n';
+    if (in.bad())
+        throw ConfigException(ConfigException::SourceNotFound);
     in.close();
-    out.close();
     // A full disk must not cost what is there.
-    if (isRead && out && FileUtilities::replaceFile(scratch, file))
+    make(scratch, rewritten);
+    if (FileUtilities::replaceFile(scratch, file))
         return;
     FileUtilities::remove(scratch);
     throw ConfigException(ConfigException::SourceNotFound);
@@ -96,12 +103,10 @@ void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {
         throw xml_schema::serialization();
     // Instead of the runtime's own initialisation, which takes no lock.
     const XercesSession session(s_log, std::source_location::current());
-    OvOfstream out(file, std::ios::out | std::ios::binary, OvOfstream::NoByteOrderMark);
-    OV_XsdReader::schema_(out, schema, xml_schema::namespace_infomap(), "UTF-8",
+    std::ostringstream document;
+    OV_XsdReader::schema_(document, schema, xml_schema::namespace_infomap(), "UTF-8",
                           xml_schema::flags::dont_initialize);
-    out.close();
-    if (!out)
-        throw ConfigException(ConfigException::SourceNotFound);
+    make(file, document.view());
 }
 
 } // namespace Orvant::SchemaFile

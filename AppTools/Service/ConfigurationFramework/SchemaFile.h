@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace OV_XsdReader {
 class ov_schema;
@@ -12,7 +13,8 @@ namespace Orvant {
 class FileName;
 
 /// The files that the schema service makes: scratch files beside a schema file, and what it writes.
-/// Links that stand in their place are removed, never followed.
+/// All are new: what stood in their place is removed, and a link that comes there in the meantime
+/// is not followed.
 ///
 /// All functions throw FileNameException for a name that no file system could hold.
 namespace SchemaFile {
@@ -27,6 +29,11 @@ FileName sanitisingCopy(const FileName& file);
 /// Takes away what has a name, for a new file to have it. A directory stays.
 /// @return true when nothing has that name now
 bool makePlace(const FileName& file);
+
+/// Makes a file of these bytes in a place that makePlace() has made.
+/// @throws ConfigException of type SourceNotFound when that fails; there is no such file then, but
+///         what somebody else may have put there
+void make(const FileName& file, std::string_view bytes);
 
 /// Rewrites a file through a scratch file beside it. Every line ends with a line feed afterwards; a
 /// file that cannot be opened is taken for empty.

@@ -20,6 +20,18 @@ void replacePrefix(const FileName& file, const std::string& from, const std::str
     });
 }
 
+/// @return the name of the copy to sanitise
+/// @throws ConfigException of type SourceNotFound when there is none to be had
+FileName makeCopy(const FileName& file) {
+    // What has the copy's name is taken away, which must not be the file.
+    const auto bytes = SchemaFile::isScratchFile(file) ? std::nullopt : readRegularFile(file);
+    const FileName copy = SchemaFile::sanitisingCopy(file);
+    if (!bytes || !SchemaFile::makePlace(copy))
+        throw ConfigException(ConfigException::SourceNotFound);
+    SchemaFile::make(copy, *bytes);
+    return copy;
+}
+
 /// Whether a schema can be written to a file; what has its name is gone then.
 bool isPlaceForSchema(const FileName& file) {
     try {
@@ -39,16 +51,11 @@ XsdConfigReader::~XsdConfigReader() = default;
 
 void XsdConfigReader::readXSD(bool sanitise) {
     try {
-        if (SchemaFile::isScratchFile(*m_file))
-            throw ConfigException(ConfigException::SourceNotFound);
         if (!sanitise) {
             m_tree = std::make_shared<XsdElement>(*parseSchema(*m_file));
             return;
         }
-        const FileName copy = SchemaFile::sanitisingCopy(*m_file);
-        if (!sizeOfRegularFile(*m_file) || !SchemaFile::makePlace(copy) ||
-            !FileUtilities::copyFile(*m_file, copy))
-            throw ConfigException(ConfigException::SourceNotFound);
+        const FileName copy = makeCopy(*m_file);
         fixXsdFormatInFile(copy);
         m_tree = std::make_shared<XsdElement>(*parseSchema(copy));
         FileUtilities::remove(copy);

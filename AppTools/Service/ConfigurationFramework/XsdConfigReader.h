@@ -36,7 +36,9 @@ class FileName;
 ///
 /// Files are rewritten line by line in scratch files beside them, so that two readers must not work
 /// in one directory at a time. What has the name of a scratch file is taken away, a link itself and
-/// not what it leads to; a directory of such a name is in the way.
+/// not what it leads to; a directory of such a name is in the way. Every file that is written is a
+/// new one: where something else has come to have its name, the call fails and writes nothing
+/// there.
 ///
 /// Nothing that a file refers to is opened: external entities and DTDs resolve to nothing, which
 /// the error log tells. A file is refused that has more than 10,000 entity references, an element
@@ -64,9 +66,10 @@ public:
     ///                 it; false for one in the reader's own namespace, as writeXSD() writes it
     ///                 without output fix
     /// @throws ConfigException of type
-    ///   - SourceNotFound: not a readable file of up to 1 GiB, a scratch file or a link to one, not
-    ///     well-formed XML, beyond the bounds above, a minOccurs that is not a whole number, or no
-    ///     way to write scratch files;
+    ///   - SourceNotFound: not a readable file of up to 1 GiB, not well-formed XML, beyond the
+    ///   bounds
+    ///     above, or a minOccurs that is not a whole number; with `sanitise`, also a scratch file
+    ///     or a link to one, or no way to write scratch files;
     ///   - ParserReportedErrors: another document element than the reader's own;
     ///   - UnknownError: anything else.
     ///   The schema is then as it was before.
@@ -108,9 +111,9 @@ public:
     /// @param fixOutput true for a file of the suite; false for one in the reader's own namespace.
     ///                  In a file of the suite, what looks like a name of a built-in type is
     ///                  replaced in documentations as well, and in their middle lines a p1:.
-    /// @throws ConfigException of type SourceNotFound when the file cannot be written whole, has
-    ///         the name of a scratch file or is a link to one, or when what was written is not
-    ///         well-formed or beyond what readXSD() reads
+    /// @throws ConfigException of type SourceNotFound when the file cannot be made and written
+    ///         whole, has the name of a scratch file or is a link to one, or when what was written
+    ///         is not well-formed or beyond what readXSD() reads
     /// @throws xml_schema::serialization when the schema holds what XML cannot: control
     ///         characters, bytes that are not UTF-8
     ///

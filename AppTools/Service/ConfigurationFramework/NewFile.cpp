@@ -1,0 +1,63 @@
+#include <ConfigurationFramework/NewFile.h>
+
+#include <ConfigurationFramework/RegularFile.h>
+
+#include <cerrno>
+
+namespace Orvant {
+
+namespace {
+
+/// Opens a file for writing only if it makes it, which follows no link, and keeps it from programs
+/// that the application starts.
+std::FILE* makeFile(const std::filesystem::path& path) {
+#ifdef _WIN32
+    return _wfopen(path.c_str(), L"wbxN");
+#else
+    return std::fopen(path.c_str(), "wbxe");
+#endif
+}
+
+} // namespace
+
+NewFile::NewFile(const FileName& file) : m_path(toPath(file)), m_stream(makeFile(m_path)) {
+    if (!m_stream)
+        keepError();
+}
+
+NewFile::~NewFile() {
+    if (!m_stream)
+        return;
+    m_stream.reset();
+    remove();
+}
+
+bool NewFile::write(std::string_view bytes) {
+    if (m_stream && !m_error &&
+        std::fwrite(bytes.data(), 1, bytes.size(), m_stream.get()) != bytes.size())
+        keepError();
+    return m_stream && !m_error;
+}
+
+bool NewFile::finish() {
+    if (!m_stream)
+        return false;
+    // What the stream still holds is written now.
+    if (std::fclose(m_stream.release()) != 0)
+        keepError();
+    if (m_error)
+        remove();
+    return !m_error;
+}
+
+void NewFile::keepError() {
+    if (!m_error)
+        m_error.assign(errno, std::generic_category());
+}
+
+void NewFile::remove() {
+    std::error_code error;
+    std::filesystem::remove(m_path, error);
+}
+
+} // namespace Orvant
