@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <future>
 #include <list>
@@ -279,6 +280,84 @@ TEST_F(RegisteredFeaturesTest, OutliveAResetOfTheManagerAndAreRegisteredAgain) {
     EXPECT_EQ(features, Features::getRegisteredInstance());
     EXPECT_EQ(features, manager.getConfigurationObject(Features::s_tag));
     expectOnly(&switches[9], *features);
+}
+
+TEST_F(RegisteredFeaturesTest, ForgetAtAResetWhatTheNextFilesDoNotMention) {
+    manager.setConfigurationFile(fileWith("first.xml", switches[8]));
+    expectOnly(&switches[8], registered());
+    manager.reset();
+    manager.setConfigurationFile(directory.file("second.xml", document("<Other/>")));
+    expectOnly(nullptr, registered());
+}
+
+TEST_F(RegisteredFeaturesTest, AreRegisteredAgainAfterAResetThoughACopyOfTheManagerSharesThem) {
+    manager.setConfigurationFile(fileWith("first.xml", switches[8]));
+    expectOnly(&switches[8], registered());
+    ConfigurationManager copy = manager;
+    manager.reset();
+    manager.setConfigurationFile(fileWith("second.xml", switches[9]));
+    expectOnly(&switches[9], registered());
+    EXPECT_EQ(&registered(), manager.getConfigurationObject(Features::s_tag));
+    copy.reset();
+    valueOf(registered(), switches[4].key).setValue(true);
+    EXPECT_TRUE(registered().getPlannerUnitPriceDisable());
+}
+
+TEST_F(RegisteredFeaturesTest, AreRegisteredAgainAfterAnAssignmentToTheManager) {
+    const ConfigurationManager empty = manager;
+    manager.setConfigurationFile(fileWith("first.xml", switches[8]));
+    expectOnly(&switches[8], registered());
+    manager = empty;
+    manager.setConfigurationFile(fileWith("second.xml", switches[9]));
+    expectOnly(&switches[9], registered());
+    EXPECT_EQ(&registered(), manager.getConfigurationObject(Features::s_tag));
+}
+
+/// Registers another object under the name of the switches.
+class TakenNameTest : public RegisteredFeaturesTest {
+protected:
+    TakenNameTest() { takeName(); }
+
+    void takeName() {
+        manager.addConfigurationObject(std::make_shared<Features>(), Features::s_tag);
+    }
+};
+
+TEST_F(TakenNameTest, LeavesThemLoadedOnce) {
+    manager.setConfigurationFile(fileWith("settings.xml", switches[2]));
+    expectOnly(&switches[2], registered());
+    manager.setConfigurationFile(fileWith("other.xml", switches[3]));
+    expectOnly(&switches[2], registered());
+}
+
+TEST_F(TakenNameTest, LeavesThemLoadedAgainAfterAReset) {
+    manager.setConfigurationFile(fileWith("settings.xml", switches[2]));
+    expectOnly(&switches[2], registered());
+    manager.reset();
+    takeName();
+    manager.setConfigurationFile(fileWith("other.xml", switches[3]));
+    expectOnly(&switches[3], registered());
+    manager.reset();
+    manager.setConfigurationFile(fileWith("third.xml", switches[4]));
+    expectOnly(&switches[4], registered());
+    EXPECT_EQ(&registered(), manager.getConfigurationObject(Features::s_tag));
+}
+
+TEST_F(TakenNameTest, LeavesALockedSwitchAsItIsForAllThreads) {
+    manager.setConfigurationFile(directory.file(
+        "settings.xml", document(elementWith(switches[3].tag, " editable='false'"))));
+    const Features& features = registered();
+    std::atomic<bool> done = false;
+    auto alwaysOff = std::async(std::launch::async, [&] {
+        bool off = true;
+        while (!done)
+            off = features.getPlannerFixturesDisable() && off;
+        return off;
+    });
+    for (int call = 0; call < 1000; ++call)
+        registered();
+    done = true;
+    EXPECT_TRUE(alwaysOff.get());
 }
 
 TEST_F(RegisteredFeaturesTest, CannotBeTurnedBackOnByTheUserWhereTheSystemLocksThem) {

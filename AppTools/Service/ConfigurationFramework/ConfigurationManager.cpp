@@ -191,6 +191,7 @@ void ConfigurationManager::reset() {
     m_systemFile = FileName();
     m_userFile = FileName();
     ++m_revision;
+    ++m_resets;
 }
 
 void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {

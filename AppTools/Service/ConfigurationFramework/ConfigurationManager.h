@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/Export.h>
 #include <FileHandling/FileName.h>
 
+#include <atomic>
 #include <cstdint>
 #include <list>
 #include <map>
@@ -131,7 +132,10 @@ public:
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
 
-    /// Counts changes, of which being assigned to is one.
+    /// Asks for the resets.
+    friend class DisableFeaturesConfiguration;
+
+    /// Counts changes, of which being assigned to is one. May be asked from every thread.
     class Revision {
     public:
         Revision() = default;
@@ -144,7 +148,7 @@ private:
         unsigned int number() const { return m_number; }
 
     private:
-        unsigned int m_number = 0;
+        std::atomic<unsigned int> m_number = 0;
     };
 
     ConfigurationManager();
@@ -168,6 +172,7 @@ private:
     std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
     std::list<std::string> m_validVersions;
     mutable Revision m_revision; ///< of files, what they hold, and versions
+    Revision m_resets;           ///< of what is registered
 };
 
 } // namespace Orvant

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace Orvant {
 
@@ -39,16 +40,18 @@ DisableFeaturesConfiguration::~DisableFeaturesConfiguration() = default;
 
 DisableFeaturesConfiguration* DisableFeaturesConfiguration::getRegisteredInstance() {
     static std::mutex s_mutex;
-    static std::shared_ptr<DisableFeaturesConfiguration> s_instance;
+    static const auto s_instance = std::make_shared<DisableFeaturesConfiguration>();
+    static std::optional<unsigned int> s_registeredAt; ///< number of resets at registration
 
     const std::lock_guard lock(s_mutex);
-    if (s_instance == nullptr)
-        s_instance = std::make_shared<DisableFeaturesConfiguration>();
-    // The manager shares it until its reset. It is not asked: another thread may be using it.
-    if (s_instance.use_count() == 1) {
+    auto& manager = ConfigurationManager::getInstance();
+    // Nothing else is asked of the manager, which another thread may be using. Whether it took the
+    // instance does not count either: loading it again would change switches that threads read.
+    const unsigned int resets = manager.m_resets.number();
+    if (s_registeredAt != resets) {
         s_instance->forgetFiles();
-        ConfigurationManager::getInstance().addConfigurationObject(s_instance,
-                                                                   s_instance->getName());
+        manager.addConfigurationObject(s_instance, s_instance->getName());
+        s_registeredAt = resets;
     }
     return s_instance.get();
 }

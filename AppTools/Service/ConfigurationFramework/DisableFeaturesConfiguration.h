@@ -40,7 +40,8 @@ public:
 
     /// The instance that is registered with the configuration manager. It is made and registered,
     /// and with that loaded, by the first call, and registered again by the first call after
-    /// ConfigurationManager::reset(), as if it were new. May be called from several threads.
+    /// ConfigurationManager::reset(), as if it were new. Where another object has taken its name,
+    /// it is only loaded, as often. May be called from several threads.
     /// @return always the same pointer, valid for the life of the process
     static DisableFeaturesConfiguration* getRegisteredInstance();
 
