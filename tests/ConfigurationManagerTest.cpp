@@ -594,6 +594,32 @@ TEST_F(ConfigurationManagerResets, MayMeetAnObjectThatRebuildsItsChildren) {
     EXPECT_EQ(3U, object->getConfigurationObjectsSize());
 }
 
+/// Cannot be made anew or cloned.
+class Unmakeable : public TestObject {
+public:
+    Unmakeable() : TestObject("Unmakeable") { add("a", 1); }
+    ConfigurationObject* createConfigurationObject() const override { return nullptr; }
+};
+
+TEST_F(ConfigurationManagerResets, CopyAnObjectOnlyWhereTheyPutItsLocksBack) {
+    const auto object = add(std::make_shared<Unmakeable>());
+    const auto valueAfterReset = [&](bool fromUserFile) {
+        object->value<int>("a").setValue(9);
+        m_manager.resetConfigurationObject("Unmakeable", fromUserFile);
+        return get(*object, "a");
+    };
+    for (const bool fromUserFile : {true, false})
+        EXPECT_EQ(1, valueAfterReset(fromUserFile));
+    writeFile(m_file, document("<Unmakeable><a>4</a></Unmakeable>"));
+    useOneFile();
+    for (const bool fromUserFile : {true, false})
+        EXPECT_EQ(4, valueAfterReset(fromUserFile));
+    writeFiles("<Unmakeable><a>5</a></Unmakeable>", "<Unmakeable><a>6</a></Unmakeable>");
+    EXPECT_EQ(5, valueAfterReset(false));
+    EXPECT_THROW(valueAfterReset(true), std::logic_error);
+    EXPECT_EQ(9, get(*object, "a"));
+}
+
 class ConfigurationManagerBatch : public ConfigurationManagerResets {};
 
 TEST_F(ConfigurationManagerBatch, HasTheEffectOfRegisteringOneAfterTheOther) {

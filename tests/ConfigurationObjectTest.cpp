@@ -1302,6 +1302,33 @@ TEST(ConfigurationObject, CanReplaceItsChild) {
     EXPECT_EQ(expected, save(child));
 }
 
+TEST(ConfigurationObject, NamesItselfWhereItsFactoryMakesNothing) {
+    class Unmakeable : public TestObject {
+    public:
+        Unmakeable() : TestObject("Unmakeable") {}
+        ConfigurationObject* createConfigurationObject() const override { return nullptr; }
+    };
+    SimpleConfigReader reader = readerOf("<Unmakeable/>");
+    ConfigWriter writer("1.0");
+    const std::vector<std::function<void(const ConfigurationObject&)>> uses = {
+        [](const auto& object) { std::unique_ptr<ConfigurationObject>(object.clone()); },
+        [&](const auto& object) { object.canBeSavedToUserConfig(reader); },
+        [&](const auto& object) { object.saveContent(writer, reader, true); },
+        [&](const auto& object) { object.saveContent(writer, reader, false); },
+    };
+    TestObject parent;
+    parent.addChild(new Unmakeable);
+    for (const auto& use : uses) {
+        try {
+            use(Unmakeable());
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const std::logic_error& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr("Unmakeable"));
+        }
+    }
+    EXPECT_THROW(uses[0](parent), std::logic_error);
+}
+
 TEST(ConfigurationObject, RefusesNullItems) {
     TestObject object;
     EXPECT_THROW(object.addChild(nullptr), std::invalid_argument);

@@ -199,12 +199,15 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     if (found == m_objects.end() || found->first != name)
         return;
     const ConfigurationRegistration& registration = found->second;
-    const std::unique_ptr<ConfigurationObject> former(registration.object->clone());
+    const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
+    // The user's file alone neither locks nor unlocks.
+    const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
+    const std::unique_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
+                                                                 : nullptr);
     registration.object->setDefaultValues();
 
     if (m_fileMode == NoFiles)
         return;
-    const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
     const FileName& file = m_fileMode == SingleFile ? m_configurationFile
                            : fromSystemFile         ? m_systemFile
                                                     : m_userFile;
@@ -216,8 +219,7 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     if (added != ConfigurationAccessResult::Success)
         return;
     const auto loaded = load(reader, registration);
-    // The user's file alone neither locks nor unlocks.
-    if (m_fileMode == SystemAndUserFile && fromUserFile)
+    if (keepsLocks)
         registration.object->restoreLocks(*former);
     // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
     // tell of the defaults.

@@ -114,6 +114,8 @@ public:
     /// @param name         name that it is registered under; of several, the first is reset
     /// @param fromUserFile with two files: true loads the user's alone (what only the system file
     ///                     sets is then at its default), false the system's alone
+    /// @throws std::logic_error from the user's file, before anything is reset, when the object
+    ///         cannot be cloned because its factory returns null
     void resetConfigurationObject(const std::string& name, bool fromUserFile);
 
     /// Writes the objects to the file, or to the user file. What a file of a version that loading

@@ -112,9 +112,18 @@ void appendLine(std::string& text, const std::string& line) {
     text += line;
 }
 
+/// @throws std::logic_error for an object whose factory makes none
+std::unique_ptr<ConfigurationObject> makeFresh(const ConfigurationObject& object) {
+    std::unique_ptr<ConfigurationObject> fresh(object.createConfigurationObject());
+    if (fresh == nullptr)
+        throw std::logic_error("createConfigurationObject() of the configuration object \"" +
+                               object.getName() + "\" returned null");
+    return fresh;
+}
+
 std::unique_ptr<ConfigurationObject> loadReference(const ConfigurationObject& object,
                                                    ConfigReader& reader) {
-    std::unique_ptr<ConfigurationObject> reference(object.createConfigurationObject());
+    auto reference = makeFresh(object);
     reader.getClassContents(object.getName(), *reference);
     return reference;
 }
@@ -204,7 +213,7 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
 }
 
 ConfigurationObject* ConfigurationObject::clone() const {
-    std::unique_ptr<ConfigurationObject> copy(createConfigurationObject());
+    auto copy = makeFresh(*this);
     copyItems(m_values, copy->m_values);
     copyItems(m_objects, copy->m_objects);
     copy->setEditable(isEditable());

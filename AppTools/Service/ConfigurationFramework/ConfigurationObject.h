@@ -52,18 +52,21 @@ public:
     /// writesContent() denies it.
     void saveContent(ConfigWriter& writer) const override;
     /// @return a new instance of the concrete class with its defaults, never null; the caller owns
-    ///         it
+    ///         it. Where the library needs one, it throws a std::logic_error for null.
     virtual ConfigurationObject* createConfigurationObject() const = 0;
     /// @return a deep copy of the concrete class with values, locks and warnings; the caller owns
     ///         it
+    /// @throws std::logic_error when createConfigurationObject() returns null
     virtual ConfigurationObject* clone() const;
     /// Writes the object as compared with what a reader holds for it.
     /// @param writer        written to below its current element
     /// @param reader        holds the reference, normally the system configuration
     /// @param onlyDifferent true: only what differs from the reference; false: everything
+    /// @throws std::logic_error when createConfigurationObject() returns null
     virtual void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const;
     /// @return true when the object has something for the user's file: as compared with what the
     ///         reader holds, atLeastOneSavedValueIsDifferent()
+    /// @throws std::logic_error when createConfigurationObject() returns null
     virtual bool canBeSavedToUserConfig(ConfigReader& reader) const;
     /// Resets every value that may be edited, in children too. What is locked keeps its value (in a
     /// locked object, everything does): a reset is no way around a lock.
