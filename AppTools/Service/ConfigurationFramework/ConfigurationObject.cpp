@@ -70,32 +70,33 @@ void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
         delete items.back();
 }
 
-/// Finds for an object's items those of the same name in another object (null: none). Objects of
+/// Finds for an object's values those of the same name in another object (null: none). Objects of
 /// one class have them at the same positions.
-template <typename Item>
 class Counterparts {
 public:
-    Counterparts(const std::vector<Item*>& items, const std::vector<Item*>* others)
-        : m_items(items), m_others(others) {}
+    using Values = std::vector<ConfigurationValueBase*>;
 
-    /// @return first item of that name; null when there is none
-    Item* of(std::size_t position) {
+    Counterparts(const Values& values, const Values* others) : m_values(values), m_others(others) {}
+
+    /// @return first value of that name; null when there is none
+    const ConfigurationValueBase* of(std::size_t position) {
         if (m_others == nullptr)
             return nullptr;
-        const std::string& name = m_items[position]->getName();
+        const std::string& name = m_values[position]->getName();
         if (position < m_others->size() && (*m_others)[position]->getName() == name)
             return (*m_others)[position];
         if (m_byName.empty())
-            for (Item* other : *m_others)
+            for (const ConfigurationValueBase* other : *m_others)
                 m_byName.try_emplace(other->getName(), other);
         const auto found = m_byName.find(name);
         return found == m_byName.end() ? nullptr : found->second;
     }
 
 private:
-    const std::vector<Item*>& m_items;
-    const std::vector<Item*>* m_others;
-    std::unordered_map<std::string_view, Item*> m_byName; ///< made when positions differ
+    const Values& m_values;
+    const Values* m_others;
+    /// Made when positions differ.
+    std::unordered_map<std::string_view, const ConfigurationValueBase*> m_byName;
 };
 
 /// Takes the value of another, or that it has none.
@@ -255,9 +256,8 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
     if (other == nullptr)
         return;
     takeFromSystem(*other, !other->isEditable());
-    Counterparts counterparts(m_objects, &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        m_objects[i]->overwriteInvalidConfigValues(counterparts.of(i));
+        m_objects[i]->overwriteInvalidConfigValues(counterpartOf(i, other));
 }
 
 /// Takes the locks of another object and its values, and those values for which
@@ -283,9 +283,8 @@ void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool
     takeLocks(system, [&](const auto& value, const auto& systemValue) {
         return all || !systemValue.isEditable() || !value.hasValue();
     });
-    Counterparts counterparts(m_objects, &system.m_objects);
     for (std::size_t i = 0; all && i < m_objects.size(); ++i)
-        if (const auto* systemChild = counterparts.of(i))
+        if (const auto* systemChild = counterpartOf(i, &system))
             m_objects[i]->takeFromSystem(*systemChild, true);
 }
 
@@ -298,9 +297,8 @@ void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool p
     takeLocks(former, [&](const auto&, const auto& formerValue) {
         return locked || !formerValue.isEditable();
     });
-    Counterparts counterparts(m_objects, &former.m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (const auto* formerChild = counterparts.of(i))
+        if (const auto* formerChild = counterpartOf(i, &former))
             m_objects[i]->restoreLocks(*formerChild, locked);
 }
 
@@ -322,6 +320,21 @@ void ConfigurationObject::addUserWarningMessage(const std::string& message) {
 
 bool ConfigurationObject::writesContent() const {
     return isWrittenByCurrentProduct();
+}
+
+const ConfigurationObject*
+ConfigurationObject::getCounterpart(const ConfigurationObject& child, std::size_t position,
+                                    const ConfigurationObject& other) const {
+    if (position < other.m_objects.size() &&
+        other.m_objects[position]->getName() == child.getName())
+        return other.m_objects[position];
+    return other.getConfigurationObject(child.getName());
+}
+
+/// The counterpart in another object (null: none) of the child at a position.
+const ConfigurationObject*
+ConfigurationObject::counterpartOf(std::size_t position, const ConfigurationObject* other) const {
+    return other == nullptr ? nullptr : getCounterpart(*m_objects[position], position, *other);
 }
 
 ConfigurationValueBase* ConfigurationObject::getConfigurationValue(const std::string& name) const {
@@ -386,9 +399,8 @@ bool ConfigurationObject::hasDifferenceToWrite(const ConfigurationObject* other)
     if (std::ranges::any_of(different,
                             [](const auto* value) { return value->isWrittenByCurrentProduct(); }))
         return true;
-    Counterparts counterparts(m_objects, other == nullptr ? nullptr : &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (m_objects[i]->hasDifferenceToWrite(counterparts.of(i)))
+        if (m_objects[i]->hasDifferenceToWrite(counterpartOf(i, other)))
             return true;
     return false;
 }
@@ -399,10 +411,9 @@ void ConfigurationObject::saveDifferentConfigurationValues(ConfigWriter& writer,
         return;
     for (const ConfigurationValueBase* value : getDifferentConfigurationValues(other))
         value->saveContent(writer);
-    Counterparts counterparts(m_objects, other == nullptr ? nullptr : &other->m_objects);
     for (std::size_t i = 0; i < m_objects.size(); ++i) {
         const ConfigurationObject& child = *m_objects[i];
-        const auto* counterpart = counterparts.of(i);
+        const auto* counterpart = counterpartOf(i, other);
         const auto writeChild = [&] {
             child.saveDifferentConfigurationValues(writer, counterpart);
         };

@@ -78,8 +78,8 @@ public:
     /// What the system locks gets the system's value; so does a value that the user's document does
     /// not hold or holds unreadably. Locks become exactly those of the system: a user's document
     /// neither locks nor unlocks. Children are repaired likewise, named and nameless. Values and
-    /// children that `other` does not have are left alone. Items are paired by name: a class whose
-    /// children have one name and are told apart by keys overrides this and pairs them by key.
+    /// children that `other` does not have are left alone. Values are paired by name, children as
+    /// getCounterpart() tells.
     /// @param other the object as the system's document left it; null does nothing
     virtual void overwriteInvalidConfigValues(const ConfigurationObject* other);
     /// Gives the object the locks of an earlier state of it and, where these lock, its values: for
@@ -97,6 +97,18 @@ public:
     ///         its name stands in the file. Override it with saveContent() in a class that never
     ///         writes.
     virtual bool writesContent() const;
+    /// Which child of another object of the class stands for a child of this one: what the locks
+    /// and values of the system's document are taken from, those of a former state are put back
+    /// from, and a difference save compares with. Here it is the one at the same position if that
+    /// has the same name, else the first of that name. A class whose children have one name and are
+    /// told apart by keys overrides this and pairs them by key.
+    /// @param child    a child of this object
+    /// @param position of the child among those of this object
+    /// @param other    the object to look in
+    /// @return a child of `other`; null when it has none for the child
+    virtual const ConfigurationObject* getCounterpart(const ConfigurationObject& child,
+                                                      std::size_t position,
+                                                      const ConfigurationObject& other) const;
 
     /// @return first value of that name, not looking into children; null when there is none
     ConfigurationValueBase* getConfigurationValue(const std::string& name) const;
@@ -159,6 +171,8 @@ private:
 
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
     bool hasDifferenceToWrite(const ConfigurationObject* other) const;
+    const ConfigurationObject* counterpartOf(std::size_t position,
+                                             const ConfigurationObject* other) const;
     template <typename Predicate>
     void takeLocks(const ConfigurationObject& other, Predicate takesValue);
     void takeFromSystem(const ConfigurationObject& system, bool all);
