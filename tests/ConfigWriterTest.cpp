@@ -555,6 +555,43 @@ TEST(ConfigWriter, PutsWhatACallbackWritesAndComesBack) {
     EXPECT_EQ(document("<!--comment--><a><b><c>1</c></b><d>2</d></a><e/><f>3</f>"), textOf(writer));
 }
 
+TEST(ConfigWriter, PutsAnElementOnlyWhereACallbackWritesSomething) {
+    LoadedWriter writer("<!--old--><a>old</a><!--kept--><b/><c/>");
+    writer.putElementUnlessEmpty("a", "new", [&] {
+        writer.putElementUnlessEmpty("d", "never seen", [&] {
+            writer.putInt("e", 1, "");
+            writer.deleteNodes("e", "");
+        });
+        writer.putElementUnlessEmpty("f", "", [&] { writer.putString("text"); });
+    });
+    writer.putElementUnlessEmpty("b", "never seen", [] {});
+    writer.putInt("g", 2, "");
+    EXPECT_EQ(document("<!--kept--><b/><c/><!--new--><a><f>text</f></a><g>2</g>"), textOf(writer));
+}
+
+TEST(ConfigWriter, PutsNoElementWhereACallbackThrows) {
+    LoadedWriter writer("<a>old</a>");
+    EXPECT_THROW(writer.putElementUnlessEmpty("a", "comment",
+                                              [&] {
+                                                  writer.createNodeAndMakeCurrent("b", "");
+                                                  throw std::runtime_error("no");
+                                              }),
+                 std::runtime_error);
+    writer.putInt("c", 3, "");
+    EXPECT_EQ(document("<a>old</a><c>3</c>"), textOf(writer));
+}
+
+TEST(ConfigWriter, FindsAnElementThatACallbackFilledAmongMany) {
+    ConfigWriter writer("1.0");
+    for (int i = 0; i < 100; ++i)
+        writer.putElementUnlessEmpty("e" + std::to_string(i), "",
+                                     [&] { writer.putInt("n", i, ""); });
+    writer.putElementUnlessEmpty("e50", "", [&] { writer.putInt("n", -1, ""); });
+    EXPECT_EQ(Success, writer.setCurrentNode("e50"));
+    writer.putInt("m", 1, "");
+    EXPECT_THAT(textOf(writer), HasSubstr("<e99><n>99</n></e99><e50><n>-1</n><m>1</m></e50></C"));
+}
+
 // Characters that XML cannot hold
 
 struct Impossible {
@@ -721,6 +758,10 @@ const Naming namings[] = {
     puttingValue("PutDouble", 1.0),
     puttingValue("PutBool", true),
     puttingValue<Strings>("PutStringVector", {"x"}),
+    {"PutElementUnlessEmpty",
+     [](auto& writer, auto& name) {
+         writer.putElementUnlessEmpty(name, "comment", [&] { writer.putInt("x", 1, ""); });
+     }},
     {"PutClassContents",
      [](auto& writer, auto& name) { writer.putClassContents(name, Support::TestObject(), ""); }},
     {"PutKeyedClassContents",

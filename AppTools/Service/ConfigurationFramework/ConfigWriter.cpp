@@ -184,6 +184,18 @@ void ConfigWriter::putElement(const std::string& name, const std::string& commen
     writeContents();
 }
 
+void ConfigWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                                         const std::function<void()>& writeContents) {
+    xercesc::DOMElement& element = m_impl->createElement(name);
+    {
+        const ElementRestorer restorer(*m_impl);
+        m_impl->setCurrentElement(&element);
+        writeContents();
+    }
+    if (element.hasChildNodes())
+        m_impl->appendElement(element, comment);
+}
+
 void ConfigWriter::putClassContents(const ConfigurationObject& object) {
     object.saveContent(*this);
 }

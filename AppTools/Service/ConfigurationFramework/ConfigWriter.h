@@ -116,6 +116,13 @@ public:
     /// createNode(), then calls back with the new element as current one.
     void putElement(const std::string& name, const std::string& comment,
                     const std::function<void()>& writeContents);
+    /// As putElement(), but an element that stays empty is not written, and then replaces nothing.
+    /// @param name          tag of the element; an invalid one raises before the call back
+    /// @param comment       for the element
+    /// @param writeContents writes below the new element, the current one until it returns or
+    ///                      throws; when it throws, nothing is written
+    void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                               const std::function<void()>& writeContents);
 
     /// Writes an object's contents directly below the current element.
     void putClassContents(const ConfigurationObject& object);

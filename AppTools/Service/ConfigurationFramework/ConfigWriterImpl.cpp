@@ -141,7 +141,6 @@ void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::strin
     appendElement(name, key, comment);
 }
 
-/// @throws xercesc::DOMException for an invalid name
 DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
     const DocumentText tag = toDocumentText(name);
     if (tag.changed)
@@ -149,11 +148,22 @@ DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
     return *m_document->createElement(tag.text.c_str());
 }
 
-/// Appends an element in place of the children of its name or, if it has a key, of name and key.
 DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const Key& key,
                                             const std::string& comment) {
     // Made before anything is deleted: an invalid name is refused here.
     DOMElement& element = createElement(name);
+    replaceBy(element, name, key, comment);
+    return element;
+}
+
+void ConfigWriterImpl::appendElement(DOMElement& element, const std::string& comment) {
+    replaceBy(element, XercesHelperFunctions::xmlChToString(element.getTagName()), std::nullopt,
+              comment);
+}
+
+/// Appends an element in place of the children of its name or, if it has a key, of name and key.
+void ConfigWriterImpl::replaceBy(DOMElement& element, const std::string& name, const Key& key,
+                                 const std::string& comment) {
     const XmlChString keyText = key ? checked(toDocumentText(*key), name) : XmlChString();
     if (key)
         element.setAttribute(keyAttribute, keyText.c_str());
@@ -164,7 +174,6 @@ DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const Key& 
     m_current->appendChild(&element);
     if (ElementIndex* const index = currentIndex())
         index->add(element, keyText);
-    return element;
 }
 
 ConfigurationAccessResult ConfigWriterImpl::setCurrentNode(const std::string& name) {

@@ -24,6 +24,12 @@ public:
     explicit ConfigWriterImpl(const std::string& version);
     ConfigWriterImpl(const FileName& file, const std::string& content);
 
+    /// Makes an element that stands nowhere yet.
+    /// @throws xercesc::DOMException for an invalid name
+    xercesc::DOMElement& createElement(const std::string& name);
+    /// Appends such an element as createNode() does.
+    void appendElement(xercesc::DOMElement& element, const std::string& comment);
+
     void createNode(const std::string& name, const std::string& comment);
     void createKeyedNode(const std::string& name, const std::string& key,
                          const std::string& comment);
@@ -52,9 +58,10 @@ private:
     using Key = std::optional<std::string>;
 
     void load(const FileName& file, const std::string& content);
-    xercesc::DOMElement& createElement(const std::string& name);
     xercesc::DOMElement& appendElement(const std::string& name, const Key& key,
                                        const std::string& comment);
+    void replaceBy(xercesc::DOMElement& element, const std::string& name, const Key& key,
+                   const std::string& comment);
     void deleteChildren(const std::string& name, const Key& key);
     void deleteElement(xercesc::DOMElement& element);
     xercesc::DOMElement* findChild(const XmlChString& name, const XmlChString* key);

@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueAssignment.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
+#include <ConfigurationFramework/ReaderBelow.h>
 
 #include <algorithm>
 #include <memory>
@@ -122,8 +123,12 @@ std::unique_ptr<ConfigurationObject> makeFresh(const ConfigurationObject& object
     return fresh;
 }
 
-std::unique_ptr<ConfigurationObject> loadReference(const ConfigurationObject& object,
-                                                   ConfigReader& reader) {
+/// What a reader holds of an object; null: nothing is known of it.
+std::shared_ptr<const ConfigurationObject> referenceOf(const ConfigurationObject& object,
+                                                       ConfigReader& reader) {
+    // A child's was loaded with its parent's, which keeps it.
+    if (const ReaderBelow* const below = ReaderBelow::madeFor(object, reader))
+        return {std::shared_ptr<void>(), below->reference()};
     auto reference = makeFresh(object);
     reader.getClassContents(object.getName(), *reference);
     return reference;
@@ -224,15 +229,22 @@ ConfigurationObject* ConfigurationObject::clone() const {
 
 void ConfigurationObject::saveContent(ConfigWriter& writer, ConfigReader& reader,
                                       bool onlyDifferent) const {
-    const auto reference = loadReference(*this, reader);
-    if (onlyDifferent)
-        saveDifferentConfigurationValues(writer, reference.get());
-    else
+    const auto reference = referenceOf(*this, reader);
+    if (!onlyDifferent) {
         saveContent(writer);
+        return;
+    }
+    const ReaderBelow* const ownReader = ReaderBelow::madeFor(*this, reader);
+    const bool isInline = ownReader != nullptr && getName().empty();
+    saveDifferences(writer, reference.get(), [&](const auto& child, const auto* counterpart) {
+        ReaderBelow below = isInline ? ReaderBelow(*ownReader, child, counterpart)
+                                     : ReaderBelow(reader, getName(), child, counterpart);
+        child.saveContent(writer, below, true);
+    });
 }
 
 bool ConfigurationObject::canBeSavedToUserConfig(ConfigReader& reader) const {
-    return atLeastOneSavedValueIsDifferent(loadReference(*this, reader).get());
+    return atLeastOneSavedValueIsDifferent(referenceOf(*this, reader).get());
 }
 
 void ConfigurationObject::setDefaultValues() {
@@ -392,35 +404,28 @@ ConfigurationObject::getDifferentConfigurationValues(const ConfigurationObject* 
     return different;
 }
 
-bool ConfigurationObject::hasDifferenceToWrite(const ConfigurationObject* other) const {
-    if (!writesContent())
-        return false;
-    const auto different = getDifferentConfigurationValues(other);
-    if (std::ranges::any_of(different,
-                            [](const auto* value) { return value->isWrittenByCurrentProduct(); }))
-        return true;
-    for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (m_objects[i]->hasDifferenceToWrite(counterpartOf(i, other)))
-            return true;
-    return false;
-}
-
 void ConfigurationObject::saveDifferentConfigurationValues(ConfigWriter& writer,
                                                            const ConfigurationObject* other) const {
+    saveDifferences(writer, other, [&](const auto& child, const auto* counterpart) {
+        child.saveDifferentConfigurationValues(writer, counterpart);
+    });
+}
+
+/// Writes the own values that differ and calls saveChild(child, its counterpart) for each child.
+template <typename SaveChild>
+void ConfigurationObject::saveDifferences(ConfigWriter& writer, const ConfigurationObject* other,
+                                          SaveChild saveChild) const {
     if (!writesContent())
         return;
     for (const ConfigurationValueBase* value : getDifferentConfigurationValues(other))
         value->saveContent(writer);
     for (std::size_t i = 0; i < m_objects.size(); ++i) {
         const ConfigurationObject& child = *m_objects[i];
-        const auto* counterpart = counterpartOf(i, other);
-        const auto writeChild = [&] {
-            child.saveDifferentConfigurationValues(writer, counterpart);
-        };
+        const auto save = [&] { saveChild(child, counterpartOf(i, other)); };
         if (child.getName().empty())
-            writeChild();
-        else if (child.hasDifferenceToWrite(counterpart))
-            writer.putElement(child.getName(), child.getDescription(), writeChild);
+            save();
+        else if (child.writesContent())
+            writer.putElementUnlessEmpty(child.getName(), child.getDescription(), save);
     }
 }
 

@@ -58,7 +58,10 @@ public:
     ///         it
     /// @throws std::logic_error when createConfigurationObject() returns null
     virtual ConfigurationObject* clone() const;
-    /// Writes the object as compared with what a reader holds for it.
+    /// Writes the object as compared with what a reader holds for it. Where only differences are
+    /// written, this is called of the children, too, each with a reader for which the parent's
+    /// element is the current node; the element of a named child is written when anything is
+    /// written into it.
     /// @param writer        written to below its current element
     /// @param reader        holds the reference, normally the system configuration
     /// @param onlyDifferent true: only what differs from the reference; false: everything
@@ -150,7 +153,8 @@ public:
     getDifferentConfigurationValues(const ConfigurationObject* other) const;
     /// Writes what differs from `other`: values (LoadOnly ones too, as a full save does) and, for
     /// each named child with a difference somewhere below it, its element holding only what
-    /// differs. Nameless children are written inline.
+    /// differs. Nameless children are written inline. No override of a child's saveContent() is
+    /// asked: there is no reader for it.
     /// @param writer written to below its current element
     /// @param other  the reference; null: everything differs
     void saveDifferentConfigurationValues(ConfigWriter& writer,
@@ -170,7 +174,9 @@ private:
     class OwnedItems;
 
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
-    bool hasDifferenceToWrite(const ConfigurationObject* other) const;
+    template <typename SaveChild>
+    void saveDifferences(ConfigWriter& writer, const ConfigurationObject* other,
+                         SaveChild saveChild) const;
     const ConfigurationObject* counterpartOf(std::size_t position,
                                              const ConfigurationObject* other) const;
     template <typename Predicate>
