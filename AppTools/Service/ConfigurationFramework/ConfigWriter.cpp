@@ -196,6 +196,21 @@ void ConfigWriter::putElementUnlessEmpty(const std::string& name, const std::str
         m_impl->appendElement(element, comment);
 }
 
+std::set<std::string>
+ConfigWriter::getNamesHiddenByDescendants(const std::vector<std::string>& names) const {
+    return m_impl->namesHiddenByDescendants(names);
+}
+
+void ConfigWriter::putInFront(const std::string& name, const std::function<void()>& putMissing) {
+    if (m_impl->moveToFront(name) == ConfigurationAccessResult::Success)
+        return;
+    {
+        const ElementRestorer restorer(*m_impl);
+        putMissing();
+    }
+    m_impl->moveToFront(name);
+}
+
 void ConfigWriter::putClassContents(const ConfigurationObject& object) {
     object.saveContent(*this);
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -123,6 +124,17 @@ public:
     ///                      throws; when it throws, nothing is written
     void putElementUnlessEmpty(const std::string& name, const std::string& comment,
                                const std::function<void()>& writeContents);
+
+    /// Which names stand further down before they stand as a child. ConfigReader::getStringVector()
+    /// looks at every depth: a list of such a name would be read from the wrong element.
+    /// @param names tags to look for below the current element
+    /// @return those whose first element, in document order, is no child of the current element
+    std::set<std::string> getNamesHiddenByDescendants(const std::vector<std::string>& names) const;
+    /// Moves the first child of a name, with the comment right before it, in front of all other
+    /// children.
+    /// @param name       tag of the child
+    /// @param putMissing called, where there is no such child, to put it
+    void putInFront(const std::string& name, const std::function<void()>& putMissing);
 
     /// Writes an object's contents directly below the current element.
     void putClassContents(const ConfigurationObject& object);

@@ -252,12 +252,52 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
         index.add(*element, element->getAttribute(keyAttribute));
 }
 
-/// Deletes a child of the current element, with the comment right before it.
-void ConfigWriterImpl::deleteElement(DOMElement& element) {
+/// The comment right before an element, which belongs to it; null when there is none.
+DOMNode* ConfigWriterImpl::commentOf(const DOMElement& element) {
     DOMNode* const previous = element.getPreviousSibling();
-    if (previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE)
-        m_current->removeChild(previous);
+    return previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE ? previous
+                                                                                   : nullptr;
+}
+
+/// Deletes a child of the current element, with its comment.
+void ConfigWriterImpl::deleteElement(DOMElement& element) {
+    if (DOMNode* const comment = commentOf(element))
+        m_current->removeChild(comment);
     m_current->removeChild(&element);
+}
+
+std::set<std::string>
+ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names) const {
+    std::unordered_map<XmlChString, std::string> notSeen;
+    for (const std::string& name : names)
+        notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
+    std::set<std::string> hidden;
+    for (DOMNode* node = nextBelow(*m_current, m_current); node != nullptr && !notSeen.empty();
+         node = nextBelow(*m_current, node)) {
+        const DOMElement* const element = asElement(node);
+        const auto seen = element == nullptr ? notSeen.end() : notSeen.find(element->getTagName());
+        if (seen == notSeen.end())
+            continue;
+        if (element->getParentNode() != m_current)
+            hidden.insert(seen->second);
+        notSeen.erase(seen);
+    }
+    return hidden;
+}
+
+ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name) {
+    // The first of its namesakes stays it, so an index of the children stays right.
+    DOMElement* const element = findChild(XercesHelperFunctions::stringToXmlCh(name), nullptr);
+    if (element == nullptr)
+        return ConfigurationAccessResult::Failure;
+    DOMNode* const comment = commentOf(*element);
+    DOMNode* const first = m_current->getFirstChild();
+    if (first == element || first == comment)
+        return ConfigurationAccessResult::Success;
+    if (comment != nullptr)
+        m_current->insertBefore(comment, first);
+    m_current->insertBefore(element, first);
+    return ConfigurationAccessResult::Success;
 }
 
 void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) {

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -39,6 +40,11 @@ public:
     /// Deletes the child that createKeyedNode() would replace.
     void deleteKeyedNode(const std::string& name, const std::string& key);
 
+    std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) const;
+    /// Moves the first child of a name, with its comment, in front of all others.
+    /// @return Failure when there is none
+    ConfigurationAccessResult moveToFront(const std::string& name);
+
     void putText(const std::string& name, const std::string& text, const std::string& comment);
     void putString(const std::string& value);
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
@@ -63,6 +69,7 @@ private:
     void replaceBy(xercesc::DOMElement& element, const std::string& name, const Key& key,
                    const std::string& comment);
     void deleteChildren(const std::string& name, const Key& key);
+    static xercesc::DOMNode* commentOf(const xercesc::DOMElement& element);
     void deleteElement(xercesc::DOMElement& element);
     xercesc::DOMElement* findChild(const XmlChString& name, const XmlChString* key);
     ElementIndex* currentIndex();

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ranges>
 #include <stdexcept>
 #include <string_view>
 #include <unordered_map>
@@ -216,6 +217,7 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
         else if (child->writesContent())
             writer.putClassContents(child->getName(), *child, child->getDescription());
     }
+    keepListsReadable(writer);
 }
 
 ConfigurationObject* ConfigurationObject::clone() const {
@@ -427,6 +429,37 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
         else if (child.writesContent())
             writer.putElementUnlessEmpty(child.getName(), child.getDescription(), save);
     }
+    keepListsReadable(writer);
+}
+
+/// Adds the lists that stand in the element of the object: its own and those of nameless children.
+void ConfigurationObject::collectLists(std::vector<const ConfigurationValueBase*>& lists) const {
+    if (!writesContent())
+        return;
+    for (const ConfigurationValueBase* value : m_values)
+        if (value->getValueType() == ConfigurationValueBase::StringVectorValue &&
+            value->isWrittenByCurrentProduct())
+            lists.push_back(value);
+    for (const ConfigurationObject* child : m_objects)
+        if (child->getName().empty())
+            child->collectLists(lists);
+}
+
+/// A list is read from the first element of its name at any depth. Where a child's would be taken
+/// for it, because it is written behind that child or does not differ, it goes to the front.
+void ConfigurationObject::keepListsReadable(ConfigWriter& writer) const {
+    std::vector<const ConfigurationValueBase*> lists;
+    collectLists(lists);
+    if (lists.empty())
+        return;
+    std::vector<std::string> names;
+    names.reserve(lists.size());
+    for (const ConfigurationValueBase* list : lists)
+        names.push_back(list->getName());
+    auto hidden = writer.getNamesHiddenByDescendants(names);
+    for (const ConfigurationValueBase* list : lists | std::views::reverse)
+        if (hidden.erase(list->getName()) != 0)
+            writer.putInFront(list->getName(), [&] { list->saveContent(writer); });
 }
 
 void ConfigurationObject::addConfigurationValue(ConfigurationValueBase* value) {

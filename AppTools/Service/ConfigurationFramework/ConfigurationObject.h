@@ -49,7 +49,8 @@ public:
     /// object is not loadable or is locked.
     void loadContent(ConfigReader& reader) override;
     /// Writes all values and children below the current element of a writer, unless
-    /// writesContent() denies it.
+    /// writesContent() denies it. A list whose name stands in a child's element, too, is written in
+    /// front of all, for a list is looked for at every depth.
     void saveContent(ConfigWriter& writer) const override;
     /// @return a new instance of the concrete class with its defaults, never null; the caller owns
     ///         it. Where the library needs one, it throws a std::logic_error for null.
@@ -153,8 +154,9 @@ public:
     getDifferentConfigurationValues(const ConfigurationObject* other) const;
     /// Writes what differs from `other`: values (LoadOnly ones too, as a full save does) and, for
     /// each named child with a difference somewhere below it, its element holding only what
-    /// differs. Nameless children are written inline. No override of a child's saveContent() is
-    /// asked: there is no reader for it.
+    /// differs. Nameless children are written inline. A list whose name stands in the element of a
+    /// child with differences is written though it does not differ. No override of a child's
+    /// saveContent() is asked: there is no reader for it.
     /// @param writer written to below its current element
     /// @param other  the reference; null: everything differs
     void saveDifferentConfigurationValues(ConfigWriter& writer,
@@ -177,6 +179,8 @@ private:
     template <typename SaveChild>
     void saveDifferences(ConfigWriter& writer, const ConfigurationObject* other,
                          SaveChild saveChild) const;
+    void collectLists(std::vector<const ConfigurationValueBase*>& lists) const;
+    void keepListsReadable(ConfigWriter& writer) const;
     const ConfigurationObject* counterpartOf(std::size_t position,
                                              const ConfigurationObject* other) const;
     template <typename Predicate>
