@@ -452,6 +452,8 @@ const Put allPuts[] = {
                    "<item>b</item><item>a</item><item>b</item>"),
 
     putValueOf<std::string>("ValueString", "text", 1, "text"),
+    putValueOf("ValueLiteral", "text", 1, "text"),
+    putValueOf<const char*>("ValueNull", nullptr, 0, ""),
     putValueOf("ValueInt", -5, 1, "-5"),
     putValueOf("ValueUnsignedInt", 4294967294u, 1, "-2"),
     putValueOf("ValueBool", true, 1, "true"),
@@ -590,6 +592,19 @@ TEST(ConfigWriter, FindsAnElementThatACallbackFilledAmongMany) {
     EXPECT_EQ(Success, writer.setCurrentNode("e50"));
     writer.putInt("m", 1, "");
     EXPECT_THAT(textOf(writer), HasSubstr("<e99><n>99</n></e99><e50><n>-1</n><m>1</m></e50></C"));
+}
+
+TEST(ConfigWriter, PutsTextsHoweverTheyAreGiven) {
+    ConfigWriter writer("1.0");
+    char buffer[] = "buffer";
+    writer.putValue("a", "literal", 0, "");
+    writer.putValue("b", buffer, 0, "");
+    writer.putValue("c", nullptr, 0, "");
+    writer.putValue("d", std::string("string"), 0, "");
+    writer.putValue("e", 0, 0, "");
+    writer.putValue("f", false, 0, "");
+    EXPECT_EQ(document("<a>literal</a><b>buffer</b><c></c><d>string</d><e>0</e><f>false</f>"),
+              textOf(writer));
 }
 
 // Characters that XML cannot hold

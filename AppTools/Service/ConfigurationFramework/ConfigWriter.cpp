@@ -147,6 +147,11 @@ void ConfigWriter::putValue(const std::string& name, const std::string& value,
     putString(name, value, comment);
 }
 
+void ConfigWriter::putValue(const std::string& name, const char* value, const int& /*format*/,
+                            const std::string& comment) {
+    putString(name, value == nullptr ? "" : value, comment);
+}
+
 void ConfigWriter::putValue(const std::string& name, const int& value, const int& /*format*/,
                             const std::string& comment) {
     putInt(name, value, comment);

@@ -95,6 +95,13 @@ public:
     /// putString(); `format` is ignored.
     void putValue(const std::string& name, const std::string& value, const int& format,
                   const std::string& comment);
+    /// putString() of a literal, which would else be taken for a bool; `format` is ignored.
+    /// @param name    tag of the element
+    /// @param value   UTF-8; null is the empty text
+    /// @param format  ignored
+    /// @param comment for the element
+    void putValue(const std::string& name, const char* value, const int& format,
+                  const std::string& comment);
     /// putInt(); `format` is ignored.
     void putValue(const std::string& name, const int& value, const int& format,
                   const std::string& comment);
