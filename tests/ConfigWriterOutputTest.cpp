@@ -12,7 +12,10 @@
 #include <stdexcept>
 
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace Orvant {
 namespace {
@@ -401,6 +404,42 @@ TEST(ConfigWriterOutput, CannotGoIntoADirectoryItself) {
     EXPECT_TRUE(std::filesystem::is_directory(directory.path() / "sub"));
 }
 
+TEST(ConfigWriterOutput, LeavesWhateverItCannotBeWrittenTo) {
+    const TemporaryDirectory directory;
+    const auto path = [&](const std::string& name) { return directory.path() / name; };
+    std::filesystem::create_directory(path("directory"));
+    std::filesystem::create_symlink("directory", path("link to directory"));
+    std::filesystem::create_symlink("away/settings.xml", path("link to nowhere"));
+    std::filesystem::create_symlink("link to nowhere", path("link to link"));
+    std::filesystem::create_symlink("loop", path("loop"));
+    const int server = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path("socket").native().copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(0, bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+    close(server);
+
+    const auto before = namesIn(directory);
+    ConfigWriter writer("1.0");
+    for (const std::string& name : before) {
+        EXPECT_FALSE(writer.saveToFile(directory.file(name))) << name;
+        EXPECT_NE("", writer.getSaveProblem()) << name;
+    }
+    EXPECT_EQ(before, namesIn(directory));
+    EXPECT_TRUE(writer.saveToFile(directory.file("settings.xml")));
+    EXPECT_EQ("", writer.getSaveProblem());
+}
+
+TEST(ConfigWriterOutput, MakesTheFileThatALinkLeadsTo) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_directory(directory.path() / "sub");
+    std::filesystem::create_symlink("sub/second", directory.path() / "first");
+    std::filesystem::create_symlink("settings.xml", directory.path() / "sub" / "second");
+    EXPECT_TRUE(ConfigWriter("1.0").saveToFile(directory.file("first")));
+    EXPECT_TRUE(std::filesystem::is_regular_file(directory.path() / "sub" / "settings.xml"));
+    EXPECT_TRUE(std::filesystem::is_symlink(directory.path() / "first"));
+}
+
 TEST(ConfigWriterOutput, CannotGoIntoAFileWithoutAUsableName) {
     const TemporaryDirectory directory;
     const FileName file = directory.file("settings.xml", "old");
@@ -470,6 +509,13 @@ TEST_F(ConfigWriterInterrupted, KeepsAnEmptyFileEmpty) {
 TEST_F(ConfigWriterInterrupted, RemovesANewFile) {
     EXPECT_FALSE(save(m_directory.file("settings.xml")));
     EXPECT_THAT(namesIn(m_directory), testing::IsEmpty());
+}
+
+TEST_F(ConfigWriterInterrupted, RemovesANewFileAndNotTheLinkToIt) {
+    std::filesystem::create_symlink("settings.xml", m_directory.path() / "link");
+    EXPECT_FALSE(save(m_directory.file("link")));
+    EXPECT_EQ(std::make_error_code(std::errc::file_too_large).message(), m_writer.getSaveProblem());
+    EXPECT_THAT(namesIn(m_directory), testing::ElementsAre("link"));
 }
 
 /// @return elements within one another, the innermost with a text

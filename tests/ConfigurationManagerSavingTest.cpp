@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
+#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
@@ -7,7 +8,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
 #include <sys/stat.h>
+
+#include <xercesc/dom/DOMException.hpp>
 
 namespace Orvant {
 namespace {
@@ -292,6 +301,86 @@ TEST_P(ConfigurationManagerSaving, LeavesAFileAloneThatIsNoConfiguration) {
         EXPECT_FALSE(save()) << content.substr(0, 100);
         EXPECT_EQ(content, readFile(m_target));
     }
+}
+
+/// Throws something while it is saved.
+class ThrowingAnything : public TestObject {
+public:
+    ThrowingAnything(const std::string& name, std::function<void()> throwIt)
+        : TestObject(name), m_throwIt(std::move(throwIt)) {}
+
+    ConfigurationObject* createConfigurationObject() const override {
+        return new ThrowingAnything(getName(), m_throwIt);
+    }
+    bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
+    void saveContent(ConfigWriter&) const override { m_throwIt(); }
+    void saveContent(ConfigWriter&, ConfigReader&, bool) const override { m_throwIt(); }
+
+private:
+    std::function<void()> m_throwIt;
+};
+
+TEST_P(ConfigurationManagerSaving, LogsInOneLineWhatAnObjectThrew) {
+    using Thrown = std::pair<std::function<void()>, std::string>;
+    for (const auto& [throwIt, text] :
+         {Thrown{[] { throw std::runtime_error("no\nroom"); }, "no room"},
+          Thrown{[] { throw xercesc::DOMException(xercesc::DOMException::NOT_FOUND_ERR); }, ""},
+          Thrown{[] { throw ConfigException(ConfigException::InvalidVersion); },
+                 "ConfigException thrown at"},
+          Thrown{[] { throw 1; }, "an exception of unknown type"}}) {
+        m_manager.reset();
+        GetParam() == Way::OneFile ? useOneFile() : useTwoFiles();
+        add(makeChanged(5));
+        add(std::make_shared<ThrowingAnything>("Thrower", throwIt));
+        const Support::LogCapture log("ConfigurationManager");
+        EXPECT_FALSE(save());
+        EXPECT_EQ(1, std::ranges::count(log.text(), '\n')) << log.text();
+        EXPECT_THAT(log.text(), HasSubstr('"' + m_target.toString() + "\" was not saved: " +
+                                          "the object \"Thrower\": " + text));
+    }
+}
+
+TEST_P(ConfigurationManagerSaving, LogsInOneLineWhatIsWrongWithTheFile) {
+    const Support::LogCapture log("ConfigurationManager");
+    const Support::LogCapture writerLog("ConfigWriter");
+    add(makeChanged(5));
+    const auto expectLogged = [&](const std::string& reason) {
+        const std::size_t former = log.text().size();
+        EXPECT_FALSE(save());
+        const std::string line = log.text().substr(former);
+        EXPECT_EQ(1, std::ranges::count(line, '\n')) << line;
+        EXPECT_THAT(line, HasSubstr('"' + m_target.toString() + "\" was not saved: " + reason));
+    };
+    writeFile(m_target, "notes");
+    expectLogged("it is there, but cannot be read as a configuration");
+    std::string tooDeep;
+    for (const std::string tag : {"<x>", "</x>"})
+        for (int level = 0; level < 4000; ++level)
+            tooDeep += tag;
+    writeTarget(tooDeep);
+    expectLogged("The document is nested too deeply to be written");
+    std::filesystem::remove(m_target.toPath());
+    std::filesystem::create_symlink("away/settings.xml", m_target.toPath());
+    expectLogged(std::make_error_code(std::errc::no_such_file_or_directory).message());
+    EXPECT_EQ("", writerLog.text()) << "a second line";
+    std::filesystem::remove(m_target.toPath());
+    EXPECT_TRUE(save());
+    EXPECT_EQ(3, std::ranges::count(log.text(), '\n')) << "a success is not logged";
+}
+
+TEST_P(ConfigurationManagerSaving, KeepsALinkToWhereThereIsNothingNow) {
+    add(makeChanged(5));
+    std::filesystem::create_directory(m_directory.path() / "disk");
+    const std::filesystem::path link = m_target.toPath();
+    std::filesystem::create_symlink("disk/settings.xml", link);
+    EXPECT_TRUE(save()) << "makes the file that the link leads to";
+    const std::string saved = readFile(m_target);
+    std::filesystem::rename(m_directory.path() / "disk", m_directory.path() / "away");
+    for (int time = 0; time < 2; ++time)
+        EXPECT_FALSE(save());
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    std::filesystem::rename(m_directory.path() / "away", m_directory.path() / "disk");
+    EXPECT_EQ(saved, readFile(m_target));
 }
 
 TEST_P(ConfigurationManagerSaving, FailsOnADirectory) {

@@ -3,18 +3,18 @@
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/RegularFile.h>
 
-#include <FileHandling/FileUtilities.h>
-#include <FileHandling/OvFstream.h>
+#include <Logging/Logging.h>
 
 #include <array>
 #include <charconv>
-#include <filesystem>
+#include <utility>
 
 namespace Orvant {
 
 namespace {
+
+const Logging s_log("ConfigWriter");
 
 /// A number as std::to_chars writes it: the same in every locale, which streams and
 /// boost::lexical_cast are not.
@@ -47,20 +47,6 @@ private:
     ConfigWriterImpl& m_writer;
     xercesc::DOMElement* m_saved;
 };
-
-bool writeFile(const FileName& file, const std::string& bytes, std::ios::openmode extraMode = {}) {
-    OvOfstream out(file, std::ios::out | std::ios::trunc | extraMode, OvOfstream::NoByteOrderMark);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    return !out.fail();
-}
-
-/// Opening a pipe for writing would keep the application waiting for ever.
-bool waitsForReader(const FileName& file) {
-    const std::string native = file.toNativeString();
-    std::error_code error;
-    return std::filesystem::is_fifo(std::u8string(native.begin(), native.end()), error);
-}
 
 } // namespace
 
@@ -252,24 +238,18 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const 
 }
 
 std::string ConfigWriter::getAsString() {
-    return m_impl->getAsString();
+    auto [text, problem] = m_impl->print();
+    if (!problem.empty())
+        s_log.logERROR(problem, __FILE__, __func__, __LINE__);
+    return std::move(text);
 }
 
-bool ConfigWriter::saveToFile(const FileName& file) try {
-    const std::string text = getAsString();
-    if (text.empty() || waitsForReader(file))
-        return false;
-    const bool existed = FileUtilities::exists(file);
-    const auto former = readRegularFile(file);
-    if (writeFile(file, text))
-        return true;
-    if (former)
-        writeFile(file, *former, std::ios::binary);
-    else if (!existed)
-        FileUtilities::remove(file);
-    return false;
-} catch (const FileNameException&) {
-    return false;
+bool ConfigWriter::saveToFile(const FileName& file) {
+    return m_impl->saveToFile(file);
+}
+
+const std::string& ConfigWriter::getSaveProblem() const {
+    return m_impl->saveProblem();
 }
 
 } // namespace Orvant

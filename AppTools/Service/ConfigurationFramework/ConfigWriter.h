@@ -37,13 +37,14 @@ public:
     /// Starts a new document: a root without children.
     /// @param version value of the root's attribute version, as it stands
     explicit ConfigWriter(const std::string& version);
-    /// Opens an existing document for editing. Its version is neither checked nor changed.
+    /// Opens an existing document for editing. Its version is neither checked nor changed. Whatever
+    /// a SimpleConfigReader opens, and no other document, is opened.
     /// @param file    file to read; where it is empty, `content` is the document
     /// @param content document in memory, up to its first NUL; ignored when there is a file
     /// @throws ConfigException of type
     ///   - SourceNotFound: neither file nor content;
-    ///   - InvalidDocument: missing or unreadable, not well-formed, too many entity references, or
-    ///     the root is not Configuration
+    ///   - InvalidDocument: missing or unreadable, not well-formed, beyond the bounds that
+    ///     SimpleConfigReader tells, or the root is not Configuration
     ConfigWriter(const FileName& file, const std::string& content);
     ConfigWriter(const ConfigWriter&) = delete;
     ConfigWriter& operator=(const ConfigWriter&) = delete;
@@ -166,14 +167,19 @@ public:
 
     /// @return the document in UTF-8, beginning with the root's start tag: no XML declaration, no
     ///         byte-order mark. Empty, with an error in the log, when XML cannot express the
-    ///         document, it is nested deeper than 1,000 elements (indenting it would fill the
-    ///         disk), or more than 1,000 comments stand in a row without an element between them
-    ///         (the printer's time grows with their square).
+    ///         document, it is nested deeper than 4,000 elements, the root included, or so deep
+    ///         that it would be indented by more than 32 million blanks (those of 4,000 elements
+    ///         in one another), or more than 10,000 comments stand in a row without an element
+    ///         between them (the printer's time grows with their square).
     std::string getAsString();
-    /// Writes getAsString() to a file, in place. The text is complete before the file is touched. A
-    /// write that fails half-way puts back what the file held, as far as the disk allows.
-    /// @return false when there is no text or it could not be written
+    /// Writes the document to a file, in place, as getAsString() gives it; a link is followed. The
+    /// text is complete before the file is touched. A write that fails half-way puts back what the
+    /// file held, as far as the disk allows, and removes a file only if this call made it. Nothing
+    /// is logged.
+    /// @return false when there is no text or it could not be written; getSaveProblem() tells why
     bool saveToFile(const FileName& file);
+    /// @return what went wrong in the last saveToFile(), in words; empty when nothing did
+    const std::string& getSaveProblem() const;
 
 private:
     std::unique_ptr<ConfigWriterImpl> m_impl;

@@ -5,12 +5,15 @@
 #include <ConfigurationFramework/DocumentText.h>
 #include <ConfigurationFramework/DomNavigation.h>
 #include <ConfigurationFramework/EditingParser.h>
+#include <ConfigurationFramework/FileSaving.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>
 #include <Logging/Logging.h>
 
 #include <source_location>
+#include <system_error>
+#include <utility>
 
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMConfiguration.hpp>
@@ -78,6 +81,14 @@ XmlChString checked(DocumentText text, const std::string& elementName) {
 bool matches(const DOMElement& element, const XmlChString& name, const XmlChString* key) {
     return name == element.getTagName() &&
            (key == nullptr || *key == element.getAttribute(keyAttribute));
+}
+
+/// @return false when XML cannot hold what stands in the node
+bool writeNode(xercesc::DOMLSSerializer& serializer, const DOMNode& node,
+               xercesc::DOMLSOutput& output) try {
+    return serializer.write(&node, &output);
+} catch (const xercesc::DOMException&) {
+    return false;
 }
 
 xercesc::DOMImplementation& domImplementation() {
@@ -327,17 +338,13 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
     }
 }
 
-std::string ConfigWriterImpl::getAsString() {
+ConfigWriterImpl::Printed ConfigWriterImpl::print() const {
     const DOMElement* const root = m_document->getDocumentElement();
     const PrintedLayout layout = layoutOf(*root);
-    if (layout.depth > maxWrittenDepth || layout.indentation > maxWrittenIndentation) {
-        logError("The document is nested too deeply to be written");
-        return {};
-    }
-    if (layout.commentsInARow > maxCommentsInARow) {
-        logError("The document has too many comments in a row to be written");
-        return {};
-    }
+    if (layout.depth > maxWrittenDepth || layout.indentation > maxWrittenIndentation)
+        return {"", "The document is nested too deeply to be written"};
+    if (layout.commentsInARow > maxCommentsInARow)
+        return {"", "The document has too many comments in a row to be written"};
     const std::unique_ptr<xercesc::DOMLSSerializer, SerializerRelease> serializer(
         domImplementation().createLSSerializer());
     xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();
@@ -357,20 +364,24 @@ std::string ConfigWriterImpl::getAsString() {
         domImplementation().createLSOutput());
     output->setEncoding(u"UTF-8");
     output->setByteStream(&target);
-    const auto print = [&]() -> bool {
-        try {
-            return serializer->write(root, output.get());
-        } catch (const xercesc::DOMException&) {
-            return false;
-        }
-    };
-    if (!print()) {
-        logError("The document holds something that XML cannot express");
-        return {};
-    }
+    if (!writeNode(*serializer, *root, *output))
+        return {"", "The document holds something that XML cannot express"};
     std::string text = target.takeText();
     text.erase(0, text.find('<'));
-    return text;
+    return {std::move(text), ""};
+}
+
+bool ConfigWriterImpl::saveToFile(const FileName& file) {
+    try {
+        auto [text, problem] = print();
+        if (problem.empty())
+            if (const std::error_code error = saveInPlace(file, text))
+                problem = error.message();
+        m_saveProblem = std::move(problem);
+    } catch (const FileNameException& e) {
+        m_saveProblem = e.what();
+    }
+    return m_saveProblem.empty();
 }
 
 } // namespace Orvant

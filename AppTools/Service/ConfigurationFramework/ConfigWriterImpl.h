@@ -50,7 +50,14 @@ public:
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
                          const std::string& comment);
 
-    std::string getAsString();
+    /// @return the document, or nothing and the reason
+    struct Printed {
+        std::string text;
+        std::string problem;
+    };
+    Printed print() const;
+    bool saveToFile(const FileName& file);
+    const std::string& saveProblem() const { return m_saveProblem; }
 
     xercesc::DOMElement* currentElement() const { return m_current; }
     void setCurrentElement(xercesc::DOMElement* element) { m_current = element; }
@@ -83,6 +90,7 @@ private:
     std::unique_ptr<xercesc::DOMDocument, DocumentRelease> m_newDocument; ///< of a new document
     xercesc::DOMDocument* m_document = nullptr;
     xercesc::DOMElement* m_current = nullptr;
+    std::string m_saveProblem;
     /// Of the elements that have many children and no text.
     std::unordered_map<const xercesc::DOMElement*, ElementIndex> m_indexes;
 };

@@ -1,18 +1,28 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 
 #include <FileHandling/FileUtilities.h>
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <Logging/Logging.h>
 
+#include <algorithm>
+#include <exception>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLException.hpp>
+
 namespace Orvant {
 
 namespace {
+
+const Logging s_log("ConfigurationManager");
 
 /// Calls with the name of a registration's element, and with its key where it has one.
 template <typename Call>
@@ -56,20 +66,69 @@ std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::str
                                        : std::make_unique<ConfigWriter>(version);
 }
 
+/// Around what an object throws while it is written.
+class ObjectNotWritten : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// Calls back with each registration whose object writes something.
 template <typename Objects, typename Write>
 void forEachWritten(const Objects& objects, Write write) {
-    for (const auto& [name, registration] : objects)
-        if (registration.object->writesContent())
-            write(registration);
+    for (const auto& [name, registration] : objects) {
+        try {
+            if (registration.object->writesContent())
+                write(registration);
+        } catch (...) {
+            std::throw_with_nested(ObjectNotWritten(name));
+        }
+    }
 }
 
-/// Runs a save; whatever exception it meets leaves the file as it was.
-/// @return what the save returns, false for an exception
+std::string textOf(const XMLCh* message) {
+    return XercesHelperFunctions::xmlChToString(message);
+}
+
+/// What an exception says, with the object that it comes from.
+std::string describe(const std::exception_ptr& exception) {
+    try {
+        std::rethrow_exception(exception);
+    } catch (const ObjectNotWritten& e) {
+        const auto& nested = dynamic_cast<const std::nested_exception&>(e);
+        return "the object \"" + std::string(e.what()) + "\": " + describe(nested.nested_ptr());
+    } catch (const ConfigException& e) {
+        return ConfigException(e).getType() == ConfigException::InvalidDocument
+                   ? "it is there, but cannot be read as a configuration"
+                   : e.what();
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (const xercesc::DOMException& e) {
+        return textOf(e.getMessage());
+    } catch (const xercesc::XMLException& e) {
+        return textOf(e.getMessage());
+    } catch (...) {
+        return "an exception of unknown type";
+    }
+}
+
+/// Saves to a file; whatever exception it meets leaves the file as it was. A failure is logged in
+/// one line.
+/// @param save puts the objects into a writer of the file and saves it
+/// @return what `save` returns, false for an exception
 template <typename Save>
-bool guarded(Save save) try {
-    return save();
-} catch (...) {
+bool saveGuarded(const FileName& file, const std::string& version, Save save) {
+    std::string problem;
+    try {
+        auto writer = openForSaving(file, version);
+        if (save(writer))
+            return true;
+        problem = writer->getSaveProblem();
+    } catch (...) {
+        problem = describe(std::current_exception());
+    }
+    std::ranges::replace(problem, '\n', ' ');
+    s_log.logERROR("\"" + file.toString() + "\" was not saved: " + problem, __FILE__, __func__,
+                   __LINE__);
     return false;
 }
 
@@ -234,8 +293,7 @@ bool ConfigurationManager::saveConfiguration(const std::string& version) const {
     if (target.empty())
         return true;
     ++m_revision;
-    return guarded([&] {
-        auto writer = openForSaving(target, version);
+    return saveGuarded(target, version, [&](std::unique_ptr<ConfigWriter>& writer) {
         return m_fileMode == SystemAndUserFile
                    ? saveUserAndCompareWithSystemConfiguration(writer, target)
                    : saveSingleConfiguration(writer, target);
@@ -247,9 +305,8 @@ bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
     if (fileName.empty())
         return true;
     ++m_revision;
-    return guarded([&] {
-        const FileName file(fileName);
-        auto writer = openForSaving(file, version);
+    const FileName file(fileName);
+    return saveGuarded(file, version, [&](std::unique_ptr<ConfigWriter>& writer) {
         return saveSingleConfiguration(writer, file);
     });
 }

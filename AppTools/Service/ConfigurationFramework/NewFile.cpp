@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/RegularFile.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace Orvant {
 
@@ -20,7 +21,9 @@ std::FILE* makeFile(const std::filesystem::path& path) {
 
 } // namespace
 
-NewFile::NewFile(const FileName& file) : m_path(toPath(file)), m_stream(makeFile(m_path)) {
+NewFile::NewFile(const FileName& file) : NewFile(toPath(file)) {}
+
+NewFile::NewFile(std::filesystem::path path) : m_path(std::move(path)), m_stream(makeFile(m_path)) {
     if (!m_stream)
         keepError();
 }

@@ -23,6 +23,7 @@ public:
     /// Makes the file; ask isMade() whether that went well.
     /// @throws FileNameException for a name that no file system could hold
     explicit NewFile(const FileName& file);
+    explicit NewFile(std::filesystem::path path);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     /// Removes the file unless it is finished.

@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/DocumentText.h>
+#include <ConfigurationFramework/FileLinks.h>
 #include <ConfigurationFramework/NewFile.h>
 #include <ConfigurationFramework/RegularFile.h>
 #include <ConfigurationFramework/XercesSession.h>
@@ -12,6 +13,7 @@
 #include <FileHandling/OvFstream.h>
 #include <Logging/Logging.h>
 
+#include <algorithm>
 #include <source_location>
 #include <sstream>
 
@@ -22,9 +24,6 @@ namespace {
 constexpr const char* rewritingName =
     ".aVeryLongPathNameForAtemporaryFileInPlaceSoWeCouldParseOurXsd.xsd";
 constexpr const char* sanitisingName = ".tempFileForSanitazingTheInputOfTheXsdFile.xml";
-
-/// Longer chains are opened by no system.
-constexpr int mostLinks = 40;
 
 const Logging s_log("SchemaFile");
 
@@ -44,20 +43,9 @@ bool fitsIntoXml(const OV_XsdReader::ov_schema& schema) {
 } // namespace
 
 bool isScratchFile(const FileName& file) {
-    const auto hasScratchName = [](const std::filesystem::path& path) {
+    return std::ranges::any_of(followLinks(toPath(file)), [](const std::filesystem::path& path) {
         return path.filename() == rewritingName || path.filename() == sanitisingName;
-    };
-    std::filesystem::path path = toPath(file);
-    for (int links = 0; links <= mostLinks; ++links) {
-        if (hasScratchName(path))
-            return true;
-        std::error_code error;
-        const auto target = std::filesystem::read_symlink(path, error);
-        if (error)
-            return false;
-        path = path.parent_path() / target;
-    }
-    return false;
+    });
 }
 
 FileName sanitisingCopy(const FileName& file) {

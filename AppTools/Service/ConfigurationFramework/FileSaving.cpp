@@ -1,0 +1,48 @@
+#include <ConfigurationFramework/FileSaving.h>
+
+#include <ConfigurationFramework/FileLinks.h>
+#include <ConfigurationFramework/NewFile.h>
+#include <ConfigurationFramework/RegularFile.h>
+
+#include <FileHandling/FileName.h>
+#include <FileHandling/OvFstream.h>
+
+#include <cerrno>
+#include <filesystem>
+
+namespace Orvant {
+
+namespace {
+
+std::error_code overwrite(const FileName& file, const std::string& bytes,
+                          std::ios::openmode extraMode = {}) {
+    errno = 0;
+    OvOfstream out(file, std::ios::out | std::ios::trunc | extraMode, OvOfstream::NoByteOrderMark);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (!out.fail())
+        return {};
+    // A stream of the suite's need not leave the system's reason.
+    return {errno != 0 ? errno : EIO, std::generic_category()};
+}
+
+} // namespace
+
+std::error_code saveInPlace(const FileName& file, const std::string& bytes) {
+    const std::filesystem::path target = followLinks(toPath(file)).back();
+    NewFile made(target);
+    if (made.isMade()) {
+        const bool isWritten = made.write(bytes) && made.finish();
+        return isWritten ? std::error_code() : made.error();
+    }
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(target, ignored))
+        return std::make_error_code(std::errc::no_such_device_or_address);
+    const auto former = readRegularFile(file);
+    const std::error_code error = overwrite(file, bytes);
+    if (error && former)
+        overwrite(file, *former, std::ios::binary);
+    return error;
+}
+
+} // namespace Orvant
