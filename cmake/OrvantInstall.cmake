@@ -3,6 +3,8 @@
 include(CMakePackageConfigHelpers)
 
 set(orvant_package "${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME}")
+# A folder of our own: names such as <Logging/Logging.h> must not come in the way of a system's headers.
+set(orvant_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvant")
 
 # orvant_install_library(TARGET [HEADER...]): HEADERs, written as they are included, lie in the source
 # tree or in the build tree. Without any, nobody links the library but the libraries themselves.
@@ -22,14 +24,14 @@ function(orvant_install_library target)
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ConfigurationFramework_Runtime
                 ${link_name}
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ConfigurationFramework_Development
-        INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+        INCLUDES DESTINATION "${orvant_include_dir}")
     foreach(header IN LISTS ARGN)
         set(file "${PROJECT_SOURCE_DIR}/AppTools/Service/${header}")
         if(NOT EXISTS "${file}")
             set(file "${PROJECT_BINARY_DIR}/include/${header}")
         endif()
         cmake_path(GET header PARENT_PATH folder)
-        install(FILES "${file}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
+        install(FILES "${file}" DESTINATION "${orvant_include_dir}/${folder}"
             COMPONENT ConfigurationFramework_Development)
     endforeach()
 endfunction()
@@ -43,6 +45,10 @@ function(orvant_install_package)
     set(config "${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake")
     set(version "${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake")
     set(find_services "")
+    if(NOT System IN_LIST orvant_replaced)
+        string(APPEND find_services "# For <System/XercesInitializationMutex.h>.\n"
+            "find_dependency(Boost 1.74)\n")
+    endif()
     foreach(package IN LISTS orvant_service_packages)
         string(APPEND find_services "find_dependency(${package})\n")
     endforeach()

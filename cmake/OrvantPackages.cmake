@@ -25,9 +25,9 @@ set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_RUNTIME_DESCRIPTION
 
 set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_NAME ${development})
 set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_SECTION libdevel)
-# The schema document model's header includes those of Xerces-C++ and of CodeSynthesis XSD.
+# Headers include those of Boost, of Xerces-C++ and of CodeSynthesis XSD.
 set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_DEPENDS
-    "${runtime} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libxerces-c-dev, xsdcxx")
+    "${runtime} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libboost-dev, libxerces-c-dev, xsdcxx")
 set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_DEVELOPMENT_DESCRIPTION
     "Headers, CMake package and pkg-config file to build applications with.")
 

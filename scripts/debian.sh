@@ -46,19 +46,24 @@ for package in runtime development; do
 done
 
 echo "== Dependencies"
-# The packages of a list of dependencies; for one that only others provide, those.
+# The packages of a list of dependencies; for one that only others provide, those; for one that only
+# names the version of the day, that.
 names_of() {
     tr ',' '\n' | sed -e 's/^ *//' -e 's/ .*//' | while read -r name; do
         dpkg-query -W -f '${Package} ${Provides}\n' | sed -e 's/([^)]*)//g' -e 's/,/ /g' |
             awk -v name="$name" '{ for (i = 1; i <= NF; ++i) if ($i == name) print $1 }'
+    done | while read -r package; do
+        if [ -n "$(dpkg -L "$package" | grep -v /share/doc | grep '^/usr/[^/]*/')" ]; then
+            echo "$package"
+        else
+            dpkg-query -W -f '${Depends}\n' "$package" | sed -e 's/[ ,].*//'
+        fi
     done | LC_ALL=C sort -u
 }
 # The packages that files of this machine belong to; dpkg knows some in /usr under the name without.
 owners() {
-    while read -r file; do
-        file=$(readlink -f "$file")
-        dpkg -S "$file" 2>/dev/null || dpkg -S "${file#/usr}"
-    done | sed -e 's/: .*//' -e 's/:[a-z0-9]*$//' | LC_ALL=C sort -u
+    xargs readlink -f | sed -e p -e 's|^/usr||' | { xargs dpkg -S 2>/dev/null || true; } |
+        sed -e 's/: .*//' -e 's/:[a-z0-9]*$//' | LC_ALL=C sort -u
 }
 dpkg-deb -x "$runtime" "$work/root"
 dpkg-deb -x "$development" "$work/root"
@@ -74,8 +79,8 @@ same needed declared "$runtime depends on other packages than its libraries need
 [[ "$(field "$development" Depends)," == "$runtime_name (= $version-1),"* ]] ||
     failed "$development does not depend on the runtime package of its version"
 # What the headers include, but for the compiler's and the C library's.
-(cd "$work/root/usr/include" && find . -name '*.h') | sed 's|^\./\(.*\)|#include <\1>|' >"$work/all.cpp"
-g++ -std=c++20 -I"$work/root/usr/include" -M "$work/all.cpp" | tr -d '\\' | tr -s ' ' '\n' |
+(cd "$work/root/usr/include/orvant" && find . -name '*.h') | sed 's|^\./\(.*\)|#include <\1>|' >"$work/all.cpp"
+g++ -std=c++20 -I"$work/root/usr/include/orvant" -M "$work/all.cpp" | tr -d '\\' | tr -s ' ' '\n' |
     grep '^/' | grep -v "^$work" | LC_ALL=C sort -u | owners |
     grep -vE '^(libstdc\+\+-[0-9]+-dev|libgcc-[0-9]+-dev|libc6-dev|linux-libc-dev)$' >"$work/needed"
 field "$development" Depends | cut -d, -f2- | names_of >"$work/declared"

@@ -1,23 +1,45 @@
 #!/bin/sh
 # header.sh INCLUDE HEADER WORK COMPILER...: compiles a header by itself, with the installed tree as the
-# only include directory, and looks at what it pulls in: no other library's headers, but for the schema
-# document model those of Xerces-C++ and of the XSD runtime.
+# only include directory, and looks at what it pulls in: other libraries' headers only where they are
+# part of the interface. Then compiles each sample in its comments with what samples.txt says of it.
 set -eu
-include=$1 header=$2 work=$3
+here=$(dirname "$0") include=$1 header=$2 work=$3
 shift 3
 
 mkdir -p "$work"
-dependencies=$work/$(echo "$header" | tr / .).d
+name=$work/$(echo "$header" | tr / .)
 echo "#include <$header>" |
     "$@" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -I"$include" \
-        -x c++ -fsyntax-only -MD -MF "$dependencies" -
+        -x c++ -fsyntax-only -MD -MF "$name.d" -
 
-grep -q "$include/$header" "$dependencies"
+grep -q "$include/$header" "$name.d"
 case "$header" in
-ConfigurationFramework/xsd/*) others='/(boost|spdlog|fmt)/' ;;
-*) others='/(boost|spdlog|fmt|xercesc|xsd/cxx)/' ;;
+ConfigurationFramework/Xsd* | ConfigurationFramework/xsd/*) others='boost|spdlog|fmt' ;;
+GeneralServices/*) others='boost|spdlog|fmt|xsd/cxx' ;;
+System/*) others='spdlog|fmt|xercesc|xsd/cxx' ;;
+*) others='boost|spdlog|fmt|xercesc|xsd/cxx' ;;
 esac
-if grep -E "$others" "$dependencies"; then
+if grep -E "/($others)/" "$name.d"; then
     echo "<$header> pulls in headers of another library" >&2
     exit 1
 fi
+
+case "$header" in
+*/Export.h | *.generated.h | */ConfigurationAccessResult.h) exit ;; # without a class
+esac
+context() {
+    awk -v header="$header" '/^== / { wanted = $2 == header; next } wanted' "$here/samples.txt"
+}
+{
+    echo "#include <$header>"
+    printf '#include <%s>\n' fstream iostream memory string vector
+    context | grep '^#' || true
+    echo 'namespace Orvant {'
+    context | grep -v '^#' || true
+    awk '/@endcode/ { print "}"; inside = 0 }
+        inside { sub("^ */// ?", ""); print }
+        /@code/ { print "void sample" ++count "() {"; inside = 1 }' "$include/$header"
+    echo '}'
+} >"$name.samples.cpp"
+grep -q sample1 "$name.samples.cpp"
+"$@" -std=c++20 -I"$include" -fsyntax-only "$name.samples.cpp"

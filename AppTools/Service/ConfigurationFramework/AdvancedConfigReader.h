@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigReader.h>
+#include <FileHandling/FileName.h>
 
 #include <cstdint>
 #include <list>
@@ -8,7 +9,6 @@
 
 namespace Orvant {
 
-class FileName;
 class SimpleConfigReader;
 
 /// Reads several configuration documents as one, layered by priority.

@@ -13,7 +13,7 @@ namespace Orvant {
 ///
 /// @code
 /// try {
-///     SimpleConfigReader reader("settings.xml", "", {"1.0"});
+///     load("settings.xml");
 /// } catch (ConfigException& e) {
 ///     if (e.getType() == ConfigException::InvalidVersion)
 ///         offerMigration();

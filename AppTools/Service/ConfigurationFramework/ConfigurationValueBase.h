@@ -7,9 +7,8 @@ namespace Orvant {
 /// Type-free face of a configuration value: what a configuration object keeps in its list.
 ///
 /// @code
-/// for (const ConfigurationValueBase* value : object.getConfigurationValues())
-///     if (value->isGuiVisible())
-///         addRow(value->getName(), value->getValueType());
+/// if (value.isGuiVisible())
+///     addRow(value.getName(), value.getValueType());
 /// @endcode
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValueBase : public ConfigurationItemBase {
 public:

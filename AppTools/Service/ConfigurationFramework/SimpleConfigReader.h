@@ -1,13 +1,13 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigReader.h>
+#include <FileHandling/FileName.h>
 
 #include <list>
 #include <memory>
 
 namespace Orvant {
 
-class FileName;
 class SimpleConfigReaderImpl;
 
 /// Reader of one XML configuration document, from a file or from a string.

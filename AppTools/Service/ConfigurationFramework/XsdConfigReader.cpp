@@ -5,9 +5,7 @@
 #include <ConfigurationFramework/SchemaFile.h>
 #include <ConfigurationFramework/SchemaParsing.h>
 #include <ConfigurationFramework/SchemaText.h>
-#include <ConfigurationFramework/xsd/ov_schema.h>
 
-#include <FileHandling/FileName.h>
 #include <FileHandling/FileUtilities.h>
 
 namespace Orvant {

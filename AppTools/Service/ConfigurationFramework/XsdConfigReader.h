@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/Export.h>
 #include <ConfigurationFramework/XsdElement.h>
+#include <FileHandling/FileName.h>
 
 #include <map>
 #include <memory>
@@ -10,8 +11,6 @@
 #include <vector>
 
 namespace Orvant {
-
-class FileName;
 
 /// Reader of one XML Schema file of the suite, which answers what the schema declares, takes out of
 /// it what is not wanted and writes the rest.

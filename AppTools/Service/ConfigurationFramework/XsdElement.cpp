@@ -1,7 +1,5 @@
 #include <ConfigurationFramework/XsdElement.h>
 
-#include <ConfigurationFramework/xsd/ov_schema.h>
-
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>

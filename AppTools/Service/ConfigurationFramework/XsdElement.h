@@ -1,16 +1,13 @@
 #pragma once
 
 #include <ConfigurationFramework/Export.h>
+#include <ConfigurationFramework/xsd/ov_schema.h>
 
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
-
-namespace OV_XsdReader {
-class ov_schema;
-}
 
 namespace Orvant {
 

@@ -10,7 +10,7 @@ namespace Orvant {
 ///
 /// @code
 /// const boost::unique_lock<boost::mutex> lock(XercesInitializationMutex::getMutex());
-/// xercesc::XMLPlatformUtils::Initialize();
+/// initialiseXerces();
 /// @endcode
 class ORVANT_SYSTEM_EXPORT XercesInitializationMutex {
 public:

@@ -11,14 +11,21 @@
 #include <ExceptionHandling/OvException.h>
 #include <FileHandling/FileName.h>
 #include <FileHandling/FileUtilities.h>
+#include <FileHandling/OvFstream.h>
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <GeneralServices/XmlErrorHandler.h>
 #include <Logging/Logging.h>
+#include <System/XercesInitializationMutex.h>
 #include <VersionControl/BuildInformation.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
 
 namespace {
 
@@ -69,8 +76,26 @@ void throwAndCatch() {
     }
 }
 
+void parseByItself() {
+    const boost::unique_lock<boost::mutex> lock(Orvant::XercesInitializationMutex::getMutex());
+    xercesc::XMLPlatformUtils::Initialize();
+    {
+        const std::string text = "<a><b></a>";
+        const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()),
+                                                text.size(), "text");
+        Orvant::XmlErrorHandler errors;
+        xercesc::XercesDOMParser parser;
+        parser.setErrorHandler(&errors);
+        parser.parse(source);
+        expect(errors.getSawErrors(), "errors are seen");
+    }
+    xercesc::XMLPlatformUtils::Terminate();
+    const auto tag = Orvant::XercesHelperFunctions::stringToXmlCh("tag");
+    expect(Orvant::XercesHelperFunctions::xmlChToString(tag.c_str()) == "tag", "text stays");
+}
+
 void reduceSchema() {
-    std::ofstream("machine.xsd") << R"(<?xml version="1.0" encoding="UTF-8"?>
+    Orvant::OvOfstream("machine.xsd") << R"(<?xml version="1.0" encoding="UTF-8"?>
 <xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema" xmlns:ov="http://www.orvant.com/OV_QLV100" xmlns="http://www.orvant.com/OV_QLV100" targetNamespace="http://www.orvant.com/OV_QLV100" elementFormDefault="qualified">
   <xs:complexType name="Machine"/>
   <xs:complexType name="Tool"/>
@@ -91,6 +116,7 @@ int main() {
     saveAndLoad("settings.xml");
     throwAndCatch();
     reduceSchema();
+    parseByItself();
     Orvant::BuildInformation::setProductType(2);
     expect(Orvant::BuildInformation::getProductType() == 2, "the product is told");
     Orvant::Logging("application").logERROR("All is well", __FILE__, __func__, __LINE__);
