@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
 #include <ConfigurationFramework/Export.h>
+#include <FileHandling/FileName.h>
 
 #include <functional>
 #include <memory>
@@ -14,7 +15,6 @@ namespace Orvant {
 class ConfigReader;
 class ConfigurationObject;
 class ConfigWriterImpl;
-class FileName;
 
 /// Builds one configuration document, new or from an existing one, and writes it to a file.
 ///

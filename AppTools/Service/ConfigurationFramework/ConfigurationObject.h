@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationItemBase.h>
+#include <ConfigurationFramework/ConfigurationValue.h>
 
 #include <cstddef>
 #include <string>

@@ -42,8 +42,9 @@ namespace Orvant {
 /// Nothing that a file refers to is opened: external entities and DTDs resolve to nothing, which
 /// the error log tells. A file is refused that has more than 10,000 entity references, an element
 /// with more than 100 attributes, given or declared, elements nested more than 1,000 deep, a
-/// complex type more than 512 deep, or references that make more than 10 million characters of it;
-/// also one whose DTD has more than ten references that could do that.
+/// complex type more than 512 deep, or references that make more than 10 million characters of it,
+/// where each in an attribute or a DTD counts as the longest entity; also one that takes more than
+/// 64 MiB beside 64 times its size to parse, or its DTD more than 4 MiB beside 16 times.
 ///
 /// Copies share the schema: what is filtered through one is gone from the other. Before the first
 /// successful readXSD() there is no schema: queries answer nothing, and filters and writeXSD() do
