@@ -22,6 +22,9 @@ foreach(run RANGE 1 ${RUNS})
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "The program failed: ${result}\n${output}${errors}")
     endif()
+    # Of a line of the error log, time and place differ from build to build.
+    string(REGEX REPLACE "\\[[0-9: .-]+\\] (\\[[A-Za-z]+\\] \\[error\\] [^\n]*) \\([^\n]*\\)\n" "\\1\n"
+        errors "${errors}")
     file(APPEND "${WORK}/output.txt" "${output}${errors}")
 endforeach()
 

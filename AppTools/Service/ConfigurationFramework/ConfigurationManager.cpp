@@ -96,8 +96,8 @@ std::string describe(const std::exception_ptr& exception) {
     } catch (const ObjectNotWritten& e) {
         const auto& nested = dynamic_cast<const std::nested_exception&>(e);
         return "the object \"" + std::string(e.what()) + "\": " + describe(nested.nested_ptr());
-    } catch (const ConfigException& e) {
-        return ConfigException(e).getType() == ConfigException::InvalidDocument
+    } catch (ConfigException& e) {
+        return e.getType() == ConfigException::InvalidDocument
                    ? "it is there, but cannot be read as a configuration"
                    : e.what();
     } catch (const std::exception& e) {

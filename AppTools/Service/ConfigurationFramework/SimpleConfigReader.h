@@ -31,9 +31,9 @@ class SimpleConfigReaderImpl;
 /// A document may be nested to any depth, but one that is made to fill the memory is a parse error,
 /// for readers and for ConfigWriter alike: neither takes more than 64 MiB beside 16 times the
 /// document to open it. The bounds, which no application's settings come near:
-///   - 10,000 entity references, 32 within one another; 10 million characters that they expand to in
-///     content, and half a million in attributes and a DTD, where each counts as the longest entity
-///     and the last does not count;
+///   - 10,000 entity references, 32 within one another; 10 million characters that they expand to
+///     in content, and half a million in attributes and a DTD, where each counts as the longest
+///     entity and the last does not count;
 ///   - 1,000 attributes of an element, given or declared; 50,000 different tags, and as many names
 ///     of attributes;
 ///   - 4 MiB, and four times the document, that a DTD takes: a few thousand declarations;
@@ -48,7 +48,8 @@ public:
     /// @param validVersions accepted values of the root's attribute version (an absent one is "")
     /// @throws ConfigException of type
     ///   - SourceNotFound: no such file, or neither file nor content;
-    ///   - InvalidDocument: not a readable file, a version of XML other than 1.0 and 1.1, a document
+    ///   - InvalidDocument: not a readable file, a version of XML other than 1.0 and 1.1, a
+    ///   document
     ///     type whose name has two colons, or the root is not Configuration;
     ///   - ParserReportedErrors: not well-formed, or beyond the bounds above;
     ///   - InvalidVersion: the version is not accepted
