@@ -1,10 +1,7 @@
 #include <ConfigurationFramework/DocumentMeasure.h>
 
-#include <ConfigurationFramework/DocumentText.h>
-
 #include <algorithm>
 #include <array>
-#include <string_view>
 #include <utility>
 
 #include <xercesc/framework/XMLAttDefList.hpp>
@@ -80,8 +77,7 @@ void DocumentMeasure::endElement() {
 void DocumentMeasure::addText(const XMLCh* text, XMLSize_t length, bool isCData) {
     // Indentation is no node of a document that is edited; a blank value is one, as its end tells.
     m_endsWithSpace =
-        !isCData && std::u16string_view(text, length).find_first_not_of(formattingSpace) ==
-                        std::u16string_view::npos;
+        !isCData && std::all_of(text, text + length, [](XMLCh c) { return c <= u' '; });
     if (m_endsWithSpace)
         add(length * sizeof(XMLCh));
     else
