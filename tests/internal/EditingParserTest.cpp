@@ -1,8 +1,8 @@
-#include <ConfigurationFramework/EditingParser.h>
+#include <ConfigurationFramework/writing/EditedDocumentParser.h>
 
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/DocumentPreparation.h>
-#include <ConfigurationFramework/DomNavigation.h>
+#include <ConfigurationFramework/writing/DocumentPrinter.h>
+#include <ConfigurationFramework/xml/DomWalk.h>
 
 #include <TestSupport.h>
 

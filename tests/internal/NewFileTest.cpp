@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/NewFile.h>
+#include <ConfigurationFramework/files/NewFile.h>
 
 #include <SchemaTestSupport.h>
 

@@ -1,11 +1,11 @@
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 
 #include <ConfigurationFramework/ConfigException.h>
-#include <ConfigurationFramework/DocumentPreparation.h>
-#include <ConfigurationFramework/DocumentText.h>
-#include <ConfigurationFramework/DomNavigation.h>
-#include <ConfigurationFramework/EditingParser.h>
-#include <ConfigurationFramework/FileSaving.h>
+#include <ConfigurationFramework/files/FileSaving.h>
+#include <ConfigurationFramework/writing/DocumentPrinter.h>
+#include <ConfigurationFramework/writing/EditedDocumentParser.h>
+#include <ConfigurationFramework/xml/DomWalk.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
-#include <ConfigurationFramework/DocumentParsing.h>
-#include <ConfigurationFramework/ElementIndex.h>
-#include <ConfigurationFramework/XercesSession.h>
+#include <ConfigurationFramework/writing/ChildElements.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <memory>
 #include <optional>

@@ -2,9 +2,9 @@
 
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/ConfigurationValueAssignment.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ReaderBelow.h>
+#include <ConfigurationFramework/model/ValueCopy.h>
 
 #include <algorithm>
 #include <memory>

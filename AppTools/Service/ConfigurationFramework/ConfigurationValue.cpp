@@ -2,7 +2,7 @@
 
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/ConfigurationValueAssignment.h>
+#include <ConfigurationFramework/model/ValueCopy.h>
 
 #include <functional>
 #include <map>

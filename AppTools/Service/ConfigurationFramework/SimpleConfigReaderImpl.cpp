@@ -2,9 +2,9 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/DocumentText.h>
-#include <ConfigurationFramework/NumberText.h>
-#include <ConfigurationFramework/XercesSession.h>
+#include <ConfigurationFramework/xml/NumberText.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileUtilities.h>
 #include <Logging/Logging.h>

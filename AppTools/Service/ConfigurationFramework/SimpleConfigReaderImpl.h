@@ -1,8 +1,8 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
-#include <ConfigurationFramework/ConfigurationParser.h>
-#include <ConfigurationFramework/DocumentParsing.h>
+#include <ConfigurationFramework/reading/TreeBuildingParser.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
 
 #include <GeneralServices/XmlErrorHandler.h>
 

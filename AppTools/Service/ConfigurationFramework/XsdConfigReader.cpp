@@ -1,10 +1,10 @@
 #include <ConfigurationFramework/XsdConfigReader.h>
 
 #include <ConfigurationFramework/ConfigException.h>
-#include <ConfigurationFramework/RegularFile.h>
-#include <ConfigurationFramework/SchemaFile.h>
-#include <ConfigurationFramework/SchemaParsing.h>
-#include <ConfigurationFramework/SchemaText.h>
+#include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/schema/LineRewriting.h>
+#include <ConfigurationFramework/schema/SchemaFiles.h>
+#include <ConfigurationFramework/schema/SchemaParser.h>
 
 #include <FileHandling/FileUtilities.h>
 

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/RegularFile.h>
+#include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileName.h>
 #include <FileHandling/OvFstream.h>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/DocumentTree.h>
+#include <ConfigurationFramework/reading/DocumentTree.h>
 
 #include <Transcoding/Transcode.h>
 

@@ -1,8 +1,8 @@
-#include <ConfigurationFramework/FileSaving.h>
+#include <ConfigurationFramework/files/FileSaving.h>
 
-#include <ConfigurationFramework/FileLinks.h>
-#include <ConfigurationFramework/NewFile.h>
-#include <ConfigurationFramework/RegularFile.h>
+#include <ConfigurationFramework/files/FileLinks.h>
+#include <ConfigurationFramework/files/NewFile.h>
+#include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileName.h>
 #include <FileHandling/OvFstream.h>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ElementIndex.h>
+#include <ConfigurationFramework/writing/ChildElements.h>
 
 namespace Orvant {
 

@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/DocumentParsing.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
 
-#include <ConfigurationFramework/RegularFile.h>
+#include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>

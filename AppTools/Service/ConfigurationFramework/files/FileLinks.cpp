@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/FileLinks.h>
+#include <ConfigurationFramework/files/FileLinks.h>
 
 #include <system_error>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigurationFramework/DocumentMeasure.h>
-#include <ConfigurationFramework/DocumentParsing.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
+#include <ConfigurationFramework/xml/DocumentMeasure.h>
 
 #include <string>
 

@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/NewFile.h>
+#include <ConfigurationFramework/files/NewFile.h>
 
-#include <ConfigurationFramework/RegularFile.h>
+#include <ConfigurationFramework/files/RegularFile.h>
 
 #include <cerrno>
 #include <utility>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ConfigurationParser.h>
+#include <ConfigurationFramework/reading/TreeBuildingParser.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>
 

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/DocumentText.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <Transcoding/Transcode.h>
 

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/NumberText.h>
+#include <ConfigurationFramework/xml/NumberText.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,8 +1,8 @@
-#include <ConfigurationFramework/SchemaParsing.h>
+#include <ConfigurationFramework/schema/SchemaParser.h>
 
-#include <ConfigurationFramework/DocumentParsing.h>
-#include <ConfigurationFramework/RegularFile.h>
-#include <ConfigurationFramework/XercesSession.h>
+#include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XmlErrorHandler.h>

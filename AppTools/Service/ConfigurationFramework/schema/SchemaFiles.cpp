@@ -1,11 +1,11 @@
-#include <ConfigurationFramework/SchemaFile.h>
+#include <ConfigurationFramework/schema/SchemaFiles.h>
 
 #include <ConfigurationFramework/ConfigException.h>
-#include <ConfigurationFramework/DocumentText.h>
-#include <ConfigurationFramework/FileLinks.h>
-#include <ConfigurationFramework/NewFile.h>
-#include <ConfigurationFramework/RegularFile.h>
-#include <ConfigurationFramework/XercesSession.h>
+#include <ConfigurationFramework/files/FileLinks.h>
+#include <ConfigurationFramework/files/NewFile.h>
+#include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
 #include <FileHandling/FileName.h>

@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/EditingParser.h>
+#include <ConfigurationFramework/writing/EditedDocumentParser.h>
 
-#include <ConfigurationFramework/DocumentText.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <string_view>
 

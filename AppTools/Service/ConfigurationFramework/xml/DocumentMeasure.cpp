@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/DocumentMeasure.h>
+#include <ConfigurationFramework/xml/DocumentMeasure.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include <ConfigurationFramework/DocumentPreparation.h>
+#include <ConfigurationFramework/writing/DocumentPrinter.h>
 
-#include <ConfigurationFramework/DocumentText.h>
-#include <ConfigurationFramework/DomNavigation.h>
+#include <ConfigurationFramework/xml/DomWalk.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <algorithm>
 #include <string_view>

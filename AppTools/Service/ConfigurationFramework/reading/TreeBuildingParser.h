@@ -1,8 +1,8 @@
 #pragma once
 
-#include <ConfigurationFramework/DocumentMeasure.h>
-#include <ConfigurationFramework/DocumentParsing.h>
-#include <ConfigurationFramework/DocumentTree.h>
+#include <ConfigurationFramework/reading/DocumentTree.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
+#include <ConfigurationFramework/xml/DocumentMeasure.h>
 
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/XercesSession.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>
 #include <Logging/Logging.h>

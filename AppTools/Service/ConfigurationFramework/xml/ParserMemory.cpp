@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ParserMemory.h>
+#include <ConfigurationFramework/xml/ParserMemory.h>
 
 #include <algorithm>
 #include <new>

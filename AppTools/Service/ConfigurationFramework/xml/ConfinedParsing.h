@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/ParserMemory.h>
+#include <ConfigurationFramework/xml/ParserMemory.h>
 
 #include <cstddef>
 #include <memory>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/SchemaText.h>
+#include <ConfigurationFramework/schema/LineRewriting.h>
 
 #include <algorithm>
 #include <array>
