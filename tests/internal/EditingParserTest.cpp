@@ -104,7 +104,7 @@ std::string prepared(const std::string& bytes) {
     return description;
 }
 
-TEST(EditingParser, LeavesOutOnlyWhatThePreparationCuts) {
+TEST(EditedDocumentParser, LeavesOutOnlyWhatThePreparationCuts) {
     const ConfigWriter xerces("1.0"); // keeps Xerces initialised
     Random random(5);
     int withText = 0;
@@ -116,7 +116,7 @@ TEST(EditingParser, LeavesOutOnlyWhatThePreparationCuts) {
         const std::string bytes = encoded(document, random() % 4);
         const std::string expected = prepared<ConfinedParser>(bytes);
         ASSERT_NE("broken", expected) << bytes;
-        ASSERT_EQ(expected, prepared<EditingParser>(bytes)) << bytes;
+        ASSERT_EQ(expected, prepared<EditedDocumentParser>(bytes)) << bytes;
         withText += expected.find("text") != std::string::npos ? 1 : 0;
     }
     EXPECT_GT(withText, 200) << "The documents hold too little";

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Orvant::SchemaText {
+namespace Orvant::LineRewriting {
 namespace {
 
 TEST(ReplaceFirst, ReplacesTheFirstOccurrenceAlone) {
@@ -109,4 +109,4 @@ TEST(SchemaHeaders, AreStartTagsOnOneLine) {
 }
 
 } // namespace
-} // namespace Orvant::SchemaText
+} // namespace Orvant::LineRewriting

@@ -109,7 +109,7 @@ ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
 
 ConfigWriterImpl::ConfigWriterImpl(const FileName& file, const std::string& content)
     : m_session(s_log, std::source_location::current()),
-      m_parser(m_confinement.makeParser<EditingParser>()) {
+      m_parser(m_confinement.makeParser<EditedDocumentParser>()) {
     load(file, content);
     prepareForWriting(*m_document);
 }
@@ -183,7 +183,7 @@ void ConfigWriterImpl::replaceBy(DOMElement& element, const std::string& name, c
         m_current->appendChild(
             m_document->createComment(checked(toCommentText(comment), name).c_str()));
     m_current->appendChild(&element);
-    if (ElementIndex* const index = currentIndex())
+    if (ChildElements* const index = currentIndex())
         index->add(element, keyText);
 }
 
@@ -209,7 +209,7 @@ ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
 
 /// The first child of a name and, if it is not null, of a key; null when there is none.
 DOMElement* ConfigWriterImpl::findChild(const XmlChString& name, const XmlChString* key) {
-    if (const ElementIndex* const index = currentIndex())
+    if (const ChildElements* const index = currentIndex())
         return index->find(name, key);
     for (DOMNode* node = m_current->getFirstChild(); node != nullptr;
          node = node->getNextSibling()) {
@@ -221,7 +221,7 @@ DOMElement* ConfigWriterImpl::findChild(const XmlChString& name, const XmlChStri
 }
 
 /// The index of the current element's children; null while it has none.
-ElementIndex* ConfigWriterImpl::currentIndex() {
+ChildElements* ConfigWriterImpl::currentIndex() {
     const auto found = m_indexes.find(m_current);
     return found == m_indexes.end() ? nullptr : &found->second;
 }
@@ -238,7 +238,7 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
     const XmlChString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
     const XmlChString keyText = key ? toDocumentText(*key).text : XmlChString();
     const XmlChString* const keyToDelete = key ? &keyText : nullptr;
-    if (ElementIndex* const index = currentIndex()) {
+    if (ChildElements* const index = currentIndex()) {
         for (DOMElement* element : index->take(nameToDelete, keyToDelete))
             deleteElement(*element);
         return;
@@ -258,7 +258,7 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
     }
     if (walked <= mostChildrenWithoutIndex)
         return;
-    ElementIndex& index = m_indexes[m_current];
+    ChildElements& index = m_indexes[m_current];
     for (DOMElement* element : kept)
         index.add(*element, element->getAttribute(keyAttribute));
 }

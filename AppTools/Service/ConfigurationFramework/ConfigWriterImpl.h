@@ -66,7 +66,7 @@ private:
     struct DocumentRelease {
         void operator()(xercesc::DOMDocument* document) const { document->release(); }
     };
-    using XmlChString = ElementIndex::XmlChString;
+    using XmlChString = ChildElements::XmlChString;
     /// A key, where an absent one counts as empty; nothing: any key.
     using Key = std::optional<std::string>;
 
@@ -79,7 +79,7 @@ private:
     static xercesc::DOMNode* commentOf(const xercesc::DOMElement& element);
     void deleteElement(xercesc::DOMElement& element);
     xercesc::DOMElement* findChild(const XmlChString& name, const XmlChString* key);
-    ElementIndex* currentIndex();
+    ChildElements* currentIndex();
     void appendText(xercesc::DOMElement& element, const std::string& text);
     ConfigurationAccessResult makeCurrent(const std::string& name, const std::string* key);
 
@@ -92,7 +92,7 @@ private:
     xercesc::DOMElement* m_current = nullptr;
     std::string m_saveProblem;
     /// Of the elements that have many children and no text.
-    std::unordered_map<const xercesc::DOMElement*, ElementIndex> m_indexes;
+    std::unordered_map<const xercesc::DOMElement*, ChildElements> m_indexes;
 };
 
 } // namespace Orvant

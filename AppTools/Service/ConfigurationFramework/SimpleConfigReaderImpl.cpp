@@ -237,7 +237,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 63
     initializeXerces(s_log, std::source_location::current());
 
-    m_parser = m_confinement.makeParser<ConfigurationParser>();
+    m_parser = m_confinement.makeParser<TreeBuildingParser>();
     m_parser->setErrorHandler(&m_errorHandler);
 
     if (!file.empty()) {

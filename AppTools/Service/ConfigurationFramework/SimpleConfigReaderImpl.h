@@ -73,7 +73,7 @@ private:
 
     ConfigReader& m_reader;
     ParserConfinement m_confinement{ParserConfinement::configurations};
-    std::unique_ptr<ConfigurationParser> m_parser;
+    std::unique_ptr<TreeBuildingParser> m_parser;
     DocumentTree* m_tree = nullptr; ///< of the parser
     DocumentTree::Element m_current = DocumentTree::none;
     XmlErrorHandler m_errorHandler;

@@ -13,8 +13,8 @@ namespace Orvant {
 namespace {
 
 void replacePrefix(const FileName& file, const std::string& from, const std::string& to) {
-    SchemaFile::rewriteLines(file, [&from, &to](const std::string& line) {
-        return SchemaText::replacePrefix(line, from, to);
+    SchemaFiles::rewriteLines(file, [&from, &to](const std::string& line) {
+        return LineRewriting::replacePrefix(line, from, to);
     });
 }
 
@@ -22,18 +22,18 @@ void replacePrefix(const FileName& file, const std::string& from, const std::str
 /// @throws ConfigException of type SourceNotFound when there is none to be had
 FileName makeCopy(const FileName& file) {
     // What has the copy's name is taken away, which must not be the file.
-    const auto bytes = SchemaFile::isScratchFile(file) ? std::nullopt : readRegularFile(file);
-    const FileName copy = SchemaFile::sanitisingCopy(file);
-    if (!bytes || !SchemaFile::makePlace(copy))
+    const auto bytes = SchemaFiles::isScratchFile(file) ? std::nullopt : readRegularFile(file);
+    const FileName copy = SchemaFiles::sanitisingCopy(file);
+    if (!bytes || !SchemaFiles::makePlace(copy))
         throw ConfigException(ConfigException::SourceNotFound);
-    SchemaFile::make(copy, *bytes);
+    SchemaFiles::make(copy, *bytes);
     return copy;
 }
 
 /// Whether a schema can be written to a file; what has its name is gone then.
 bool isPlaceForSchema(const FileName& file) {
     try {
-        return !SchemaFile::isScratchFile(file) && SchemaFile::makePlace(file);
+        return !SchemaFiles::isScratchFile(file) && SchemaFiles::makePlace(file);
     } catch (const FileNameException&) {
         return false;
     }
@@ -126,7 +126,7 @@ void XsdConfigReader::writeXSD(const FileName& file, bool fixOutput) {
     if (!isPlaceForSchema(file))
         throw ConfigException(ConfigException::SourceNotFound);
     try {
-        SchemaFile::write(*m_tree->getSchema(), file);
+        SchemaFiles::write(*m_tree->getSchema(), file);
         if (!fixOutput)
             return;
         fixXsdOutputFile(file);
@@ -140,24 +140,24 @@ void XsdConfigReader::writeXSD(const FileName& file, bool fixOutput) {
 
 void XsdConfigReader::replaceInFile(const FileName& file, const std::string& from,
                                     const std::string& to) {
-    SchemaFile::rewriteLines(file, [&from, &to](const std::string& line) {
-        return SchemaText::replaceFirst(line, from, to);
+    SchemaFiles::rewriteLines(file, [&from, &to](const std::string& line) {
+        return LineRewriting::replaceFirst(line, from, to);
     });
 }
 
 void XsdConfigReader::fixXsdFormatInFile(const FileName& file) {
-    replaceInFile(file, SchemaText::suiteHeader(true), SchemaText::readerHeader());
-    replaceInFile(file, SchemaText::suiteHeader(false), SchemaText::readerHeader());
+    replaceInFile(file, LineRewriting::suiteHeader(true), LineRewriting::readerHeader());
+    replaceInFile(file, LineRewriting::suiteHeader(false), LineRewriting::readerHeader());
     replaceInFile(file, "<xs:import/>", "");
     replacePrefix(file, "xs:", "");
     replacePrefix(file, "ov:", "");
 }
 
 void XsdConfigReader::fixXsdOutputFile(const FileName& file) {
-    const std::string header = SchemaText::suiteHeader(true);
-    replaceInFile(file, SchemaText::emptyModelHeader(), header + "\n</xs:schema>");
-    replaceInFile(file, SchemaText::modelHeader(), header);
-    SchemaFile::rewriteLines(file, SchemaText::endLineOfDocumentation);
+    const std::string header = LineRewriting::suiteHeader(true);
+    replaceInFile(file, LineRewriting::emptyModelHeader(), header + "\n</xs:schema>");
+    replaceInFile(file, LineRewriting::modelHeader(), header);
+    SchemaFiles::rewriteLines(file, LineRewriting::endLineOfDocumentation);
     replacePrefix(file, "p1:", "xs:");
     // Where a name of a built-in type has lost its prefix.
     replaceInFile(file, "type=\"int\"", "type=\"xs:int\"");

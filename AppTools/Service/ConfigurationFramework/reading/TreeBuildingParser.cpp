@@ -15,7 +15,7 @@ std::string toString(const XMLCh* text) {
 
 } // namespace
 
-void ConfigurationParser::resetDocument() {
+void TreeBuildingParser::resetDocument() {
     ConfinedParser::resetDocument();
     m_tree.reset();
     m_version.clear();
@@ -24,13 +24,13 @@ void ConfigurationParser::resetDocument() {
     m_inFirstText = false;
 }
 
-void ConfigurationParser::startDocument() {
+void TreeBuildingParser::startDocument() {
     ConfinedParser::startDocument();
     m_measure = DocumentMeasure(documentSize());
     m_tree.emplace();
 }
 
-DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& declaration) {
+DocumentTree::Name TreeBuildingParser::nameOf(const xercesc::XMLElementDecl& declaration) {
     // The scanner has one declaration for each name, declared or not, and gives them numbers from 1
     // on, where declared ones and others can have the same.
     const XMLSize_t number = declaration.getId();
@@ -46,10 +46,10 @@ DocumentTree::Name ConfigurationParser::nameOf(const xercesc::XMLElementDecl& de
     return name;
 }
 
-void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int,
-                                       const XMLCh*,
-                                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+void TreeBuildingParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int,
+                                      const XMLCh*,
+                                      const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                      XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     m_measure.startElement(declaration, attributes, attributeCount);
     endFirstText();
     std::string key;
@@ -68,29 +68,29 @@ void ConfigurationParser::startElement(const xercesc::XMLElementDecl& declaratio
         endOpenElement();
 }
 
-void ConfigurationParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool,
-                                     const XMLCh*) {
+void TreeBuildingParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool,
+                                    const XMLCh*) {
     endFirstText();
     endOpenElement();
 }
 
-void ConfigurationParser::endOpenElement() {
+void TreeBuildingParser::endOpenElement() {
     m_measure.endElement();
     m_tree->end();
 }
 
-void ConfigurationParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+void TreeBuildingParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
     ConfinedParser::startEntityReference(declaration);
     endFirstText();
     m_tree->startEntityReference();
 }
 
-void ConfigurationParser::endEntityReference(const xercesc::XMLEntityDecl&) {
+void TreeBuildingParser::endEntityReference(const xercesc::XMLEntityDecl&) {
     // No first text begins in a reference.
     m_tree->end();
 }
 
-void ConfigurationParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+void TreeBuildingParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
     m_measure.addText(text, length, isCData);
     if (!m_tree->isOpen())
         return;
@@ -103,21 +103,21 @@ void ConfigurationParser::docCharacters(const XMLCh* text, XMLSize_t length, boo
         m_firstText.append(text, length);
 }
 
-void ConfigurationParser::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
+void TreeBuildingParser::ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) {
     docCharacters(text, length, isCData);
 }
 
-void ConfigurationParser::docComment(const XMLCh* comment) {
+void TreeBuildingParser::docComment(const XMLCh* comment) {
     m_measure.addComment(comment);
     addOtherChild();
 }
 
-void ConfigurationParser::docPI(const XMLCh* target, const XMLCh* data) {
+void TreeBuildingParser::docPI(const XMLCh* target, const XMLCh* data) {
     m_measure.addInstruction(target, data);
     addOtherChild();
 }
 
-void ConfigurationParser::addOtherChild() {
+void TreeBuildingParser::addOtherChild() {
     endFirstText();
     if (m_tree->isOpen())
         m_tree->addOtherChild();
@@ -125,7 +125,7 @@ void ConfigurationParser::addOtherChild() {
 
 /// Only the end of a text tells that it is complete: it arrives in pieces, and a piece may end
 /// within a character.
-void ConfigurationParser::endFirstText() {
+void TreeBuildingParser::endFirstText() {
     if (!m_inFirstText)
         return;
     m_tree->addFirstText(m_firstText);

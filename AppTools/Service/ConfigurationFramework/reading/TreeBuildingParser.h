@@ -15,7 +15,7 @@ namespace Orvant {
 /// and what it reports becomes a DocumentTree instead of a DOM, whose nodes cost six times the time
 /// of the scanning. An empty DOM stays, for what it refuses (versions of XML, names of document
 /// types) and for what it takes: whoever edits the document needs a whole one.
-class ConfigurationParser : public ConfinedParser {
+class TreeBuildingParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-namespace Orvant::SchemaText {
+namespace Orvant::LineRewriting {
 
 namespace {
 
@@ -152,4 +152,4 @@ std::string endLineOfDocumentation(const std::string& line) {
     return replaceFirst(line, "</p1:documentation> ", "</p1:documentation>\n ");
 }
 
-} // namespace Orvant::SchemaText
+} // namespace Orvant::LineRewriting

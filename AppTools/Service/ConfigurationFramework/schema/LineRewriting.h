@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// The text of schema files: their start tags and what is replaced in a line of them.
-namespace Orvant::SchemaText {
+namespace Orvant::LineRewriting {
 
 /// Start tag of a suite schema.
 /// @param withPrefix whether it declares the prefix ov:
@@ -38,4 +38,4 @@ std::string replacePrefix(const std::string& line, std::string_view from, std::s
 /// @return the line, or two
 std::string endLineOfDocumentation(const std::string& line);
 
-} // namespace Orvant::SchemaText
+} // namespace Orvant::LineRewriting

@@ -17,7 +17,7 @@
 #include <source_location>
 #include <sstream>
 
-namespace Orvant::SchemaFile {
+namespace Orvant::SchemaFiles {
 
 namespace {
 
@@ -97,4 +97,4 @@ void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {
     make(file, document.view());
 }
 
-} // namespace Orvant::SchemaFile
+} // namespace Orvant::SchemaFiles

@@ -17,7 +17,7 @@ class FileName;
 /// is not followed.
 ///
 /// All functions throw FileNameException for a name that no file system could hold.
-namespace SchemaFile {
+namespace SchemaFiles {
 
 /// @return true for a file that has the name of a scratch file, or is a link that leads to or
 ///         through one: the schema service would delete it
@@ -46,6 +46,6 @@ void rewriteLines(const FileName& file,
 /// @throws xml_schema::serialization when XML cannot hold the schema
 void write(const OV_XsdReader::ov_schema& schema, const FileName& file);
 
-} // namespace SchemaFile
+} // namespace SchemaFiles
 
 } // namespace Orvant

@@ -13,7 +13,7 @@ namespace Orvant {
 
 /// The child elements of one element by tag, and by tag and key (an absent key counts as empty), so
 /// that elements with many children are edited without a walk over all of them for each.
-class ElementIndex {
+class ChildElements {
 public:
     using XmlChString = std::basic_string<XMLCh>;
 

@@ -15,21 +15,21 @@ bool isBlank(const XMLCh* text, XMLSize_t length) {
 
 } // namespace
 
-void EditingParser::startDocument() {
+void EditedDocumentParser::startDocument() {
     ConfinedParser::startDocument();
     m_measure = DocumentMeasure(documentSize());
 }
 
 /// Makes a node of the text that is open, if it has none yet.
 /// @param isFormatting true: it stands between lines, which the printer separates anew
-void EditingParser::endText(bool isFormatting) {
+void EditedDocumentParser::endText(bool isFormatting) {
     if (!m_space.empty() && !isFormatting)
         ConfinedParser::docCharacters(m_space.c_str(), m_space.size(), false);
     m_space.clear();
     m_isInText = false;
 }
 
-void EditingParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
+void EditedDocumentParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
     m_measure.addText(text, length, isCData);
     if (!isCData && !m_isInText && isBlank(text, length)) {
         m_space.append(text, length);
@@ -40,23 +40,23 @@ void EditingParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCD
     ConfinedParser::docCharacters(text, length, isCData);
 }
 
-void EditingParser::docComment(const XMLCh* comment) {
+void EditedDocumentParser::docComment(const XMLCh* comment) {
     m_measure.addComment(comment);
     endText(m_isBehindLine);
     ConfinedParser::docComment(comment);
 }
 
-void EditingParser::docPI(const XMLCh* target, const XMLCh* data) {
+void EditedDocumentParser::docPI(const XMLCh* target, const XMLCh* data) {
     m_measure.addInstruction(target, data);
     endText(true);
     m_isBehindLine = true;
     ConfinedParser::docPI(target, data);
 }
 
-void EditingParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
-                                 const XMLCh* prefix,
-                                 const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                                 XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+void EditedDocumentParser::startElement(const xercesc::XMLElementDecl& declaration,
+                                        unsigned int uri, const XMLCh* prefix,
+                                        const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                        XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     m_measure.startElement(declaration, attributes, attributeCount);
     endText(true);
     m_isBehindLine = false;
@@ -64,8 +64,8 @@ void EditingParser::startElement(const xercesc::XMLElementDecl& declaration, uns
                                  isRoot);
 }
 
-void EditingParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
-                               bool isRoot, const XMLCh* prefix) {
+void EditedDocumentParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                                      bool isRoot, const XMLCh* prefix) {
     m_measure.endElement();
     endText(m_isBehindLine);
     m_isBehindLine = true;

@@ -9,7 +9,7 @@ namespace Orvant {
 
 /// The parser of a document that is edited: makes no nodes of line breaks and indentation, and
 /// refuses what takes too much memory.
-class EditingParser : public ConfinedParser {
+class EditedDocumentParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;
 
