@@ -3,11 +3,10 @@
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/xml/NumberText.h>
 
 #include <Logging/Logging.h>
 
-#include <array>
-#include <charconv>
 #include <utility>
 
 namespace Orvant {
@@ -15,24 +14,6 @@ namespace Orvant {
 namespace {
 
 const Logging s_log("ConfigWriter");
-
-/// A number as std::to_chars writes it: the same in every locale, which streams and
-/// boost::lexical_cast are not.
-template <typename... Arguments>
-std::string formatNumber(Arguments... arguments) {
-    std::array<char, 32> buffer{};
-    char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), arguments...).ptr;
-    return {buffer.data(), end};
-}
-
-/// As a default-formatted stream writes it in the classic locale.
-std::string formatDefault(double value) {
-    return formatNumber(value, std::chars_format::general, 6);
-}
-
-std::string formatScientific(double value) {
-    return formatNumber(value, std::chars_format::scientific, 10);
-}
 
 /// Puts a writer back on its element at the end of the scope.
 class ElementRestorer {
@@ -116,7 +97,7 @@ void ConfigWriter::putFloat(const std::string& name, const float& value,
 
 void ConfigWriter::putDouble(const std::string& name, const double& value,
                              const std::string& comment) {
-    m_impl->putText(name, formatDefault(value), comment);
+    m_impl->putText(name, formatNumber(value), comment);
 }
 
 void ConfigWriter::putBool(const std::string& name, const bool& value, const std::string& comment) {
@@ -155,7 +136,7 @@ void ConfigWriter::putValue(const std::string& name, const float& value, const i
 
 void ConfigWriter::putValue(const std::string& name, const double& value, const int& format,
                             const std::string& comment) {
-    m_impl->putText(name, format == 0 ? formatDefault(value) : formatScientific(value), comment);
+    m_impl->putText(name, format == 0 ? formatNumber(value) : formatScientific(value), comment);
 }
 
 void ConfigWriter::putValue(const std::string& name, const bool& value, const int& /*format*/,

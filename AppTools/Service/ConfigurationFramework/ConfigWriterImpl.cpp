@@ -33,7 +33,6 @@ namespace {
 
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using XmlChString = std::basic_string<XMLCh>;
 
 const Logging s_log("ConfigWriter");
 
@@ -70,7 +69,7 @@ void logError(const std::string& message,
 }
 
 /// A text made fit for the document; what had to be replaced is logged.
-XmlChString checked(DocumentText text, const std::string& elementName) {
+XmlString checked(XmlText text, const std::string& elementName) {
     if (text.changed)
         logError("Characters that XML cannot hold were replaced by U+FFFD in the element \"" +
                  elementName + '"');
@@ -78,7 +77,7 @@ XmlChString checked(DocumentText text, const std::string& elementName) {
 }
 
 /// @param key null: any
-bool matches(const DOMElement& element, const XmlChString& name, const XmlChString* key) {
+bool matches(const DOMElement& element, const XmlString& name, const XmlString* key) {
     return name == element.getTagName() &&
            (key == nullptr || *key == element.getAttribute(keyAttribute));
 }
@@ -102,8 +101,7 @@ ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
       m_newDocument(domImplementation().createDocument()),
       m_document(m_newDocument.get()) {
     m_current = m_document->createElement(configurationTag);
-    m_current->setAttribute(versionAttribute,
-                            checked(toDocumentText(version), "Configuration").c_str());
+    m_current->setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
     m_document->appendChild(m_current);
 }
 
@@ -153,7 +151,7 @@ void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::strin
 }
 
 DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
-    const DocumentText tag = toDocumentText(name);
+    const XmlText tag = toXmlText(name);
     if (tag.changed)
         throw xercesc::DOMException(xercesc::DOMException::INVALID_CHARACTER_ERR);
     return *m_document->createElement(tag.text.c_str());
@@ -175,13 +173,13 @@ void ConfigWriterImpl::appendElement(DOMElement& element, const std::string& com
 /// Appends an element in place of the children of its name or, if it has a key, of name and key.
 void ConfigWriterImpl::replaceBy(DOMElement& element, const std::string& name, const Key& key,
                                  const std::string& comment) {
-    const XmlChString keyText = key ? checked(toDocumentText(*key), name) : XmlChString();
+    const XmlString keyText = key ? checked(toXmlText(*key), name) : XmlString();
     if (key)
         element.setAttribute(keyAttribute, keyText.c_str());
     deleteChildren(name, key);
     if (!comment.empty())
         m_current->appendChild(
-            m_document->createComment(checked(toCommentText(comment), name).c_str()));
+            m_document->createComment(checked(toXmlComment(comment), name).c_str()));
     m_current->appendChild(&element);
     if (ChildElements* const index = currentIndex())
         index->add(element, keyText);
@@ -198,8 +196,8 @@ ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::strin
 
 ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
                                                         const std::string* key) {
-    const XmlChString wantedName = XercesHelperFunctions::stringToXmlCh(name);
-    const auto wantedKey = key == nullptr ? std::nullopt : std::optional(toDocumentText(*key).text);
+    const XmlString wantedName = XercesHelperFunctions::stringToXmlCh(name);
+    const auto wantedKey = key == nullptr ? std::nullopt : std::optional(toXmlText(*key).text);
     DOMElement* const found = findChild(wantedName, wantedKey ? &*wantedKey : nullptr);
     if (found == nullptr)
         return ConfigurationAccessResult::Failure;
@@ -208,7 +206,7 @@ ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
 }
 
 /// The first child of a name and, if it is not null, of a key; null when there is none.
-DOMElement* ConfigWriterImpl::findChild(const XmlChString& name, const XmlChString* key) {
+DOMElement* ConfigWriterImpl::findChild(const XmlString& name, const XmlString* key) {
     if (const ChildElements* const index = currentIndex())
         return index->find(name, key);
     for (DOMNode* node = m_current->getFirstChild(); node != nullptr;
@@ -235,9 +233,9 @@ void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::strin
 }
 
 void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
-    const XmlChString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
-    const XmlChString keyText = key ? toDocumentText(*key).text : XmlChString();
-    const XmlChString* const keyToDelete = key ? &keyText : nullptr;
+    const XmlString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
+    const XmlString keyText = key ? toXmlText(*key).text : XmlString();
+    const XmlString* const keyToDelete = key ? &keyText : nullptr;
     if (ChildElements* const index = currentIndex()) {
         for (DOMElement* element : index->take(nameToDelete, keyToDelete))
             deleteElement(*element);
@@ -279,7 +277,7 @@ void ConfigWriterImpl::deleteElement(DOMElement& element) {
 
 std::set<std::string>
 ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names) const {
-    std::unordered_map<XmlChString, std::string> notSeen;
+    std::unordered_map<XmlString, std::string> notSeen;
     for (const std::string& name : names)
         notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
     std::set<std::string> hidden;
@@ -313,7 +311,7 @@ ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name)
 
 void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) {
     const std::string name = XercesHelperFunctions::xmlChToString(element.getTagName());
-    element.appendChild(m_document->createTextNode(checked(toDocumentText(text), name).c_str()));
+    element.appendChild(m_document->createTextNode(checked(toXmlText(text), name).c_str()));
 }
 
 void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
@@ -323,7 +321,7 @@ void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
 
 void ConfigWriterImpl::putString(const std::string& value) {
     const std::string name = XercesHelperFunctions::xmlChToString(m_current->getTagName());
-    m_current->setTextContent(checked(toDocumentText(value), name).c_str());
+    m_current->setTextContent(checked(toXmlText(value), name).c_str());
     m_indexes.erase(m_current);
 }
 
@@ -334,7 +332,7 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
     for (const std::string& value : values) {
         DOMElement& item = *m_document->createElement(u"item");
         list.appendChild(&item);
-        item.appendChild(m_document->createTextNode(checked(toDocumentText(value), name).c_str()));
+        item.appendChild(m_document->createTextNode(checked(toXmlText(value), name).c_str()));
     }
 }
 

@@ -66,7 +66,6 @@ private:
     struct DocumentRelease {
         void operator()(xercesc::DOMDocument* document) const { document->release(); }
     };
-    using XmlChString = ChildElements::XmlChString;
     /// A key, where an absent one counts as empty; nothing: any key.
     using Key = std::optional<std::string>;
 
@@ -78,7 +77,7 @@ private:
     void deleteChildren(const std::string& name, const Key& key);
     static xercesc::DOMNode* commentOf(const xercesc::DOMElement& element);
     void deleteElement(xercesc::DOMElement& element);
-    xercesc::DOMElement* findChild(const XmlChString& name, const XmlChString* key);
+    xercesc::DOMElement* findChild(const XmlString& name, const XmlString* key);
     ChildElements* currentIndex();
     void appendText(xercesc::DOMElement& element, const std::string& text);
     ConfigurationAccessResult makeCurrent(const std::string& name, const std::string* key);

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/reading/DocumentTree.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/DocumentMeasure.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <optional>
 #include <string>
@@ -49,7 +50,7 @@ private:
     std::string m_version;
     /// The name of what was last declared under each number.
     std::vector<std::pair<const xercesc::XMLElementDecl*, DocumentTree::Name>> m_names;
-    std::u16string m_firstText; ///< of the open element, in pieces
+    XmlString m_firstText; ///< of the open element, in pieces
     bool m_inFirstText = false;
 };
 

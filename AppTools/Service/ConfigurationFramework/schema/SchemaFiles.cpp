@@ -37,7 +37,7 @@ FileName beside(const FileName& file, const std::string& name) {
 bool fitsIntoXml(const OV_XsdReader::ov_schema& schema) {
     std::ostringstream texts;
     texts << schema;
-    return !toDocumentText(texts.str()).changed;
+    return !toXmlText(texts.str()).changed;
 }
 
 } // namespace

@@ -4,14 +4,14 @@ namespace Orvant {
 
 using xercesc::DOMElement;
 
-void ChildElements::add(DOMElement& child, const XmlChString& key) {
+void ChildElements::add(DOMElement& child, const XmlString& key) {
     Namesakes& namesakes = m_namesakes[child.getTagName()];
     namesakes.elements.emplace(m_next, &child);
     namesakes.byKey[key].insert(m_next);
     ++m_next;
 }
 
-DOMElement* ChildElements::find(const XmlChString& name, const XmlChString* key) const {
+DOMElement* ChildElements::find(const XmlString& name, const XmlString* key) const {
     const auto found = m_namesakes.find(name);
     if (found == m_namesakes.end())
         return nullptr;
@@ -22,7 +22,7 @@ DOMElement* ChildElements::find(const XmlChString& name, const XmlChString* key)
     return keyed == namesakes.byKey.end() ? nullptr : namesakes.elements.at(*keyed->second.begin());
 }
 
-std::vector<DOMElement*> ChildElements::take(const XmlChString& name, const XmlChString* key) {
+std::vector<DOMElement*> ChildElements::take(const XmlString& name, const XmlString* key) {
     std::vector<DOMElement*> taken;
     const auto found = m_namesakes.find(name);
     if (found == m_namesakes.end())

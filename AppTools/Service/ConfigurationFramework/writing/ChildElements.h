@@ -1,9 +1,10 @@
 #pragma once
 
+#include <ConfigurationFramework/xml/XmlText.h>
+
 #include <cstddef>
 #include <map>
 #include <set>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -15,27 +16,25 @@ namespace Orvant {
 /// that elements with many children are edited without a walk over all of them for each.
 class ChildElements {
 public:
-    using XmlChString = std::basic_string<XMLCh>;
-
     /// Adds a child behind all that were added before.
-    void add(xercesc::DOMElement& child, const XmlChString& key);
+    void add(xercesc::DOMElement& child, const XmlString& key);
 
     /// @return the first child of that tag and, if it is not null, that key; null when there is
     /// none
-    xercesc::DOMElement* find(const XmlChString& name, const XmlChString* key) const;
+    xercesc::DOMElement* find(const XmlString& name, const XmlString* key) const;
 
     /// Takes the children of that tag and, if it is not null, that key out of the index.
     /// @return the children, in order
-    std::vector<xercesc::DOMElement*> take(const XmlChString& name, const XmlChString* key);
+    std::vector<xercesc::DOMElement*> take(const XmlString& name, const XmlString* key);
 
 private:
     using Position = std::size_t;
     struct Namesakes {
         std::map<Position, xercesc::DOMElement*> elements;
-        std::unordered_map<XmlChString, std::set<Position>> byKey;
+        std::unordered_map<XmlString, std::set<Position>> byKey;
     };
 
-    std::unordered_map<XmlChString, Namesakes> m_namesakes;
+    std::unordered_map<XmlString, Namesakes> m_namesakes;
     Position m_next = 0;
 };
 

@@ -4,7 +4,6 @@
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <algorithm>
-#include <string_view>
 
 #include <xercesc/dom/DOMText.hpp>
 
@@ -18,7 +17,7 @@ using xercesc::DOMText;
 
 /// Cuts the line break and indentation before a tag, which the printer makes anew.
 void cutFormatting(DOMText& text) {
-    const std::basic_string_view<XMLCh> content(text.getData());
+    const XmlStringView content(text.getData());
     const auto lastOther = content.find_last_not_of(formattingSpace);
     if (lastOther == content.npos) {
         text.getParentNode()->removeChild(&text);

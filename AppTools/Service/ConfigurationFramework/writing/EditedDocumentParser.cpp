@@ -1,16 +1,11 @@
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 
-#include <ConfigurationFramework/xml/XmlText.h>
-
-#include <string_view>
-
 namespace Orvant {
 
 namespace {
 
 bool isBlank(const XMLCh* text, XMLSize_t length) {
-    return std::u16string_view(text, length).find_first_not_of(formattingSpace) ==
-           std::u16string_view::npos;
+    return XmlStringView(text, length).find_first_not_of(formattingSpace) == XmlStringView::npos;
 }
 
 } // namespace

@@ -2,8 +2,7 @@
 
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/DocumentMeasure.h>
-
-#include <string>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 namespace Orvant {
 
@@ -27,7 +26,7 @@ private:
     void endText(bool isFormatting);
 
     DocumentMeasure m_measure;
-    std::u16string m_space;      ///< text with nothing else so far, of which no node is made yet
+    XmlString m_space;           ///< text with nothing else so far, of which no node is made yet
     bool m_isInText = false;     ///< a node was made of what came last
     bool m_isBehindLine = false; ///< the open element has a child with a line of its own
 };

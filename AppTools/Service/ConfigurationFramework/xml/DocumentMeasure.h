@@ -1,7 +1,8 @@
 #pragma once
 
+#include <ConfigurationFramework/xml/XmlText.h>
+
 #include <cstddef>
-#include <string>
 #include <unordered_set>
 
 #include <xercesc/framework/XMLAttr.hpp>
@@ -52,8 +53,8 @@ private:
     std::size_t m_bytes = 0;
     std::size_t m_depth = 0;
     std::size_t m_deepest = 0;
-    std::size_t m_names = 0;                             ///< of elements
-    std::unordered_set<std::u16string> m_attributeNames; ///< but for those that are everywhere
+    std::size_t m_names = 0;                        ///< of elements
+    std::unordered_set<XmlString> m_attributeNames; ///< but for those that are everywhere
     bool m_endsWithSpace = false; ///< in the open element, with nothing else behind it
 };
 

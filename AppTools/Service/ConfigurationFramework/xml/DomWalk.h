@@ -2,7 +2,7 @@
 
 #include <xercesc/dom/DOMElement.hpp>
 
-// Walks go by links, without recursion: a document may be nested deeper than the stack.
+// Walks follow links and do not recurse: a document may be nested deeper than the stack.
 
 namespace Orvant {
 
@@ -13,18 +13,14 @@ inline xercesc::DOMElement* asElement(xercesc::DOMNode* node) {
                : nullptr;
 }
 
-/// The node after another and all below that, in document order below a root; null at the end.
-inline xercesc::DOMNode* nextBehind(const xercesc::DOMNode& root, const xercesc::DOMNode* node) {
+/// The node after another in document order below a root; null at the end.
+inline xercesc::DOMNode* nextBelow(const xercesc::DOMNode& root, const xercesc::DOMNode* node) {
+    if (xercesc::DOMNode* const child = node->getFirstChild())
+        return child;
     for (; node != &root; node = node->getParentNode())
         if (xercesc::DOMNode* const sibling = node->getNextSibling())
             return sibling;
     return nullptr;
-}
-
-/// The node after another in document order below a root; null at the end.
-inline xercesc::DOMNode* nextBelow(const xercesc::DOMNode& root, const xercesc::DOMNode* node) {
-    xercesc::DOMNode* const child = node->getFirstChild();
-    return child != nullptr ? child : nextBehind(root, node);
 }
 
 } // namespace Orvant

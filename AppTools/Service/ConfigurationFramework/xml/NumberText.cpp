@@ -1,10 +1,10 @@
 #include <ConfigurationFramework/xml/NumberText.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <locale>
 #include <sstream>
-#include <string>
 
 namespace Orvant {
 
@@ -44,6 +44,15 @@ std::string_view floatingPointPrefix(std::string_view text) {
     return text.substr(0, i);
 }
 
+/// @param notation how std::to_chars is to write the number
+template <typename Number, typename... Notation>
+std::string format(Number number, Notation... notation) {
+    std::array<char, 32> buffer{};
+    char* const end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, notation...).ptr;
+    return {buffer.data(), end};
+}
+
 /// Without the plus that std::from_chars does not take; another sign may not follow it.
 /// @return an empty text when one does
 std::string_view withoutPlus(std::string_view text) {
@@ -76,6 +85,18 @@ bool extractNumber(std::string_view text, double& number) {
     }
     number = result;
     return true;
+}
+
+std::string formatNumber(int number) {
+    return format(number);
+}
+
+std::string formatNumber(double number) {
+    return format(number, std::chars_format::general, 6);
+}
+
+std::string formatScientific(double number) {
+    return format(number, std::chars_format::scientific, 10);
 }
 
 } // namespace Orvant

@@ -1,16 +1,25 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+
+// Numbers as streams in the classic locale read and write them, whatever the application's locale.
 
 namespace Orvant {
 
-/// Reads a number off the front of a text, as a stream in the classic locale extracts it: white
-/// space before it is skipped, anything behind it ignored. An overflow is no number; an underflow
-/// is.
+/// Reads a number off the front of a text, as a stream extracts it: white space before it is
+/// skipped, anything after it ignored. An overflow is no number; an underflow is.
 /// @param number written on success only
 /// @return true when there was a number
 bool extractNumber(std::string_view text, int& number);
 /// @copydoc extractNumber(std::string_view, int&)
 bool extractNumber(std::string_view text, double& number);
+
+/// @return the number in decimal digits, after a minus if it is negative
+std::string formatNumber(int number);
+/// @return the number in default notation, with six significant digits
+std::string formatNumber(double number);
+/// @return the number in scientific notation, with ten digits after the point
+std::string formatScientific(double number);
 
 } // namespace Orvant

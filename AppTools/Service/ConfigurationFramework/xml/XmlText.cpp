@@ -15,8 +15,8 @@ bool isXmlCharacter(code_point c) {
 
 } // namespace
 
-DocumentText toDocumentText(std::string_view text) {
-    DocumentText result;
+XmlText toXmlText(std::string_view text) {
+    XmlText result;
     result.text.reserve(text.size());
     const char* const end = text.data() + text.size();
     for (const char* position = text.data(); position != end;) {
@@ -32,11 +32,7 @@ DocumentText toDocumentText(std::string_view text) {
     return result;
 }
 
-std::string throughDocument(const std::string& text) {
-    return transcode<char>(std::basic_string_view<XMLCh>(toDocumentText(text).text));
-}
-
-DocumentText toCommentText(std::string_view text) {
+XmlText toXmlComment(std::string_view text) {
     std::string separated;
     for (std::size_t i = 0; i < text.size(); ++i) {
         separated += text[i];
@@ -44,7 +40,11 @@ DocumentText toCommentText(std::string_view text) {
         if (text[i] == '-' && hyphenOrEndFollows)
             separated += ' ';
     }
-    return toDocumentText(separated);
+    return toXmlText(separated);
+}
+
+std::string throughDocument(const std::string& text) {
+    return transcode<char>(XmlStringView(toXmlText(text).text));
 }
 
 } // namespace Orvant

@@ -11,27 +11,31 @@ namespace Orvant {
 static_assert(std::is_same_v<XMLCh, char16_t>,
               "Xerces-C++ must be built with char16_t as its character type, which is its default");
 
+/// Text as Xerces has it, in UTF-16.
+using XmlString = std::basic_string<XMLCh>;
+using XmlStringView = std::basic_string_view<XMLCh>;
+
 /// What line breaks and indentation are made of.
 constexpr const XMLCh* formattingSpace = u" \t\r\n";
 
 /// Text that an XML 1.0 document can hold.
-struct DocumentText {
-    std::basic_string<XMLCh> text; ///< the text in UTF-16
-    bool changed = false;          ///< whether something of the original had to be replaced
+struct XmlText {
+    XmlString text;
+    bool changed = false; ///< whether something of the original had to be replaced
 };
 
 /// Makes text fit for a document: U+FFFD stands for each character outside the production Char of
 /// XML 1.0, section 2.2, and for each byte that is not UTF-8.
 /// @param text UTF-8
-DocumentText toDocumentText(std::string_view text);
+XmlText toXmlText(std::string_view text);
+
+/// Makes text fit for a comment: as toXmlText(), and with a blank after each hyphen that another
+/// hyphen or the end would follow (XML 1.0, section 2.5).
+/// @param text UTF-8
+XmlText toXmlComment(std::string_view text);
 
 /// @return the text in UTF-8 as it reads when it has been through a document
 /// @param text UTF-8
 std::string throughDocument(const std::string& text);
-
-/// Makes text fit for a comment: as toDocumentText(), and with a blank after each hyphen that
-/// another hyphen or the end would follow (XML 1.0, section 2.5).
-/// @param text UTF-8
-DocumentText toCommentText(std::string_view text);
 
 } // namespace Orvant
