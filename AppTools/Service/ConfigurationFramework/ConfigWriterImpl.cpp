@@ -2,7 +2,6 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/files/FileSaving.h>
-#include <ConfigurationFramework/writing/DocumentPrinter.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/XmlText.h>
@@ -16,16 +15,12 @@
 #include <utility>
 
 #include <xercesc/dom/DOMComment.hpp>
-#include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
-#include <xercesc/dom/DOMLSOutput.hpp>
-#include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/dom/DOMText.hpp>
-#include <xercesc/framework/XMLFormatter.hpp>
 #include <xercesc/util/XMLException.hpp>
-#include <xercesc/util/XMLUni.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 
@@ -38,30 +33,9 @@ const Logging s_log("ConfigWriter");
 
 constexpr const XMLCh* configurationTag = u"Configuration";
 constexpr const XMLCh* versionAttribute = u"version";
-constexpr const XMLCh* keyAttribute = u"key";
 
 /// Up to here, comparing one child after the other is faster than an index.
 constexpr std::size_t mostChildrenWithoutIndex = 32;
-
-struct SerializerRelease {
-    void operator()(xercesc::DOMLSSerializer* serializer) const { serializer->release(); }
-};
-struct OutputRelease {
-    void operator()(xercesc::DOMLSOutput* output) const { output->release(); }
-};
-
-/// Takes what is printed.
-class StringTarget : public xercesc::XMLFormatTarget {
-public:
-    explicit StringTarget(std::size_t expectedSize) { m_text.reserve(expectedSize); }
-    void writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) override {
-        m_text.append(reinterpret_cast<const char*>(bytes), count);
-    }
-    std::string takeText() { return std::move(m_text); }
-
-private:
-    std::string m_text;
-};
 
 void logError(const std::string& message,
               const std::source_location& place = std::source_location::current()) {
@@ -76,29 +50,22 @@ XmlString checked(XmlText text, const std::string& elementName) {
     return std::move(text.text);
 }
 
-/// @param key null: any
-bool matches(const DOMElement& element, const XmlString& name, const XmlString* key) {
-    return name == element.getTagName() &&
-           (key == nullptr || *key == element.getAttribute(keyAttribute));
+/// The children of a tag, whatever their key.
+ChildSelection named(const std::string& name) {
+    return {XercesHelperFunctions::stringToXmlCh(name), std::nullopt};
 }
 
-/// @return false when XML cannot hold what stands in the node
-bool writeNode(xercesc::DOMLSSerializer& serializer, const DOMNode& node,
-               xercesc::DOMLSOutput& output) try {
-    return serializer.write(&node, &output);
-} catch (const xercesc::DOMException&) {
-    return false;
-}
-
-xercesc::DOMImplementation& domImplementation() {
-    return *xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+/// The children of a tag and a key.
+ChildSelection keyed(const std::string& name, const std::string& key) {
+    return {XercesHelperFunctions::stringToXmlCh(name), toXmlText(key).text};
 }
 
 } // namespace
 
 ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
     : m_session(s_log, std::source_location::current()),
-      m_newDocument(domImplementation().createDocument()),
+      m_newDocument(
+          xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS")->createDocument()),
       m_document(m_newDocument.get()) {
     m_current = m_document->createElement(configurationTag);
     m_current->setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
@@ -109,7 +76,6 @@ ConfigWriterImpl::ConfigWriterImpl(const FileName& file, const std::string& cont
     : m_session(s_log, std::source_location::current()),
       m_parser(m_confinement.makeParser<EditedDocumentParser>()) {
     load(file, content);
-    prepareForWriting(*m_document);
 }
 
 void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
@@ -137,17 +103,8 @@ void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
     m_current = m_document->getDocumentElement();
     if (m_current == nullptr)
         throw ConfigException(ConfigException::InvalidDocument);
-    if (!matches(*m_current, configurationTag, nullptr))
+    if (!xercesc::XMLString::equals(m_current->getTagName(), configurationTag))
         throw ConfigException(ConfigException::InvalidDocument);
-}
-
-void ConfigWriterImpl::createNode(const std::string& name, const std::string& comment) {
-    appendElement(name, std::nullopt, comment);
-}
-
-void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
-                                       const std::string& comment) {
-    appendElement(name, key, comment);
 }
 
 DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
@@ -157,62 +114,68 @@ DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
     return *m_document->createElement(tag.text.c_str());
 }
 
-DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const Key& key,
-                                            const std::string& comment) {
+void ConfigWriterImpl::createNode(const std::string& name, const std::string& comment) {
+    appendElement(name, comment);
+}
+
+void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
+                                       const std::string& comment) {
+    DOMElement& element = createElement(name);
+    const XmlString keyText = checked(toXmlText(key), name);
+    element.setAttribute(keyAttribute, keyText.c_str());
+    replaceBy(element, {element.getTagName(), keyText}, comment);
+}
+
+DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const std::string& comment) {
     // Made before anything is deleted: an invalid name is refused here.
     DOMElement& element = createElement(name);
-    replaceBy(element, name, key, comment);
+    appendElement(element, comment);
     return element;
 }
 
 void ConfigWriterImpl::appendElement(DOMElement& element, const std::string& comment) {
-    replaceBy(element, XercesHelperFunctions::xmlChToString(element.getTagName()), std::nullopt,
-              comment);
+    replaceBy(element, {element.getTagName(), std::nullopt}, comment);
 }
 
-/// Appends an element in place of the children of its name or, if it has a key, of name and key.
-void ConfigWriterImpl::replaceBy(DOMElement& element, const std::string& name, const Key& key,
+/// Appends an element in place of the selected children.
+void ConfigWriterImpl::replaceBy(DOMElement& element, const ChildSelection& replaced,
                                  const std::string& comment) {
-    const XmlString keyText = key ? checked(toXmlText(*key), name) : XmlString();
-    if (key)
-        element.setAttribute(keyAttribute, keyText.c_str());
-    deleteChildren(name, key);
-    if (!comment.empty())
+    deleteChildren(replaced);
+    if (!comment.empty()) {
+        const std::string name = XercesHelperFunctions::xmlChToString(element.getTagName());
         m_current->appendChild(
             m_document->createComment(checked(toXmlComment(comment), name).c_str()));
+    }
     m_current->appendChild(&element);
     if (ChildElements* const index = currentIndex())
-        index->add(element, keyText);
+        index->add(element);
 }
 
 ConfigurationAccessResult ConfigWriterImpl::setCurrentNode(const std::string& name) {
-    return makeCurrent(name, nullptr);
+    return makeCurrent(named(name));
 }
 
 ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::string& name,
                                                                 const std::string& key) {
-    return makeCurrent(name, &key);
+    return makeCurrent(keyed(name, key));
 }
 
-ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const std::string& name,
-                                                        const std::string* key) {
-    const XmlString wantedName = XercesHelperFunctions::stringToXmlCh(name);
-    const auto wantedKey = key == nullptr ? std::nullopt : std::optional(toXmlText(*key).text);
-    DOMElement* const found = findChild(wantedName, wantedKey ? &*wantedKey : nullptr);
+ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const ChildSelection& selection) {
+    DOMElement* const found = findChild(selection);
     if (found == nullptr)
         return ConfigurationAccessResult::Failure;
     m_current = found;
     return ConfigurationAccessResult::Success;
 }
 
-/// The first child of a name and, if it is not null, of a key; null when there is none.
-DOMElement* ConfigWriterImpl::findChild(const XmlString& name, const XmlString* key) {
+/// The first of the selected children; null when there is none.
+DOMElement* ConfigWriterImpl::findChild(const ChildSelection& selection) {
     if (const ChildElements* const index = currentIndex())
-        return index->find(name, key);
+        return index->find(selection);
     for (DOMNode* node = m_current->getFirstChild(); node != nullptr;
          node = node->getNextSibling()) {
         DOMElement* const element = asElement(node);
-        if (element != nullptr && matches(*element, name, key))
+        if (element != nullptr && selection.includes(*element))
             return element;
     }
     return nullptr;
@@ -225,19 +188,16 @@ ChildElements* ConfigWriterImpl::currentIndex() {
 }
 
 void ConfigWriterImpl::deleteNodes(const std::string& name, const std::string& key) {
-    deleteChildren(name, key.empty() ? std::nullopt : Key(key));
+    deleteChildren(key.empty() ? named(name) : keyed(name, key));
 }
 
 void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::string& key) {
-    deleteChildren(name, key);
+    deleteChildren(keyed(name, key));
 }
 
-void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
-    const XmlString nameToDelete = XercesHelperFunctions::stringToXmlCh(name);
-    const XmlString keyText = key ? toXmlText(*key).text : XmlString();
-    const XmlString* const keyToDelete = key ? &keyText : nullptr;
+void ConfigWriterImpl::deleteChildren(const ChildSelection& selection) {
     if (ChildElements* const index = currentIndex()) {
-        for (DOMElement* element : index->take(nameToDelete, keyToDelete))
+        for (DOMElement* element : index->take(selection))
             deleteElement(*element);
         return;
     }
@@ -248,7 +208,7 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
         DOMElement* const element = asElement(node);
         if (node->getNodeType() == DOMNode::TEXT_NODE)
             m_current->removeChild(node);
-        else if (element != nullptr && matches(*element, nameToDelete, keyToDelete))
+        else if (element != nullptr && selection.includes(*element))
             deleteElement(*element);
         else if (element != nullptr)
             kept.push_back(element);
@@ -258,7 +218,7 @@ void ConfigWriterImpl::deleteChildren(const std::string& name, const Key& key) {
         return;
     ChildElements& index = m_indexes[m_current];
     for (DOMElement* element : kept)
-        index.add(*element, element->getAttribute(keyAttribute));
+        index.add(*element);
 }
 
 /// The comment right before an element, which belongs to it; null when there is none.
@@ -296,7 +256,7 @@ ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names
 
 ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name) {
     // The first of its namesakes stays it, so an index of the children stays right.
-    DOMElement* const element = findChild(XercesHelperFunctions::stringToXmlCh(name), nullptr);
+    DOMElement* const element = findChild(named(name));
     if (element == nullptr)
         return ConfigurationAccessResult::Failure;
     DOMNode* const comment = commentOf(*element);
@@ -316,7 +276,7 @@ void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) 
 
 void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
                                const std::string& comment) {
-    appendText(appendElement(name, std::nullopt, comment), text);
+    appendText(appendElement(name, comment), text);
 }
 
 void ConfigWriterImpl::putString(const std::string& value) {
@@ -328,45 +288,12 @@ void ConfigWriterImpl::putString(const std::string& value) {
 void ConfigWriterImpl::putStringVector(const std::string& name,
                                        const std::vector<std::string>& values,
                                        const std::string& comment) {
-    DOMElement& list = appendElement(name, std::nullopt, comment);
+    DOMElement& list = appendElement(name, comment);
     for (const std::string& value : values) {
         DOMElement& item = *m_document->createElement(u"item");
         list.appendChild(&item);
         item.appendChild(m_document->createTextNode(checked(toXmlText(value), name).c_str()));
     }
-}
-
-ConfigWriterImpl::Printed ConfigWriterImpl::print() const {
-    const DOMElement* const root = m_document->getDocumentElement();
-    const PrintedLayout layout = layoutOf(*root);
-    if (layout.depth > maxWrittenDepth || layout.indentation > maxWrittenIndentation)
-        return {"", "The document is nested too deeply to be written"};
-    if (layout.commentsInARow > maxCommentsInARow)
-        return {"", "The document has too many comments in a row to be written"};
-    const std::unique_ptr<xercesc::DOMLSSerializer, SerializerRelease> serializer(
-        domImplementation().createLSSerializer());
-    xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();
-    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true))
-        configuration.setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
-    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTBOM, true))
-        configuration.setParameter(xercesc::XMLUni::fgDOMWRTBOM, false);
-    configuration.setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
-    // The DTD that declares default attributes is not written, so they are.
-    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false))
-        configuration.setParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false);
-
-    // Not by way of a string of Xerces', which takes four times the memory.
-    constexpr std::size_t usualNode = 16;
-    StringTarget target(layout.indentation + layout.nodes * usualNode);
-    const std::unique_ptr<xercesc::DOMLSOutput, OutputRelease> output(
-        domImplementation().createLSOutput());
-    output->setEncoding(u"UTF-8");
-    output->setByteStream(&target);
-    if (!writeNode(*serializer, *root, *output))
-        return {"", "The document holds something that XML cannot express"};
-    std::string text = target.takeText();
-    text.erase(0, text.find('<'));
-    return {std::move(text), ""};
 }
 
 bool ConfigWriterImpl::saveToFile(const FileName& file) {

@@ -2,11 +2,11 @@
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
 #include <ConfigurationFramework/writing/ChildElements.h>
+#include <ConfigurationFramework/writing/DocumentPrinter.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -50,12 +50,7 @@ public:
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
                          const std::string& comment);
 
-    /// @return the document, or nothing and the reason
-    struct Printed {
-        std::string text;
-        std::string problem;
-    };
-    Printed print() const;
+    PrintedDocument print() const { return printDocument(*m_document); }
     bool saveToFile(const FileName& file);
     const std::string& saveProblem() const { return m_saveProblem; }
 
@@ -66,21 +61,18 @@ private:
     struct DocumentRelease {
         void operator()(xercesc::DOMDocument* document) const { document->release(); }
     };
-    /// A key, where an absent one counts as empty; nothing: any key.
-    using Key = std::optional<std::string>;
 
     void load(const FileName& file, const std::string& content);
-    xercesc::DOMElement& appendElement(const std::string& name, const Key& key,
-                                       const std::string& comment);
-    void replaceBy(xercesc::DOMElement& element, const std::string& name, const Key& key,
+    xercesc::DOMElement& appendElement(const std::string& name, const std::string& comment);
+    void replaceBy(xercesc::DOMElement& element, const ChildSelection& replaced,
                    const std::string& comment);
-    void deleteChildren(const std::string& name, const Key& key);
+    void deleteChildren(const ChildSelection& selection);
     static xercesc::DOMNode* commentOf(const xercesc::DOMElement& element);
     void deleteElement(xercesc::DOMElement& element);
-    xercesc::DOMElement* findChild(const XmlString& name, const XmlString* key);
+    xercesc::DOMElement* findChild(const ChildSelection& selection);
     ChildElements* currentIndex();
     void appendText(xercesc::DOMElement& element, const std::string& text);
-    ConfigurationAccessResult makeCurrent(const std::string& name, const std::string* key);
+    ConfigurationAccessResult makeCurrent(const ChildSelection& selection);
 
     // In the order in which they must be built; they are given back the other way round.
     XercesSession m_session;

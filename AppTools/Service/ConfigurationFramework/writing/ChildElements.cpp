@@ -4,35 +4,40 @@ namespace Orvant {
 
 using xercesc::DOMElement;
 
-void ChildElements::add(DOMElement& child, const XmlString& key) {
+bool ChildSelection::includes(const DOMElement& child) const {
+    return tag == child.getTagName() && (!key || *key == child.getAttribute(keyAttribute));
+}
+
+void ChildElements::add(DOMElement& child) {
     Namesakes& namesakes = m_namesakes[child.getTagName()];
     namesakes.elements.emplace(m_next, &child);
-    namesakes.byKey[key].insert(m_next);
+    namesakes.byKey[child.getAttribute(keyAttribute)].insert(m_next);
     ++m_next;
 }
 
-DOMElement* ChildElements::find(const XmlString& name, const XmlString* key) const {
-    const auto found = m_namesakes.find(name);
+DOMElement* ChildElements::find(const ChildSelection& selection) const {
+    const auto found = m_namesakes.find(selection.tag);
     if (found == m_namesakes.end())
         return nullptr;
     const Namesakes& namesakes = found->second;
-    if (key == nullptr)
+    if (!selection.key)
         return namesakes.elements.begin()->second;
-    const auto keyed = namesakes.byKey.find(*key);
+    const auto keyed = namesakes.byKey.find(*selection.key);
     return keyed == namesakes.byKey.end() ? nullptr : namesakes.elements.at(*keyed->second.begin());
 }
 
-std::vector<DOMElement*> ChildElements::take(const XmlString& name, const XmlString* key) {
+std::vector<DOMElement*> ChildElements::take(const ChildSelection& selection) {
     std::vector<DOMElement*> taken;
-    const auto found = m_namesakes.find(name);
+    const auto found = m_namesakes.find(selection.tag);
     if (found == m_namesakes.end())
         return taken;
     Namesakes& namesakes = found->second;
-    if (key == nullptr) {
+    if (!selection.key) {
         for (const auto& [position, element] : namesakes.elements)
             taken.push_back(element);
         namesakes.elements.clear();
-    } else if (const auto keyed = namesakes.byKey.find(*key); keyed != namesakes.byKey.end()) {
+    } else if (const auto keyed = namesakes.byKey.find(*selection.key);
+               keyed != namesakes.byKey.end()) {
         for (const Position position : keyed->second)
             taken.push_back(namesakes.elements.extract(position).mapped());
         namesakes.byKey.erase(keyed);

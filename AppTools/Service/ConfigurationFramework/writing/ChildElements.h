@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -12,20 +13,30 @@
 
 namespace Orvant {
 
-/// The child elements of one element by tag, and by tag and key (an absent key counts as empty), so
-/// that elements with many children are edited without a walk over all of them for each.
+/// The attribute that tells elements of the same tag apart.
+constexpr const XMLCh* keyAttribute = u"key";
+
+/// Which children of an element are meant.
+struct ChildSelection {
+    XmlString tag;
+    /// An element without a key counts as one with an empty key. Nothing stands for any key.
+    std::optional<XmlString> key;
+
+    bool includes(const xercesc::DOMElement& child) const;
+};
+
+/// The child elements of one element, found by tag and key without a walk over all of them.
 class ChildElements {
 public:
-    /// Adds a child behind all that were added before.
-    void add(xercesc::DOMElement& child, const XmlString& key);
+    /// Adds a child after all that were added before.
+    void add(xercesc::DOMElement& child);
 
-    /// @return the first child of that tag and, if it is not null, that key; null when there is
-    /// none
-    xercesc::DOMElement* find(const XmlString& name, const XmlString* key) const;
+    /// @return the first of the selected children; null when there is none
+    xercesc::DOMElement* find(const ChildSelection& selection) const;
 
-    /// Takes the children of that tag and, if it is not null, that key out of the index.
+    /// Takes the selected children out.
     /// @return the children, in order
-    std::vector<xercesc::DOMElement*> take(const XmlString& name, const XmlString* key);
+    std::vector<xercesc::DOMElement*> take(const ChildSelection& selection);
 
 private:
     using Position = std::size_t;

@@ -1,11 +1,19 @@
 #include <ConfigurationFramework/writing/DocumentPrinter.h>
 
-#include <ConfigurationFramework/xml/DomWalk.h>
-#include <ConfigurationFramework/xml/XmlText.h>
-
 #include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <utility>
 
-#include <xercesc/dom/DOMText.hpp>
+#include <xercesc/dom/DOMConfiguration.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMLSOutput.hpp>
+#include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/framework/XMLFormatter.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 namespace Orvant {
 
@@ -13,46 +21,23 @@ namespace {
 
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using xercesc::DOMText;
 
-/// Cuts the line break and indentation before a tag, which the printer makes anew.
-void cutFormatting(DOMText& text) {
-    const XmlStringView content(text.getData());
-    const auto lastOther = content.find_last_not_of(formattingSpace);
-    if (lastOther == content.npos) {
-        text.getParentNode()->removeChild(&text);
-        return;
-    }
-    const auto lineBreak = content.find(u'\n', lastOther);
-    if (lineBreak != content.npos)
-        text.deleteData(lineBreak, content.size() - lineBreak);
-}
+/// Deepest nesting of elements that is printed: the printer walks them by recursion.
+constexpr std::size_t maxDepth = 4'000;
+/// Most indentation that is printed, that of one chain of so many elements. It grows with the depth
+/// of every element and would fill the disk.
+constexpr std::size_t maxIndentation = 2 * maxDepth * maxDepth;
+/// Most comments without an element between them that are printed. The printer looks for an element
+/// beside each comment and walks over all the others on its way, which would take minutes.
+constexpr std::size_t maxCommentsInARow = 10'000;
 
-bool isText(const DOMNode& node) {
-    return node.getNodeType() == DOMNode::TEXT_NODE;
-}
-
-/// Whether the printer gives the node a line of its own.
-bool hasOwnLine(const DOMNode& node) {
-    return node.getNodeType() == DOMNode::ELEMENT_NODE ||
-           node.getNodeType() == DOMNode::PROCESSING_INSTRUCTION_NODE;
-}
-
-void cutFormattingBetweenLines(DOMElement& root) {
-    for (DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
-        bool hasLines = false;
-        for (const DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling())
-            hasLines = hasLines || hasOwnLine(*child);
-        if (!hasLines)
-            continue;
-        for (DOMNode* child = node->getFirstChild(); child != nullptr;) {
-            DOMNode* const next = child->getNextSibling();
-            if (isText(*child))
-                cutFormatting(static_cast<DOMText&>(*child));
-            child = next;
-        }
-    }
-}
+/// How a document is laid out when it is printed.
+struct Layout {
+    std::size_t nodes = 0;
+    std::size_t depth = 0;          ///< of elements, 1 for a root without children
+    std::size_t indentation = 0;    ///< at most so many blanks
+    std::size_t commentsInARow = 0; ///< most comments side by side without an element between them
+};
 
 /// Most comments below an element without another element between them.
 std::size_t longestRunOfComments(const DOMNode& element) {
@@ -67,11 +52,9 @@ std::size_t longestRunOfComments(const DOMNode& element) {
     return longest;
 }
 
-} // namespace
-
-PrintedLayout layoutOf(const DOMElement& root) {
+Layout layoutOf(const DOMElement& root) {
     constexpr std::size_t step = 2; // of the printer, for each level
-    PrintedLayout layout;
+    Layout layout;
     std::size_t depth = 1;
     const DOMNode* node = &root;
     while (true) {
@@ -96,9 +79,74 @@ PrintedLayout layoutOf(const DOMElement& root) {
     }
 }
 
-void prepareForWriting(xercesc::DOMDocument& document) {
-    cutFormattingBetweenLines(*document.getDocumentElement());
-    document.setXmlVersion(u"1.0");
+struct SerializerRelease {
+    void operator()(xercesc::DOMLSSerializer* serializer) const { serializer->release(); }
+};
+using Serializer = std::unique_ptr<xercesc::DOMLSSerializer, SerializerRelease>;
+
+struct OutputRelease {
+    void operator()(xercesc::DOMLSOutput* output) const { output->release(); }
+};
+using Output = std::unique_ptr<xercesc::DOMLSOutput, OutputRelease>;
+
+/// Takes what is printed. A string of Xerces' would take four times the memory.
+class StringTarget : public xercesc::XMLFormatTarget {
+public:
+    explicit StringTarget(std::size_t expectedSize) { m_text.reserve(expectedSize); }
+    void writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) override {
+        m_text.append(reinterpret_cast<const char*>(bytes), count);
+    }
+    std::string takeText() { return std::move(m_text); }
+
+private:
+    std::string m_text;
+};
+
+Serializer makeSerializer(xercesc::DOMImplementation& implementation) {
+    Serializer serializer(implementation.createLSSerializer());
+    xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTBOM, true))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTBOM, false);
+    configuration.setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
+    // The DTD that declares default attributes is not written, so they are.
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false))
+        configuration.setParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false);
+    return serializer;
+}
+
+/// @return nothing when XML cannot hold what stands in the element
+std::optional<std::string> serialize(const DOMElement& root, std::size_t expectedSize) {
+    xercesc::DOMImplementation& implementation = *root.getOwnerDocument()->getImplementation();
+    const Serializer serializer = makeSerializer(implementation);
+    StringTarget target(expectedSize);
+    const Output output(implementation.createLSOutput());
+    output->setEncoding(u"UTF-8");
+    output->setByteStream(&target);
+    try {
+        if (serializer->write(&root, output.get()))
+            return target.takeText();
+    } catch (const xercesc::DOMException&) { // of a text that XML cannot hold
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+PrintedDocument printDocument(const xercesc::DOMDocument& document) {
+    const DOMElement& root = *document.getDocumentElement();
+    const Layout layout = layoutOf(root);
+    if (layout.depth > maxDepth || layout.indentation > maxIndentation)
+        return {"", "The document is nested too deeply to be written"};
+    if (layout.commentsInARow > maxCommentsInARow)
+        return {"", "The document has too many comments in a row to be written"};
+    constexpr std::size_t usualNode = 16;
+    auto text = serialize(root, layout.indentation + layout.nodes * usualNode);
+    if (!text)
+        return {"", "The document holds something that XML cannot express"};
+    text->erase(0, text->find('<')); // the printer begins with a line break
+    return {std::move(*text), ""};
 }
 
 } // namespace Orvant

@@ -1,11 +1,34 @@
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 
+#include <algorithm>
+#include <cstddef>
+
+#include <xercesc/dom/DOMText.hpp>
+
 namespace Orvant {
 
 namespace {
 
-bool isBlank(const XMLCh* text, XMLSize_t length) {
-    return XmlStringView(text, length).find_first_not_of(formattingSpace) == XmlStringView::npos;
+using xercesc::DOMNode;
+
+/// @return how much of a text is before the line break and indentation at its end
+std::size_t lengthBeforeFormatting(XmlStringView text) {
+    const auto lastOther = text.find_last_not_of(formattingSpace);
+    return lastOther == text.npos ? 0 : std::min(text.find(u'\n', lastOther), text.size());
+}
+
+void cutFormatting(DOMNode& parent) {
+    for (DOMNode* node = parent.getFirstChild(); node != nullptr;) {
+        DOMNode* const next = node->getNextSibling();
+        if (node->getNodeType() == DOMNode::TEXT_NODE) {
+            auto& text = static_cast<xercesc::DOMText&>(*node);
+            if (const auto length = lengthBeforeFormatting(text.getData()); length == 0)
+                parent.removeChild(node)->release();
+            else if (length < text.getLength())
+                text.deleteData(length, text.getLength() - length);
+        }
+        node = next;
+    }
 }
 
 } // namespace
@@ -15,36 +38,50 @@ void EditedDocumentParser::startDocument() {
     m_measure = DocumentMeasure(documentSize());
 }
 
-/// Makes a node of the text that is open, if it has none yet.
-/// @param isFormatting true: it stands between lines, which the printer separates anew
-void EditedDocumentParser::endText(bool isFormatting) {
-    if (!m_space.empty() && !isFormatting)
-        ConfinedParser::docCharacters(m_space.c_str(), m_space.size(), false);
-    m_space.clear();
-    m_isInText = false;
+void EditedDocumentParser::endDocument() {
+    ConfinedParser::endDocument();
+    getDocument()->setXmlVersion(u"1.0");
+    m_text.clear();
+    m_text.shrink_to_fit();
+}
+
+/// Makes a node of the text that has come to its end, if anything of it stays.
+void EditedDocumentParser::endText() {
+    if (m_hasLines)
+        m_text.resize(lengthBeforeFormatting(m_text));
+    if (!m_text.empty())
+        ConfinedParser::docCharacters(m_text.c_str(), m_text.size(), false);
+    m_text.clear();
+}
+
+/// Makes ready for a child with a line of its own.
+void EditedDocumentParser::startLine() {
+    // Only now it is known that what stands before the comments that come first is formatting.
+    if (!m_hasLines)
+        cutFormatting(*fCurrentParent);
+    m_hasLines = true;
+    endText();
 }
 
 void EditedDocumentParser::docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) {
     m_measure.addText(text, length, isCData);
-    if (!isCData && !m_isInText && isBlank(text, length)) {
-        m_space.append(text, length);
+    if (!isCData) {
+        m_text.append(text, length);
         return;
     }
-    endText(false);
-    m_isInText = !isCData;
+    endText();
     ConfinedParser::docCharacters(text, length, isCData);
 }
 
 void EditedDocumentParser::docComment(const XMLCh* comment) {
     m_measure.addComment(comment);
-    endText(m_isBehindLine);
+    endText();
     ConfinedParser::docComment(comment);
 }
 
 void EditedDocumentParser::docPI(const XMLCh* target, const XMLCh* data) {
     m_measure.addInstruction(target, data);
-    endText(true);
-    m_isBehindLine = true;
+    startLine();
     ConfinedParser::docPI(target, data);
 }
 
@@ -53,8 +90,8 @@ void EditedDocumentParser::startElement(const xercesc::XMLElementDecl& declarati
                                         const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                         XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     m_measure.startElement(declaration, attributes, attributeCount);
-    endText(true);
-    m_isBehindLine = false;
+    startLine();
+    m_hasLines = false;
     ConfinedParser::startElement(declaration, uri, prefix, attributes, attributeCount, isEmpty,
                                  isRoot);
 }
@@ -62,8 +99,8 @@ void EditedDocumentParser::startElement(const xercesc::XMLElementDecl& declarati
 void EditedDocumentParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                                       bool isRoot, const XMLCh* prefix) {
     m_measure.endElement();
-    endText(m_isBehindLine);
-    m_isBehindLine = true;
+    endText();
+    m_hasLines = true;
     ConfinedParser::endElement(declaration, uri, isRoot, prefix);
 }
 

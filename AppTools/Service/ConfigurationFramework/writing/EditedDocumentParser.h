@@ -6,13 +6,18 @@
 
 namespace Orvant {
 
-/// The parser of a document that is edited: makes no nodes of line breaks and indentation, and
-/// refuses what takes too much memory.
+/// The parser of a document that is edited and printed, any number of times. It refuses what takes
+/// too much memory, and leaves out what the printer makes anew: the line breaks and indentation
+/// before the tags and instructions that have lines of their own. Left in, they would grow with
+/// each printing.
+///
+/// The document becomes one of XML 1.0, since no XML declaration is printed.
 class EditedDocumentParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;
 
     void startDocument() override;
+    void endDocument() override;
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                       const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
@@ -23,12 +28,12 @@ public:
     void docPI(const XMLCh* target, const XMLCh* data) override;
 
 private:
-    void endText(bool isFormatting);
+    void endText();
+    void startLine();
 
     DocumentMeasure m_measure;
-    XmlString m_space;           ///< text with nothing else so far, of which no node is made yet
-    bool m_isInText = false;     ///< a node was made of what came last
-    bool m_isBehindLine = false; ///< the open element has a child with a line of its own
+    XmlString m_text;        ///< that is open: no node is made of it yet
+    bool m_hasLines = false; ///< the open element has a child with a line of its own
 };
 
 } // namespace Orvant
