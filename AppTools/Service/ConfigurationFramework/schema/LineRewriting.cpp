@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <utility>
 
 namespace Orvant::LineRewriting {
@@ -56,7 +55,7 @@ void skipAttributes(std::string_view& text) {
     }
 }
 
-/// Skips a name and the white space behind it.
+/// Skips a name and the white space after it.
 /// @return the name
 std::string_view skipName(std::string_view& text) {
     const std::string_view name = text.substr(0, text.find_first_of(" \t\r/>"));
@@ -81,40 +80,51 @@ void skipText(std::string_view& text) {
     }
 }
 
-/// The end tag of a line without any other, but for a start tag that it ends.
-struct LoneEndTag {
-    std::size_t prefix;                     ///< where its prefix stands
-    std::optional<std::size_t> startPrefix; ///< where that of the start tag stands, if there is one
+/// What a line consists of, beside text.
+enum class Content {
+    Element, ///< both tags of an element that holds nothing but text
+    EndTag,
+    Other,
 };
 
-std::optional<LoneEndTag> findLoneEndTag(std::string_view line, std::string_view prefix) {
+/// A line with a prefix in its tags.
+struct ClassifiedLine {
+    Content content;
+    std::size_t endTagPrefix = 0; ///< where the prefix of the end tag stands, if it has one
+};
+
+/// @return Other, too, for an element whose start tag does not hold the first occurrence of the
+///         prefix, and for tags without the prefix
+ClassifiedLine classify(std::string_view line, std::string_view prefix) {
+    constexpr ClassifiedLine other{Content::Other};
+    ClassifiedLine result{Content::EndTag};
     std::string_view rest = line;
-    const auto position = [&line, &rest] { return line.size() - rest.size(); };
-    LoneEndTag tag;
-    skipText(rest);
     std::string_view startName;
+    const auto position = [&line, &rest] { return line.size() - rest.size(); };
+    skipText(rest);
     if (!rest.starts_with("</")) {
-        if (!skip(rest, "<"))
-            return std::nullopt;
-        tag.startPrefix = position();
-        if (!skip(rest, prefix))
-            return std::nullopt;
+        result.content = Content::Element;
+        if (!skip(rest, "<") || position() != line.find(prefix))
+            return other;
+        rest.remove_prefix(prefix.size());
         startName = skipName(rest);
         skipAttributes(rest);
         if (!skip(rest, ">"))
-            return std::nullopt;
+            return other;
         skipText(rest);
     }
     if (!skip(rest, "</"))
-        return std::nullopt;
-    tag.prefix = position();
+        return other;
+    result.endTagPrefix = position();
     if (!skip(rest, prefix))
-        return std::nullopt;
-    const std::string_view name = skipName(rest);
-    if ((tag.startPrefix && name != startName) || !skip(rest, ">"))
-        return std::nullopt;
+        return other;
+    const std::string_view endName = skipName(rest);
+    if (result.content == Content::Element && endName != startName)
+        return other;
+    if (!skip(rest, ">"))
+        return other;
     skipText(rest);
-    return rest.empty() ? std::optional(tag) : std::nullopt;
+    return rest.empty() ? result : other;
 }
 
 } // namespace
@@ -141,11 +151,19 @@ std::string replaceFirst(const std::string& line, std::string_view from, std::st
 }
 
 std::string replacePrefix(const std::string& line, std::string_view from, std::string_view to) {
-    const auto endTag = findLoneEndTag(line, from);
-    if (!endTag || endTag->startPrefix.value_or(line.find(from)) != line.find(from))
-        return replaceFirst(line, from, to);
-    const std::string withEndTag = std::string(line).replace(endTag->prefix, from.size(), to);
-    return endTag->startPrefix ? replaceFirst(withEndTag, from, to) : withEndTag;
+    const ClassifiedLine classified = classify(line, from);
+    const auto withEndTag = [&] {
+        return std::string(line).replace(classified.endTagPrefix, from.size(), to);
+    };
+    switch (classified.content) {
+    case Content::Element:
+        return replaceFirst(withEndTag(), from, to);
+    case Content::EndTag:
+        return withEndTag();
+    case Content::Other:
+        break;
+    }
+    return replaceFirst(line, from, to);
 }
 
 std::string endLineOfDocumentation(const std::string& line) {

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// The text of schema files: their start tags and what is replaced in a line of them.
+/// The text of schema files: their start tags, and what is replaced in their lines.
 namespace Orvant::LineRewriting {
 
 /// Start tag of a suite schema.
@@ -22,19 +22,19 @@ std::string emptyModelHeader();
 /// @return the line with the first occurrence of `from` replaced
 std::string replaceFirst(const std::string& line, std::string_view from, std::string_view to);
 
-/// As replaceFirst(), but leaves the two tags of an element that holds nothing but text with the
-/// same name, which is what the first occurrence alone is not enough for:
-///   - where it is in the start tag of an element that ends on the line, alone on it, the one in
-///   its
-///     end tag is replaced, too;
-///   - where it is in text before an end tag that is alone on the line, the one in the end tag is
-///     replaced in its place.
+/// Replaces a prefix so that both tags of an element that holds nothing but text keep the same
+/// name:
+///   - a line with such an element and no other tag: in both tags, where the start tag holds the
+///     first occurrence;
+///   - a line with an end tag and no other: in the end tag, even if the text before holds the
+///     prefix;
+///   - other lines: as replaceFirst().
 /// Comments, instructions and CDATA sections count as text.
 /// @return the line, changed or as it was
 std::string replacePrefix(const std::string& line, std::string_view from, std::string_view to);
 
-/// Ends the line behind the end tag of a documentation, where the schema document model leaves it
-/// open when the documentation's text is just a line break or the like.
+/// Ends the line after the end tag of a documentation. The schema document model leaves it open
+/// when the documentation's text is just a line break or the like.
 /// @return the line, or two
 std::string endLineOfDocumentation(const std::string& line);
 
