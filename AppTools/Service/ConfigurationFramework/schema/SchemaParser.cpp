@@ -9,6 +9,7 @@
 #include <Logging/Logging.h>
 
 #include <algorithm>
+#include <optional>
 #include <source_location>
 #include <string>
 #include <string_view>
@@ -25,7 +26,7 @@ namespace {
 
 const Logging s_log("SchemaParsing");
 
-/// A DOM parser that keeps nothing but elements and their texts.
+/// A DOM parser that keeps elements and their texts, which is all that the model looks at.
 class ContentParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;
@@ -34,8 +35,8 @@ public:
     void docPI(const XMLCh*, const XMLCh*) override {}
 };
 
-/// Makes no document, but measures one. For use without namespaces: what resolves the prefixes of
-/// an element takes quadratic time and is through before the element is told.
+/// Measures a document instead of making one. It does so without namespaces: Xerces resolves the
+/// prefixes of an element in quadratic time, and before it reports the element.
 class MeasuringParser : public ContentParser {
 public:
     using ContentParser::ContentParser;
@@ -63,8 +64,8 @@ public:
     void docPI(const XMLCh*, const XMLCh* data) override { add(data); }
 
 private:
+    /// Ends the parse: the scanner makes a parse error of the exception.
     static void refuseIf(bool isTooLarge) {
-        // The scanner makes a parse error of it.
         if (isTooLarge)
             ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
     }
@@ -77,10 +78,10 @@ private:
     }
 
     std::size_t m_depth = 0;
-    std::size_t m_size = 0; ///< at most that of the document, as long as there are no references
+    std::size_t m_size = 0; ///< without references, never more than the document's
 };
 
-/// A confined parser with what it needs for one parse.
+/// A parser with its limits and its error handler, for one parse.
 template <typename Parser>
 class ParserForSchema {
 public:
@@ -88,9 +89,10 @@ public:
         m_parser->setErrorHandler(&m_errors);
     }
 
-    Parser* operator->() { return m_parser.get(); }
+    void setDoNamespaces(bool doNamespaces) { m_parser->setDoNamespaces(doNamespaces); }
 
-    /// @return null when the document is not well-formed or is refused
+    /// @return the document, which lives as long as this parser; null when the document is not
+    /// well-formed or is refused
     const xercesc::DOMDocument* parse(const std::string& bytes) {
         m_confinement.parseBytes(*m_parser, bytes);
         return m_errors.getSawErrors() ? nullptr : m_parser->getDocument();
@@ -106,32 +108,39 @@ bool isWithinLimits(const std::string& bytes) {
     return ParserForSchema<MeasuringParser>().parse(bytes) != nullptr;
 }
 
-/// Calls back with the document of a file, with null when there is none to be had.
-/// @return what the callback returns
-template <typename Callback>
-auto withDocument(const FileName& file, const Callback& callback) {
-    const XercesSession session(s_log, std::source_location::current());
-    const auto bytes = readRegularFile(file);
-    if (!bytes || !isWithinLimits(*bytes))
-        return callback(nullptr);
-    ParserForSchema<ContentParser> parser;
-    parser->setDoNamespaces(true);
-    return callback(parser.parse(*bytes));
-}
+/// The document of a schema file.
+class SchemaDocument {
+public:
+    explicit SchemaDocument(const FileName& file)
+        : m_session(s_log, std::source_location::current()) {
+        const auto bytes = readRegularFile(file);
+        if (!bytes || !isWithinLimits(*bytes))
+            return;
+        m_parser.emplace();
+        m_parser->setDoNamespaces(true);
+        m_document = m_parser->parse(*bytes);
+    }
+
+    /// @return null when the file cannot be read, is not well-formed or is refused
+    const xercesc::DOMDocument* get() const { return m_document; }
+
+private:
+    XercesSession m_session;
+    std::optional<ParserForSchema<ContentParser>> m_parser;
+    const xercesc::DOMDocument* m_document = nullptr;
+};
 
 } // namespace
 
 std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const FileName& file) {
-    return withDocument(file, [](const xercesc::DOMDocument* document) {
-        if (document == nullptr)
-            throw xml_schema::parsing();
-        return OV_XsdReader::schema_(*document, xml_schema::flags::dont_validate);
-    });
+    const SchemaDocument document(file);
+    if (document.get() == nullptr)
+        throw xml_schema::parsing();
+    return OV_XsdReader::schema_(*document.get(), xml_schema::flags::dont_validate);
 }
 
 bool isWellFormed(const FileName& file) {
-    return withDocument(file,
-                        [](const xercesc::DOMDocument* document) { return document != nullptr; });
+    return SchemaDocument(file).get() != nullptr;
 }
 
 } // namespace Orvant

@@ -9,20 +9,20 @@ namespace Orvant {
 
 class FileName;
 
-/// What a schema file may hold at most. Real schemas are far below; beyond, a file of some
-/// kilobytes could keep the application busy for hours or fill its memory.
+/// What a schema file may hold at most. Real schemas are far below. Without the limits, a file of
+/// some kilobytes could keep the application busy for hours or fill its memory.
 struct SchemaLimits {
     static constexpr std::size_t attributes = 100; ///< of one element, or declared for one
     static constexpr std::size_t depth = 1'000;    ///< of elements
-    /// Characters that a document comes to when its references are expanded, where that is more
-    /// than the document itself has.
+    /// Characters of a document whose references are expanded. One without references may be
+    /// longer.
     static constexpr std::size_t expandedSize = 10'000'000;
 };
 
-/// Parses a file into the schema document model. Nothing that the file refers to is opened, and a
-/// file beyond SchemaLimits or ParserConfinement::maxEntityReferences is refused.
-/// @throws xml_schema::parsing when the file cannot be read, is not well-formed or is refused, and
-///         what the model throws for a document that does not fit it
+/// Parses a file into the schema document model. Nothing that the file refers to is opened. A file
+/// beyond SchemaLimits or ParserConfinement::maxEntityReferences is refused.
+/// @throws xml_schema::parsing when the file cannot be read, is not well-formed or is refused
+/// @throws xsd::cxx::exception, one of the model's, when the document does not fit the model
 /// @throws FileNameException for a name that no file system could hold
 std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const FileName& file);
 
