@@ -30,7 +30,7 @@ class ConfigWriterImpl;
 /// is not empty is written before the element and goes with it when it is deleted. Texts are UTF-8;
 /// what XML 1.0 cannot hold and bytes that are not UTF-8 become U+FFFD, with an error in the log
 /// that names the element, and a hyphen of a comment that another or the end follows gets a blank
-/// behind it. Names are not mended: an invalid one raises the DOM's exception
+/// after it. Names are not mended: an invalid one raises the DOM's exception
 /// (xercesc::DOMException).
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigWriter {
 public:
@@ -109,10 +109,10 @@ public:
     /// putUnsignedInt(); `format` is ignored.
     void putValue(const std::string& name, const unsigned int& value, const int& format,
                   const std::string& comment);
-    /// Puts a number in scientific notation with ten digits behind the point; `format` is ignored.
+    /// Puts a number in scientific notation with ten digits after the point; `format` is ignored.
     void putValue(const std::string& name, const float& value, const int& format,
                   const std::string& comment);
-    /// putDouble() for `format` 0, scientific notation with ten digits behind the point for others.
+    /// putDouble() for `format` 0, scientific notation with ten digits after the point for others.
     void putValue(const std::string& name, const double& value, const int& format,
                   const std::string& comment);
     /// putBool(); `format` is ignored.

@@ -6,6 +6,7 @@ namespace Orvant {
 
 namespace {
 
+/// As many as Linux follows. Links may lead in a circle.
 constexpr std::size_t mostLinks = 40;
 
 } // namespace

@@ -5,8 +5,9 @@
 
 namespace Orvant {
 
-/// @return a name and, if it is that of a link, the names that one link after the other leads to.
-///         The last is that of no link, unless there are more links than any system follows.
+/// Follows a link from name to name.
+/// @return the given name and then, each after the link that leads to it, all others. The last is
+///         no link, unless there are more links than Linux follows.
 std::vector<std::filesystem::path> followLinks(const std::filesystem::path& path);
 
 } // namespace Orvant

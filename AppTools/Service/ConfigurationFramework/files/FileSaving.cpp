@@ -22,7 +22,7 @@ std::error_code overwrite(const FileName& file, const std::string& bytes,
     out.close();
     if (!out.fail())
         return {};
-    // A stream of the suite's need not leave the system's reason.
+    // A suite's stream need not leave the system's reason.
     return {errno != 0 ? errno : EIO, std::generic_category()};
 }
 
@@ -32,8 +32,9 @@ std::error_code saveInPlace(const FileName& file, const std::string& bytes) {
     const std::filesystem::path target = followLinks(toPath(file)).back();
     NewFile made(target);
     if (made.isMade()) {
-        const bool isWritten = made.write(bytes) && made.finish();
-        return isWritten ? std::error_code() : made.error();
+        made.write(bytes);
+        made.finish();
+        return made.error();
     }
     std::error_code ignored;
     if (std::filesystem::is_fifo(target, ignored))

@@ -9,8 +9,8 @@ namespace Orvant {
 
 namespace {
 
-/// Opens a file for writing only if it makes it, which follows no link, and keeps it from programs
-/// that the application starts.
+/// Makes a file and opens it for writing. The mode fails for a name that is taken, even by a link
+/// (x), and keeps the stream from programs that the application starts (e, N).
 std::FILE* makeFile(const std::filesystem::path& path) {
 #ifdef _WIN32
     return _wfopen(path.c_str(), L"wbxN");
@@ -45,7 +45,7 @@ bool NewFile::write(std::string_view bytes) {
 bool NewFile::finish() {
     if (!m_stream)
         return false;
-    // What the stream still holds is written now.
+    // Closing writes what the stream still holds.
     if (std::fclose(m_stream.release()) != 0)
         keepError();
     if (m_error)

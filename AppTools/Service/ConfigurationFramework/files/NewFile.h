@@ -10,8 +10,8 @@ namespace Orvant {
 
 class FileName;
 
-/// A file that this object makes. What has its name already stays as it is, be it a link that leads
-/// nowhere: links are never followed. A file that is not finished is taken away again.
+/// A file that this object makes and, unless it is finished, removes. What already has its name
+/// stays as it is, even a link that leads nowhere: links are never followed.
 ///
 /// @code
 /// NewFile made(file);
@@ -29,16 +29,15 @@ public:
     /// Removes the file unless it is finished.
     ~NewFile();
 
-    /// @return true when the file was made and is not finished yet
+    /// @return true when the file was made and is not yet finished
     bool isMade() const { return m_stream != nullptr; }
 
     /// Appends bytes.
-    /// @return false when these or earlier ones could not be written, or there is no such file
+    /// @return false when these or earlier bytes could not be written, or no file was made
     bool write(std::string_view bytes);
 
-    /// Closes the file, which then stays.
-    /// @return false when it does not hold all bytes, or there is no such file; it does not stay
-    /// then
+    /// Closes the file, which then stays. One that does not hold all bytes is removed.
+    /// @return false when the file was removed, or none was made
     bool finish();
 
     /// @return the first failure, as the system reported it; none when all went well
@@ -53,8 +52,7 @@ private:
     void remove();
 
     std::filesystem::path m_path;
-    std::unique_ptr<std::FILE, Closing>
-        m_stream; ///< null before the file is made and when finished
+    std::unique_ptr<std::FILE, Closing> m_stream; ///< null unless isMade()
     std::error_code m_error;
 };
 

@@ -55,7 +55,7 @@ private:
     std::size_t m_deepest = 0;
     std::size_t m_names = 0;                        ///< of elements
     std::unordered_set<XmlString> m_attributeNames; ///< but for those that are everywhere
-    bool m_endsWithSpace = false; ///< in the open element, with nothing else behind it
+    bool m_endsWithSpace = false; ///< in the open element, with nothing else after it
 };
 
 } // namespace Orvant
