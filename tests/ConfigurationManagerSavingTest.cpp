@@ -353,6 +353,16 @@ TEST_P(ConfigurationManagerSaving, LogsInOneLineWhatIsWrongWithTheFile) {
     };
     writeFile(m_target, "notes");
     expectLogged("it is there, but cannot be read as a configuration");
+    std::filesystem::remove(m_target.toPath());
+    std::filesystem::create_symlink(m_target.toPath().filename(), m_target.toPath());
+    expectLogged(std::make_error_code(std::errc::too_many_symbolic_link_levels).message());
+    std::filesystem::remove(m_target.toPath());
+    std::filesystem::create_directory(m_target.toPath());
+    expectLogged(std::make_error_code(std::errc::is_a_directory).message());
+    std::filesystem::remove(m_target.toPath());
+    std::filesystem::create_symlink("/dev/null", m_target.toPath());
+    expectLogged(std::make_error_code(std::errc::not_supported).message());
+    std::filesystem::remove(m_target.toPath());
     std::string tooDeep;
     for (const std::string tag : {"<x>", "</x>"})
         for (int level = 0; level < 4000; ++level)
@@ -365,7 +375,31 @@ TEST_P(ConfigurationManagerSaving, LogsInOneLineWhatIsWrongWithTheFile) {
     EXPECT_EQ("", writerLog.text()) << "a second line";
     std::filesystem::remove(m_target.toPath());
     EXPECT_TRUE(save());
-    EXPECT_EQ(3, std::ranges::count(log.text(), '\n')) << "a success is not logged";
+    EXPECT_EQ(6, std::ranges::count(log.text(), '\n')) << "a success is not logged";
+}
+
+TEST_P(ConfigurationManagerSaving, WritesNothingThatItCouldNotOpenAgain) {
+    writeTarget("<Test/>");
+    const auto object = TestObject::make("Test", [](TestObject& made) {
+        made.add("a", 1);
+        for (int i = 0; i < 50'000; ++i) // with the three others, more tags than are read
+            made.add("n" + std::to_string(i), 1);
+    });
+    object->value<int>("a").setValue(5);
+    add(object);
+    const Support::LogCapture log("ConfigurationManager");
+    EXPECT_EQ(GetParam() == Way::UserFile, save()) << "the differences are few";
+    if (GetParam() != Way::UserFile) {
+        EXPECT_THAT(log.text(), HasSubstr("too large to be opened again"));
+        EXPECT_EQ(document("<Test/>"), readFile(m_target));
+    }
+}
+
+TEST_P(ConfigurationManagerSaving, LogsOneLineForANameOfTwo) {
+    const Support::LogCapture log("ConfigurationManager");
+    EXPECT_FALSE(
+        m_manager.saveConfigurationToFile(m_directory.file("no\ndirectory/a.xml").toString(), "1"));
+    EXPECT_EQ(1, std::ranges::count(log.text(), '\n')) << log.text();
 }
 
 TEST_P(ConfigurationManagerSaving, KeepsALinkToWhereThereIsNothingNow) {

@@ -530,6 +530,25 @@ TEST_F(ConfigurationManagerResets, LeaveLockedFeatureSwitchesLocked) {
     EXPECT_FALSE(features->isEditable());
 }
 
+TEST_F(ConfigurationManagerResets, LeaveLockedFeatureSwitchesLockedWithoutAUsersFile) {
+    writeFiles("<DisableFeaturesConfiguration editable='false'><PlannerFixturesDisable>true"
+               "</PlannerFixturesDisable></DisableFeaturesConfiguration>",
+               "");
+    for (const std::string& userFile : {std::string(), std::string("broken")}) {
+        m_manager.reset();
+        useTwoFiles();
+        std::filesystem::remove(m_userFile.toPath());
+        if (!userFile.empty())
+            Support::writeFile(m_userFile, userFile);
+        const auto* const features = DisableFeaturesConfiguration::getRegisteredInstance();
+        for (int time = 0; time < 3; ++time) {
+            m_manager.resetConfigurationObject(DisableFeaturesConfiguration::s_tag, true);
+            EXPECT_TRUE(features->getPlannerFixturesDisable());
+            EXPECT_FALSE(features->isEditable());
+        }
+    }
+}
+
 TEST_F(ConfigurationManagerResets, LetTheFeatureSwitchesForgetTheFormerFiles) {
     writeFiles("<DisableFeaturesConfiguration><SetupEdgeLineDisable>true</SetupEdgeLineDisable>"
                "<PlannerFixturesDisable editable='false'>true</PlannerFixturesDisable>"

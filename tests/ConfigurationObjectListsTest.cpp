@@ -1,11 +1,16 @@
 #include <ConfigurationFramework/ConfigurationObject.h>
 
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/SimpleConfigReader.h>
+
 #include <ManagerFixture.h>
 #include <ModelTestSupport.h>
 #include <TestSupport.h>
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -209,6 +214,85 @@ TEST(ConfigurationObjectLists, StandInFrontWithTheirCommentsAndInTheirOrder) {
                        "<!--about M--><M>" +
                        item + "</M>"),
               save(object));
+}
+
+/// Writes more than its items: an element with a list of the same name.
+class Keeper : public TestObject {
+public:
+    explicit Keeper(const std::string& name) : TestObject(name) {
+        add("L", List());
+        add("a", 0);
+    }
+    ConfigurationObject* createConfigurationObject() const override {
+        return new Keeper(getName());
+    }
+    void saveContent(ConfigWriter& writer) const override {
+        TestObject::saveContent(writer);
+        writeMore(writer);
+    }
+    void saveContent(ConfigWriter& writer, ConfigReader& reader,
+                     bool onlyDifferent) const override {
+        TestObject::saveContent(writer, reader, onlyDifferent);
+        writeMore(writer);
+    }
+
+private:
+    static void writeMore(ConfigWriter& writer) {
+        writer.putElement("More", "", [&] { writer.putStringVector("L", {"other"}, ""); });
+    }
+};
+
+class ListsBesideAnOverride : public Support::ManagerFixture {
+protected:
+    /// @return the list of an object after a save and a new start
+    List broughtBack(const std::function<std::shared_ptr<TestObject>()>& make,
+                     const std::function<TestObject&(TestObject&)>& keeper) {
+        const auto object = make();
+        m_manager.addConfigurationObject(object, object->getName());
+        keeper(*object).value<int>("a").setValue(5);
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+        const auto reloaded = make();
+        m_manager.addConfigurationObject(reloaded, reloaded->getName());
+        EXPECT_EQ(5, keeper(*reloaded).value<int>("a").getValue());
+        return keeper(*reloaded).value<List>("L").getValue();
+    }
+};
+
+TEST_F(ListsBesideAnOverride, AreBroughtBackOfTheObject) {
+    Support::writeFile(m_systemFile, document("<Test>" + elementOf(systemList) + "</Test>"));
+    useTwoFiles();
+    EXPECT_EQ(systemList, broughtBack([] { return std::make_shared<Keeper>("Test"); },
+                                      [](TestObject& object) -> TestObject& { return object; }));
+}
+
+TEST_F(ListsBesideAnOverride, AreBroughtBackOfAChild) {
+    Support::writeFile(m_systemFile,
+                       document("<Test><Kid>" + elementOf(systemList) + "</Kid></Test>"));
+    useTwoFiles();
+    const auto make = [] {
+        return TestObject::make("Test",
+                                [](TestObject& object) { object.addChild(new Keeper("Kid")); });
+    };
+    EXPECT_EQ(systemList, broughtBack(make, [](TestObject& object) -> TestObject& {
+                  return object.child("Kid");
+              }));
+}
+
+TEST(ConfigurationObjectLists, MayBeCalledItem) {
+    const auto object = TestObject::make("Test", [](TestObject& made) {
+        made.add("item", List()).add("L", List());
+        made.addChild(&(new TestObject("Kid"))->add("L", List()).add("item", List()));
+    });
+    object->value<List>("item").setValue({"a"});
+    object->value<List>("L").setValue({"b"});
+    object->child("Kid").value<List>("L").setValue({"c"});
+    ConfigWriter writer("1.0");
+    writer.putClassContents("Test", *object, "");
+    SimpleConfigReader reader(FileName(), writer.getAsString(), {"1.0"});
+    const std::unique_ptr<ConfigurationObject> reloaded(object->createConfigurationObject());
+    ASSERT_EQ(ConfigurationAccessResult::Success, reader.getClassContents("Test", *reloaded));
+    EXPECT_TRUE(object->compareWithOtherConfigValue(reloaded.get(), "item"));
+    EXPECT_TRUE(object->compareWithOtherConfigValue(reloaded.get(), "L"));
 }
 
 TEST(ConfigurationObjectLists, AreNotWrittenWhereTheObjectOrTheListWritesNothing) {

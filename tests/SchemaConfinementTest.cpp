@@ -195,6 +195,20 @@ INSTANTIATE_TEST_SUITE_P(
                           [](std::size_t count) {
                               return schemaWithDtd(declaredAttributes(count), typeA + "<u/>");
                           }},
+                    Bound{"Tags", 10'000,
+                          [](std::size_t count) {
+                              std::string tags; // besides schema and complexType
+                              for (std::size_t i = 2; i < count; ++i)
+                                  tags += "<u" + std::to_string(i) + "/>";
+                              return readerSchema(typeA + tags);
+                          }},
+                    Bound{"NamesOfAttributes", 10'000,
+                          [](std::size_t count) {
+                              std::string tags; // besides name and xmlns
+                              for (std::size_t i = 2; i < count; ++i)
+                                  tags += "<u a" + std::to_string(i) + "=''/>";
+                              return readerSchema(typeA + tags);
+                          }},
                     Bound{"Depth", 1'000,
                           [](std::size_t depth) {
                               // One of them is the schema.
@@ -245,6 +259,18 @@ TEST_F(SchemaConfinement, ReadsADocumentOfAnySizeWithoutReferences) {
     writeFile(file, schemaWithDtd("", typeA + std::string(mostExpanded + 1, 'x')));
     reader.readXSD(false);
     EXPECT_EQ(1u, reader.getXsdTree().count("A"));
+}
+
+TEST_F(SchemaConfinement, BoundsWhatADtdTakes) {
+    const auto declaring = [](std::size_t elements) {
+        std::string declarations;
+        for (std::size_t i = 0; i < elements; ++i)
+            declarations += "<!ATTLIST u" + std::to_string(i) + " a CDATA #IMPLIED>";
+        return schemaWithDtd(declarations, typeA);
+    };
+    expectFailure(declaring(50'000), false, ConfigException::SourceNotFound);
+    writeFile(file, declaring(4'000));
+    EXPECT_FALSE(failureOf([&] { XsdConfigReader(file).readXSD(false); }));
 }
 
 TEST_F(SchemaConfinement, RefusesNestedEntities) {

@@ -121,6 +121,13 @@ int main(int argc, char** argv) {
                   << " stays as it is. Repair it or move it away, and start again.\n";
         return 0;
     }
+    // A save compares with the system file: without it, the administrator's values go along.
+    if (manager.hasSystemConfigFileErrors()) {
+        std::cout << "\nYour changes are not saved: " << layers.userFile
+                  << " would get your administrator's values, too. Have " << layers.systemFile
+                  << " repaired, and start again.\n";
+        return 0;
+    }
     if (!manager.saveConfiguration("2.1")) {
         std::cerr << "The settings could not be saved\n";
         return 1;

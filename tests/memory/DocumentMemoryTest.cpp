@@ -99,6 +99,19 @@ std::string deep(std::size_t depth, const std::string& innermost) {
     return repeated("<n>", depth) + innermost + repeated("</n>", depth);
 }
 
+/// Elements whose tags Xerces files under one hash.
+std::string tagsOfOneHash(std::size_t count) {
+    static const std::string s_pairs[] = {"az", "bT", "c."}; // 'a' * 38 + 'z', and so on
+    std::string elements;
+    for (std::size_t i = 0; i < count; ++i) {
+        elements += '<';
+        for (std::size_t digits = i, length = 0; length < 10; ++length, digits /= 3)
+            elements += s_pairs[digits % 3];
+        elements += "/>";
+    }
+    return elements;
+}
+
 std::string declaredAttributes(std::size_t count, const std::string& value) {
     return "<!ATTLIST A " +
            numbered(count, [&](const auto& i) { return "a" + i + " CDATA '" + value + "'"; }) + ">";
@@ -148,6 +161,22 @@ const HostileDocument documents[] = {
          return configuration(
              "<a " + numbered(1'001, [](const auto& i) { return "n" + i + "='' "; }) + "/>");
      }},
+
+    {"TagsOfOneHash", Opened::Yes, [] { return configuration(tagsOfOneHash(4'000)); }},
+    {"MoreTagsOfOneHash", Opened::No, [] { return configuration(tagsOfOneHash(6'000)); }},
+    {"AttributesOfOneHash", Opened::No,
+     [] {
+         std::string tags = tagsOfOneHash(6'000);
+         for (auto at = tags.find('<'); at != std::string::npos; at = tags.find('<', at + 1))
+             tags.replace(at, 1, "<a "), tags.replace(tags.find("/>", at), 2, "=''/>");
+         return configuration(tags);
+     }},
+    {"IdsOfOneValue", Opened::Yes,
+     [] { return configuration(repeated("<a i='x'/>", 10'000), "<!ATTLIST a i ID #IMPLIED>"); }},
+    {"MoreIds", Opened::No,
+     [] { return configuration(repeated("<a i='x'/>", 10'001), "<!ATTLIST a i ID #IMPLIED>"); }},
+    {"DeclaredTagsAndOthers", Opened::Yes,
+     [] { return configuration(repeated("<A/><B/>", 50'000), "<!ELEMENT A ANY>"); }},
 
     {"DefaultAttributes", Opened::Yes,
      [] { return configuration(repeated("<A/>", 500), declaredAttributes(100, "")); }},

@@ -189,7 +189,10 @@ void ConfigWriter::putClassContents(const ConfigurationObject& object) {
 
 void ConfigWriter::putClassContents(const std::string& name, const ConfigurationObject& object,
                                     const std::string& comment) {
-    putElement(name, comment, [&] { object.saveContent(*this); });
+    putElement(name, comment, [&] {
+        object.saveContent(*this);
+        object.keepListsReadable(*this);
+    });
 }
 
 void ConfigWriter::putClassContents(const std::string& name, const std::string& key,
@@ -197,6 +200,7 @@ void ConfigWriter::putClassContents(const std::string& name, const std::string& 
     const ElementRestorer restorer(*m_impl);
     createKeyedNodeAndMakeCurrent(name, key, comment);
     object.saveContent(*this);
+    object.keepListsReadable(*this);
 }
 
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
@@ -204,7 +208,10 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
                                                  ConfigReader& reader, const std::string& comment) {
     deleteNodes(name, "");
     if (object.canBeSavedToUserConfig(reader))
-        putElement(name, comment, [&] { object.saveContent(*this, reader, true); });
+        putElement(name, comment, [&] {
+            object.saveContent(*this, reader, true);
+            object.keepListsReadable(*this);
+        });
 }
 
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
@@ -216,13 +223,14 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const 
         return;
     createKeyedNodeAndMakeCurrent(name, key, comment);
     object.saveContent(*this, reader, true);
+    object.keepListsReadable(*this);
 }
 
 std::string ConfigWriter::getAsString() {
-    auto [text, problem] = m_impl->print();
-    if (!problem.empty())
-        s_log.logERROR(problem, __FILE__, __func__, __LINE__);
-    return std::move(text);
+    PrintedDocument printed = m_impl->print();
+    if (!printed.problem.empty())
+        s_log.logERROR(printed.problem, __FILE__, __func__, __LINE__);
+    return std::move(printed.text);
 }
 
 bool ConfigWriter::saveToFile(const FileName& file) {

@@ -2,12 +2,14 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/files/FileSaving.h>
+#include <ConfigurationFramework/reading/TreeBuildingParser.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>
+#include <GeneralServices/XmlErrorHandler.h>
 #include <Logging/Logging.h>
 
 #include <source_location>
@@ -36,6 +38,19 @@ constexpr const XMLCh* versionAttribute = u"version";
 
 /// Up to here, comparing one child after the other is faster than an index.
 constexpr std::size_t mostChildrenWithoutIndex = 32;
+
+/// A document with no more nodes is within all bounds of what is opened.
+constexpr std::size_t mostNodesWithinAllBounds = 50'000;
+
+/// Whether readers, and the next writer, will open a document: what is saved must not be lost.
+bool canBeOpened(const std::string& document) {
+    ParserConfinement confinement(ParserConfinement::configurations);
+    const auto parser = confinement.makeParser<TreeBuildingParser>();
+    XmlErrorHandler errors;
+    parser->setErrorHandler(&errors);
+    confinement.parseBytes(*parser, document);
+    return !errors.getSawErrors();
+}
 
 void logError(const std::string& message,
               const std::source_location& place = std::source_location::current()) {
@@ -296,13 +311,20 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
     }
 }
 
+PrintedDocument ConfigWriterImpl::print() const {
+    PrintedDocument printed = printDocument(*m_document);
+    if (printed.nodes > mostNodesWithinAllBounds && !canBeOpened(printed.text))
+        return {.problem = "The document is too large to be opened again"};
+    return printed;
+}
+
 bool ConfigWriterImpl::saveToFile(const FileName& file) {
     try {
-        auto [text, problem] = print();
-        if (problem.empty())
-            if (const std::error_code error = saveInPlace(file, text))
-                problem = error.message();
-        m_saveProblem = std::move(problem);
+        PrintedDocument printed = print();
+        if (printed.problem.empty())
+            if (const std::error_code error = saveInPlace(file, printed.text))
+                printed.problem = error.message();
+        m_saveProblem = std::move(printed.problem);
     } catch (const FileNameException& e) {
         m_saveProblem = e.what();
     }

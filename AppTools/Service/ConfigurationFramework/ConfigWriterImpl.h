@@ -50,7 +50,7 @@ public:
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
                          const std::string& comment);
 
-    PrintedDocument print() const { return printDocument(*m_document); }
+    PrintedDocument print() const;
     bool saveToFile(const FileName& file);
     const std::string& saveProblem() const { return m_saveProblem; }
 

@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileUtilities.h>
 #include <GeneralServices/XercesHelperFunctions.h>
@@ -13,6 +14,7 @@
 #include <exception>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include <xercesc/dom/DOMException.hpp>
@@ -61,9 +63,12 @@ private:
 };
 
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
+    if (!FileUtilities::exists(file))
+        return std::make_unique<ConfigWriter>(version);
+    if (const std::error_code problem = checkRegularFile(file))
+        throw std::system_error(problem);
     // What the file holds of others survives.
-    return FileUtilities::exists(file) ? std::make_unique<ConfigWriter>(file, "")
-                                       : std::make_unique<ConfigWriter>(version);
+    return std::make_unique<ConfigWriter>(file, "");
 }
 
 /// Around what an object throws while it is written.
@@ -95,7 +100,8 @@ std::string describe(const std::exception_ptr& exception) {
         std::rethrow_exception(exception);
     } catch (const ObjectNotWritten& e) {
         const auto& nested = dynamic_cast<const std::nested_exception&>(e);
-        return "the object \"" + std::string(e.what()) + "\": " + describe(nested.nested_ptr());
+        return std::string("the object \"").append(e.what()).append("\": ") +
+               describe(nested.nested_ptr());
     } catch (ConfigException& e) {
         return e.getType() == ConfigException::InvalidDocument
                    ? "it is there, but cannot be read as a configuration"
@@ -126,9 +132,9 @@ bool saveGuarded(const FileName& file, const std::string& version, Save save) {
     } catch (...) {
         problem = describe(std::current_exception());
     }
-    std::ranges::replace(problem, '\n', ' ');
-    s_log.logERROR("\"" + file.toString() + "\" was not saved: " + problem, __FILE__, __func__,
-                   __LINE__);
+    std::string line = '"' + file.toString() + "\" was not saved: " + problem;
+    std::ranges::replace(line, '\n', ' ');
+    s_log.logERROR(line, __FILE__, __func__, __LINE__);
     return false;
 }
 
@@ -275,9 +281,9 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
                                             fromSystemFile ? AdvancedConfigReader::Priority::System
                                                            : AdvancedConfigReader::Priority::User,
                                             m_validVersions);
-    if (added != ConfigurationAccessResult::Success)
-        return;
-    const auto loaded = load(reader, registration);
+    const bool isAdded = added == ConfigurationAccessResult::Success;
+    const auto loaded = isAdded ? load(reader, registration) : ConfigurationAccessResult::Success;
+    // Also where no file was read: a class may unlock itself with its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
     // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to

@@ -427,7 +427,10 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
         if (child.getName().empty())
             save();
         else if (child.writesContent())
-            writer.putElementUnlessEmpty(child.getName(), child.getDescription(), save);
+            writer.putElementUnlessEmpty(child.getName(), child.getDescription(), [&] {
+                save();
+                child.keepListsReadable(writer); // among what an override wrote, too
+            });
     }
     keepListsReadable(writer);
 }
@@ -456,10 +459,15 @@ void ConfigurationObject::keepListsReadable(ConfigWriter& writer) const {
     names.reserve(lists.size());
     for (const ConfigurationValueBase* list : lists)
         names.push_back(list->getName());
-    auto hidden = writer.getNamesHiddenByDescendants(names);
-    for (const ConfigurationValueBase* list : lists | std::views::reverse)
-        if (hidden.erase(list->getName()) != 0)
-            writer.putInFront(list->getName(), [&] { list->saveContent(writer); });
+    // One that goes to the front can hide another: the items of a list hide a list of that name.
+    for (std::size_t round = 0; round < lists.size(); ++round) {
+        auto hidden = writer.getNamesHiddenByDescendants(names);
+        if (hidden.empty())
+            return;
+        for (const ConfigurationValueBase* list : lists | std::views::reverse)
+            if (hidden.erase(list->getName()) != 0)
+                writer.putInFront(list->getName(), [&] { list->saveContent(writer); });
+    }
 }
 
 void ConfigurationObject::addConfigurationValue(ConfigurationValueBase* value) {

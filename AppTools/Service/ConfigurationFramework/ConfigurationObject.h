@@ -174,6 +174,8 @@ protected:
     void clearConfigurationItems();
 
 private:
+    friend class ConfigWriter; // which has the lists kept readable when an object has written
+                               // itself
     class OwnedItems;
 
     bool differs(const ConfigurationObject* other, bool savedOnly) const;

@@ -125,10 +125,11 @@ void XsdConfigReader::writeXSD(const FileName& file, bool fixOutput) {
         return;
     if (!isPlaceForSchema(file))
         throw ConfigException(ConfigException::SourceNotFound);
+    // What fails here has made no file; what stands there then is somebody else's.
+    SchemaFiles::write(*m_tree->getSchema(), file);
+    if (!fixOutput)
+        return;
     try {
-        SchemaFiles::write(*m_tree->getSchema(), file);
-        if (!fixOutput)
-            return;
         fixXsdOutputFile(file);
         if (!isWellFormed(file))
             throw ConfigException(ConfigException::SourceNotFound);

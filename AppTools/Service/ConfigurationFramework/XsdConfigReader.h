@@ -41,7 +41,8 @@ namespace Orvant {
 ///
 /// Nothing that a file refers to is opened: external entities and DTDs resolve to nothing, which
 /// the error log tells. A file is refused that has more than 10,000 entity references, an element
-/// with more than 100 attributes, given or declared, elements nested more than 1,000 deep, a
+/// with more than 100 attributes, given or declared, 10,000 different tags or names of attributes,
+/// elements nested more than 1,000 deep, a
 /// complex type more than 512 deep, or references that make more than 10 million characters of it,
 /// where each in an attribute or a DTD counts as the longest entity; also one that takes more than
 /// 64 MiB beside 64 times its size to parse, or its DTD more than 4 MiB beside 16 times.

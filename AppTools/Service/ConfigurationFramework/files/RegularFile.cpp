@@ -3,6 +3,7 @@
 #include <FileHandling/FileName.h>
 #include <FileHandling/OvFstream.h>
 
+#include <cerrno>
 #include <cstdint>
 
 namespace Orvant {
@@ -40,6 +41,23 @@ std::optional<std::string> readRegularFile(const FileName& file) {
         return std::nullopt;
     bytes.resize(static_cast<std::size_t>(in.gcount()));
     return bytes;
+}
+
+std::error_code checkRegularFile(const FileName& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(toPath(file), error);
+    if (error)
+        return error;
+    if (std::filesystem::is_directory(status))
+        return std::make_error_code(std::errc::is_a_directory);
+    if (!std::filesystem::is_regular_file(status))
+        return std::make_error_code(std::errc::not_supported);
+    if (!sizeOfRegularFile(toPath(file)))
+        return std::make_error_code(std::errc::file_too_large);
+    errno = 0;
+    if (OvIfstream(file, std::ios::in | std::ios::binary).is_open())
+        return {};
+    return {errno != 0 ? errno : EIO, std::generic_category()};
 }
 
 } // namespace Orvant

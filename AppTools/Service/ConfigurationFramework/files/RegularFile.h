@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 namespace Orvant {
 
@@ -18,5 +19,10 @@ std::filesystem::path toPath(const FileName& file);
 ///         larger than 1 GiB, which no settings are
 /// @throws FileNameException for a name that no file system could hold
 std::optional<std::string> readRegularFile(const FileName& file);
+
+/// @return why readRegularFile() would answer nothing, as the system reports it; none when it would
+/// not
+/// @throws FileNameException for a name that no file system could hold
+std::error_code checkRegularFile(const FileName& file);
 
 } // namespace Orvant

@@ -2,6 +2,9 @@
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
 
@@ -51,6 +54,8 @@ void TreeBuildingParser::startElement(const xercesc::XMLElementDecl& declaration
                                       const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     m_measure.startElement(declaration, attributes, attributeCount);
+    if (declaration.hasAttDefs())
+        checkDefaults(declaration.getAttDefList());
     endFirstText();
     std::string key;
     bool editable = true;
@@ -66,6 +71,16 @@ void TreeBuildingParser::startElement(const xercesc::XMLElementDecl& declaration
     m_tree->startElement(nameOf(declaration), key, editable);
     if (isEmpty)
         endOpenElement();
+}
+
+/// Has the DOM refuse the names that it does not take for default attributes.
+void TreeBuildingParser::checkDefaults(const xercesc::XMLAttDefList& definitions) {
+    for (XMLSize_t i = 0; i < definitions.getAttDefCount(); ++i) {
+        const xercesc::XMLAttDef& definition = definitions.getAttDef(i);
+        if (definition.getDefaultType() == xercesc::XMLAttDef::Default ||
+            definition.getDefaultType() == xercesc::XMLAttDef::Fixed)
+            getDocument()->createAttribute(definition.getFullName())->release();
+    }
 }
 
 void TreeBuildingParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool,
@@ -114,6 +129,7 @@ void TreeBuildingParser::docComment(const XMLCh* comment) {
 
 void TreeBuildingParser::docPI(const XMLCh* target, const XMLCh* data) {
     m_measure.addInstruction(target, data);
+    ConfinedParser::docPI(target, data); // which refuses some targets
     addOtherChild();
 }
 

@@ -41,6 +41,7 @@ public:
 
 private:
     DocumentTree::Name nameOf(const xercesc::XMLElementDecl& declaration);
+    void checkDefaults(const xercesc::XMLAttDefList& definitions);
     void endOpenElement();
     void endFirstText();
     void addOtherChild();

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/files/RegularFile.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XmlErrorHandler.h>
@@ -13,6 +14,7 @@
 #include <source_location>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
@@ -48,10 +50,13 @@ public:
             declaration.hasAttDefs() ? declaration.getAttDefList().getAttDefCount() : 0;
         refuseIf(attributeCount > SchemaLimits::attributes || declared > SchemaLimits::attributes);
         refuseIf(++m_depth > SchemaLimits::depth);
+        refuseIf(declaration.getId() > SchemaLimits::names);
         if (isEmpty)
             --m_depth;
         add(declaration.getFullName(), "</>");
         for (XMLSize_t i = 0; i < attributeCount; ++i) {
+            m_attributeNames.emplace(attributes.elementAt(i)->getName());
+            refuseIf(m_attributeNames.size() > SchemaLimits::names);
             add(attributes.elementAt(i)->getName(), " =''");
             add(attributes.elementAt(i)->getValue());
         }
@@ -77,6 +82,7 @@ private:
         refuseIf(m_size > std::max(documentSize(), SchemaLimits::expandedSize));
     }
 
+    std::unordered_set<XmlString> m_attributeNames;
     std::size_t m_depth = 0;
     std::size_t m_size = 0; ///< without references, never more than the document's
 };

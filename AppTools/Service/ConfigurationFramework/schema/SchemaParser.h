@@ -14,6 +14,8 @@ class FileName;
 struct SchemaLimits {
     static constexpr std::size_t attributes = 100; ///< of one element, or declared for one
     static constexpr std::size_t depth = 1'000;    ///< of elements
+    /// Different tags, and names of attributes: Xerces searches them one by one.
+    static constexpr std::size_t names = 10'000;
     /// Characters of a document whose references are expanded. One without references may be
     /// longer.
     static constexpr std::size_t expandedSize = 10'000'000;

@@ -27,29 +27,35 @@ constexpr std::size_t maxDepth = 4'000;
 /// Most indentation that is printed, that of one chain of so many elements. It grows with the depth
 /// of every element and would fill the disk.
 constexpr std::size_t maxIndentation = 2 * maxDepth * maxDepth;
-/// Most comments without an element between them that are printed. The printer looks for an element
-/// beside each comment and walks over all the others on its way, which would take minutes.
+/// Most comments without an element between them that are printed.
 constexpr std::size_t maxCommentsInARow = 10'000;
+/// Most steps of the printer beside comments: those that so many comments in a row take. It looks
+/// for an element beside each and walks over all else on its way, which would take minutes.
+constexpr std::size_t maxStepsBesideComments = maxCommentsInARow * maxCommentsInARow;
 
 /// How a document is laid out when it is printed.
 struct Layout {
     std::size_t nodes = 0;
-    std::size_t depth = 0;          ///< of elements, 1 for a root without children
-    std::size_t indentation = 0;    ///< at most so many blanks
-    std::size_t commentsInARow = 0; ///< most comments side by side without an element between them
+    std::size_t depth = 0;               ///< of elements, 1 for a root without children
+    std::size_t indentation = 0;         ///< at most so many blanks
+    std::size_t stepsBesideComments = 0; ///< from comments to the elements beside them
 };
 
-/// Most comments below an element without another element between them.
-std::size_t longestRunOfComments(const DOMNode& element) {
-    std::size_t longest = 0;
-    std::size_t run = 0;
+/// Steps from all comments below an element to the elements beside them.
+std::size_t stepsBesideComments(const DOMNode& element) {
+    std::size_t steps = 0;
+    std::size_t nodes = 0;
+    std::size_t comments = 0;
     for (const DOMNode* child = element.getFirstChild(); child; child = child->getNextSibling()) {
-        if (child->getNodeType() == DOMNode::ELEMENT_NODE)
-            run = 0;
-        else if (child->getNodeType() == DOMNode::COMMENT_NODE)
-            longest = std::max(longest, ++run);
+        ++nodes;
+        if (child->getNodeType() == DOMNode::COMMENT_NODE)
+            ++comments;
+        if (child->getNodeType() == DOMNode::ELEMENT_NODE || child->getNextSibling() == nullptr) {
+            steps += comments * (nodes - (child->getNodeType() == DOMNode::ELEMENT_NODE ? 1 : 0));
+            nodes = comments = 0;
+        }
     }
-    return longest;
+    return steps;
 }
 
 Layout layoutOf(const DOMElement& root) {
@@ -62,7 +68,7 @@ Layout layoutOf(const DOMElement& root) {
         const bool isElement = node->getNodeType() == DOMNode::ELEMENT_NODE;
         if (isElement) {
             layout.depth = std::max(layout.depth, depth);
-            layout.commentsInARow = std::max(layout.commentsInARow, longestRunOfComments(*node));
+            layout.stepsBesideComments += stepsBesideComments(*node);
         }
         // Both tags of an element can have a line of their own.
         layout.indentation += (isElement ? 2 : 1) * step * (depth - 1);
@@ -138,15 +144,15 @@ PrintedDocument printDocument(const xercesc::DOMDocument& document) {
     const DOMElement& root = *document.getDocumentElement();
     const Layout layout = layoutOf(root);
     if (layout.depth > maxDepth || layout.indentation > maxIndentation)
-        return {"", "The document is nested too deeply to be written"};
-    if (layout.commentsInARow > maxCommentsInARow)
-        return {"", "The document has too many comments in a row to be written"};
+        return {.problem = "The document is nested too deeply to be written"};
+    if (layout.stepsBesideComments > maxStepsBesideComments)
+        return {.problem = "The document has too many comments in a row to be written"};
     constexpr std::size_t usualNode = 16;
     auto text = serialize(root, layout.indentation + layout.nodes * usualNode);
     if (!text)
-        return {"", "The document holds something that XML cannot express"};
+        return {.problem = "The document holds something that XML cannot express"};
     text->erase(0, text->find('<')); // the printer begins with a line break
-    return {std::move(*text), ""};
+    return {std::move(*text), "", layout.nodes};
 }
 
 } // namespace Orvant

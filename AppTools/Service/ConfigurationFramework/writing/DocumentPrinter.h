@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -8,8 +9,9 @@ namespace Orvant {
 
 /// A document as text, or the reason why there is none.
 struct PrintedDocument {
-    std::string text;    ///< UTF-8, from the root's start tag on
-    std::string problem; ///< in words; empty when there is a text
+    std::string text = {};    ///< UTF-8, from the root's start tag on
+    std::string problem = {}; ///< in words; empty when there is a text
+    std::size_t nodes = 0;
 };
 
 /// Prints a document, each element on a line of its own, indented by its depth. A document whose

@@ -43,12 +43,7 @@ void DocumentMeasure::startElement(const xercesc::XMLElementDecl& declaration,
         add(levelBytes);
     }
     add(elementBytes);
-    // The scanner counts the names, in the order in which they come.
-    if (const std::size_t names = declaration.getId(); names > m_names) {
-        refuseIf(names > maxNames);
-        add((names - m_names) * nameBytes);
-        m_names = names;
-    }
+    compare(hashOf(declaration));
     const std::size_t declared =
         declaration.hasAttDefs() ? declaration.getAttDefList().getAttDefCount() : 0;
     refuseIf(attributeCount > maxAttributes || declared > maxAttributes);
@@ -62,10 +57,48 @@ void DocumentMeasure::addAttribute(const xercesc::XMLAttr& attribute) {
     const std::size_t length = xercesc::XMLString::stringLen(attribute.getValue());
     const std::size_t copies = attribute.getSpecified() ? 1 : 2;
     add(attributeBytes + copies * length * sizeof(XMLCh));
-    if (isEverywhere(attribute.getName()) || !m_attributeNames.emplace(attribute.getName()).second)
+    refuseIf(attribute.getType() == xercesc::XMLAttDef::ID && ++m_ids > maxIds);
+    if (isEverywhere(attribute.getName()))
         return;
-    refuseIf(m_attributeNames.size() > maxNames);
-    add(attributeNameBytes);
+    const auto [name, isNew] = m_attributeNames.try_emplace(attribute.getName());
+    if (isNew) {
+        refuseIf(m_attributeNames.size() > maxNames);
+        add(attributeNameBytes);
+        name->second = addName(attribute.getName());
+    }
+    compare(name->second);
+}
+
+DocumentMeasure::Hash DocumentMeasure::hashOf(const xercesc::XMLElementDecl& declaration) {
+    const std::size_t number = declaration.getId();
+    if (number >= m_tags.size()) {
+        refuseIf(number > maxNames);
+        m_tags.resize(number + 1);
+    }
+    Tag& tag = m_tags[number];
+    if (tag.declaration == nullptr) {
+        add(nameBytes);
+        tag = {&declaration, addName(declaration.getFullName())};
+    }
+    if (tag.declaration == &declaration)
+        return tag.hash;
+    const auto [other, isNew] = m_otherTags.try_emplace(&declaration);
+    if (isNew) {
+        add(nameBytes);
+        other->second = addName(declaration.getFullName());
+    }
+    return other->second;
+}
+
+DocumentMeasure::Hash DocumentMeasure::addName(const XMLCh* name) {
+    const auto hash = static_cast<Hash>(xercesc::XMLString::hash(name, hashes));
+    ++m_namesOfHash[hash];
+    return hash;
+}
+
+void DocumentMeasure::compare(Hash hash) {
+    m_comparisons += m_namesOfHash[hash];
+    refuseIf(m_comparisons > m_maxComparisons);
 }
 
 void DocumentMeasure::endElement() {
