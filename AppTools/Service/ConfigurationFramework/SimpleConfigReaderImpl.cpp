@@ -49,7 +49,8 @@ private:
     Element m_saved;
 };
 
-/// With the place of its call, which is that of the throw statement.
+/// With the place of its call, which is that of the throw statement. GCC counts the column to the
+/// parenthesis behind the name: with another name, or another indentation of a call, it is another.
 ConfigException refusedDocument(ConfigException::ExceptionType type,
                                 std::source_location place = std::source_location::current()) {
     return ConfigException(type, place);
@@ -230,8 +231,9 @@ ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
 }
 
 // Support finds a refusal in the field's logs by line and column, so each place that reports one
-// keeps its number whatever is edited around it. The function is the last of the file because the
-// numbers are not those of the text from here on.
+// keeps both whatever is edited around it: the line by the directive above it, the column by the
+// length of the name refusedDocument and the depth of the blocks around the throw. The function is
+// the last of the file because the numbers are not those of the text from here on.
 void SimpleConfigReaderImpl::init(const FileName& file, const std::string& content,
                                   const std::list<std::string>& validVersions) {
 #line 63
