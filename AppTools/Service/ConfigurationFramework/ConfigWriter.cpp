@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/xml/NumberText.h>
+#include <ConfigurationFramework/xml/PlaceRestorer.h>
 
 #include <Logging/Logging.h>
 
@@ -15,19 +16,6 @@ namespace {
 
 const Logging s_log("ConfigWriter");
 
-/// Puts a writer back on its element at the end of the scope.
-class ElementRestorer {
-public:
-    explicit ElementRestorer(ConfigWriterImpl& writer)
-        : m_writer(writer), m_saved(writer.currentElement()) {}
-    ElementRestorer(const ElementRestorer&) = delete;
-    ElementRestorer& operator=(const ElementRestorer&) = delete;
-    ~ElementRestorer() { m_writer.setCurrentElement(m_saved); }
-
-private:
-    ConfigWriterImpl& m_writer;
-    xercesc::DOMElement* m_saved;
-};
 
 } // namespace
 
@@ -151,7 +139,7 @@ void ConfigWriter::putValue(const std::string& name, const std::vector<std::stri
 
 void ConfigWriter::putElement(const std::string& name, const std::string& comment,
                               const std::function<void()>& writeContents) {
-    const ElementRestorer restorer(*m_impl);
+    const PlaceRestorer restorer(m_impl->currentElement());
     createNodeAndMakeCurrent(name, comment);
     writeContents();
 }
@@ -160,8 +148,8 @@ void ConfigWriter::putElementUnlessEmpty(const std::string& name, const std::str
                                          const std::function<void()>& writeContents) {
     xercesc::DOMElement& element = m_impl->createElement(name);
     {
-        const ElementRestorer restorer(*m_impl);
-        m_impl->setCurrentElement(&element);
+        const PlaceRestorer restorer(m_impl->currentElement());
+        m_impl->currentElement() = &element;
         writeContents();
     }
     if (element.hasChildNodes())
@@ -177,7 +165,7 @@ void ConfigWriter::putInFront(const std::string& name, const std::function<void(
     if (m_impl->moveToFront(name) == ConfigurationAccessResult::Success)
         return;
     {
-        const ElementRestorer restorer(*m_impl);
+        const PlaceRestorer restorer(m_impl->currentElement());
         putMissing();
     }
     m_impl->moveToFront(name);
@@ -197,7 +185,7 @@ void ConfigWriter::putClassContents(const std::string& name, const Configuration
 
 void ConfigWriter::putClassContents(const std::string& name, const std::string& key,
                                     const ConfigurationObject& object, const std::string& comment) {
-    const ElementRestorer restorer(*m_impl);
+    const PlaceRestorer restorer(m_impl->currentElement());
     createKeyedNodeAndMakeCurrent(name, key, comment);
     object.saveContent(*this);
     object.keepListsReadable(*this);
@@ -217,7 +205,7 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
-    const ElementRestorer restorer(*m_impl);
+    const PlaceRestorer restorer(m_impl->currentElement());
     m_impl->deleteKeyedNode(name, key);
     if (!object.canBeSavedToUserConfig(reader))
         return;

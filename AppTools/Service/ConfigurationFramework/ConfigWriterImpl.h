@@ -54,8 +54,8 @@ public:
     bool saveToFile(const FileName& file);
     const std::string& saveProblem() const { return m_saveProblem; }
 
-    xercesc::DOMElement* currentElement() const { return m_current; }
-    void setCurrentElement(xercesc::DOMElement* element) { m_current = element; }
+    /// @return the place in the document, to be set
+    xercesc::DOMElement*& currentElement() { return m_current; }
 
 private:
     struct DocumentRelease {

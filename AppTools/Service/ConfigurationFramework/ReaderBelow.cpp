@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ReaderBelow.h>
 
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/xml/PlaceRestorer.h>
 
 #include <algorithm>
 #include <utility>
@@ -56,18 +57,6 @@ private:
     ConfigurationAccessResult m_result = ConfigurationAccessResult::Failure;
 };
 
-/// Sets a pointer for the scope.
-class SourceInScope {
-public:
-    SourceInScope(ConfigReader*& place, ConfigReader& source) : m_place(place) { place = &source; }
-    SourceInScope(const SourceInScope&) = delete;
-    SourceInScope& operator=(const SourceInScope&) = delete;
-    ~SourceInScope() { m_place = nullptr; }
-
-private:
-    ConfigReader*& m_place;
-};
-
 } // namespace
 
 ReaderBelow::ReaderBelow(ConfigReader& outer, const std::string& element,
@@ -92,7 +81,8 @@ ConfigurationAccessResult ReaderBelow::ask(ConfigurationObject& object,
     if (m_source != nullptr)
         return operation(*m_source);
     Probe probe(object, [&](ConfigReader& source) {
-        const SourceInScope scope(m_source, source);
+        const PlaceRestorer restorer(m_source);
+        m_source = &source;
         if (m_found)
             source.tagExists(*m_found);
         return operation(source);

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/xml/NumberText.h>
+#include <ConfigurationFramework/xml/PlaceRestorer.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
@@ -35,19 +36,6 @@ std::optional<std::string> optionalText(const DocumentTree& tree, Element elemen
     const auto text = tree.text(element);
     return text ? std::optional<std::string>(*text) : std::nullopt;
 }
-
-/// Puts a reader back on its element at the end of the scope.
-class CurrentRestorer {
-public:
-    explicit CurrentRestorer(Element& current) : m_current(current), m_saved(current) {}
-    CurrentRestorer(const CurrentRestorer&) = delete;
-    CurrentRestorer& operator=(const CurrentRestorer&) = delete;
-    ~CurrentRestorer() { m_current = m_saved; }
-
-private:
-    Element& m_current;
-    Element m_saved;
-};
 
 /// With the place of its call, which is that of the throw statement. GCC counts the column to the
 /// parenthesis behind the name: with another name, or another indentation of a call, it is another.
@@ -128,7 +116,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::getString(std::string& value, 
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getString(const std::string& name,
                                                             std::string& value, bool& editable) {
-    const CurrentRestorer restorer(m_current);
+    const PlaceRestorer restorer(m_current);
     return setCurrentNode(name) == ConfigurationAccessResult::Success
                ? getString(value, editable)
                : ConfigurationAccessResult::Failure;
@@ -171,7 +159,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::getKeys(const std::string& nam
 
 ConfigurationAccessResult SimpleConfigReaderImpl::loadFrom(Element element,
                                                            ConfigurationObject& object) {
-    const CurrentRestorer restorer(m_current);
+    const PlaceRestorer restorer(m_current);
     const auto result = makeCurrent(element);
     if (result == ConfigurationAccessResult::Success)
         object.loadContent(m_reader);
@@ -220,7 +208,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(const std::st
 
 ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
     const std::string& name, const std::function<void(std::string)>& callback) {
-    const CurrentRestorer restorer(m_current);
+    const PlaceRestorer restorer(m_current);
     bool called = false;
     m_tree->forEachChild(m_current, name, [&](Element element) {
         m_current = element;
