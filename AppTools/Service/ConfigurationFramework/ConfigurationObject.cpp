@@ -4,14 +4,13 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ReaderBelow.h>
+#include <ConfigurationFramework/model/ItemPairs.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
 
 #include <algorithm>
 #include <memory>
 #include <ranges>
 #include <stdexcept>
-#include <string_view>
-#include <unordered_map>
 #include <utility>
 
 namespace Orvant {
@@ -21,15 +20,26 @@ namespace {
 /// So many have room from the first one on.
 constexpr std::size_t fewItems = 8;
 
+/// @throws std::invalid_argument for null
 template <typename Item>
-void append(std::vector<Item*>& items, Item* item) {
+std::unique_ptr<Item> own(Item* item) {
     if (item == nullptr)
         throw std::invalid_argument("a configuration object cannot hold a null item");
-    std::unique_ptr<Item> owner(item);
+    return std::unique_ptr<Item>(item);
+}
+
+template <typename Item>
+void append(std::vector<Item*>& items, Item* item) {
+    auto owner = own(item);
     if (items.empty())
         items.reserve(fewItems);
     items.push_back(item);
     (void)owner.release();
+}
+
+template <typename Item>
+void replace(Item*& place, Item* item) {
+    delete std::exchange(place, own(item).release());
 }
 
 template <typename Item>
@@ -47,59 +57,42 @@ Item* findByName(const std::vector<Item*>& items, const std::string& name) {
 }
 
 /// Makes an item another one's copy, if that is all that its clone would be.
-bool makeCopy(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
-    return assignSameType(item, original);
+bool becomeCopy(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
+    switch (original.getValueType()) {
+    case ConfigurationValueBase::BoolValue:
+        return copyAs<ConfigurationValue<bool>>(original, item);
+    case ConfigurationValueBase::IntValue:
+        return copyAs<ConfigurationValue<int>>(original, item);
+    case ConfigurationValueBase::UnsignedIntValue:
+        return copyAs<ConfigurationValue<unsigned int>>(original, item);
+    case ConfigurationValueBase::DoubleValue:
+        return copyAs<ConfigurationValue<double>>(original, item);
+    case ConfigurationValueBase::FloatValue:
+        return copyAs<ConfigurationValue<float>>(original, item);
+    case ConfigurationValueBase::StringValue:
+        return copyAs<ConfigurationValue<std::string>>(original, item);
+    case ConfigurationValueBase::StringVectorValue:
+        return copyAs<ConfigurationValue<std::vector<std::string>>>(original, item);
+    }
+    return false;
 }
-bool makeCopy(const ConfigurationObject&, const ConfigurationObject&) {
+bool becomeCopy(const ConfigurationObject&, const ConfigurationObject&) {
     return false;
 }
 
-/// Makes the items of a fresh object copies of others: those that it has where they can be, for
-/// making an item takes longer than assigning one.
+/// Makes the items of a fresh object copies of others. Those that can be are assigned to, for
+/// making an item takes longer; the others give way to clones.
 template <typename Item>
 void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
     for (std::size_t i = 0; i < originals.size(); ++i) {
-        if (i < items.size() && makeCopy(*originals[i], *items[i]))
-            continue;
-        append(items, originals[i]->clone());
-        if (i + 1 < items.size()) {
-            std::swap(items[i], items.back());
-            delete items.back();
-            items.pop_back();
-        }
+        if (i == items.size())
+            append(items, originals[i]->clone());
+        else if (!becomeCopy(*originals[i], *items[i]))
+            replace(items[i], originals[i]->clone());
     }
     for (; items.size() > originals.size(); items.pop_back())
         delete items.back();
 }
-
-/// Finds for an object's values those of the same name in another object (null: none). Objects of
-/// one class have them at the same positions.
-class Counterparts {
-public:
-    using Values = std::vector<ConfigurationValueBase*>;
-
-    Counterparts(const Values& values, const Values* others) : m_values(values), m_others(others) {}
-
-    /// @return first value of that name; null when there is none
-    const ConfigurationValueBase* of(std::size_t position) {
-        if (m_others == nullptr)
-            return nullptr;
-        const std::string& name = m_values[position]->getName();
-        if (position < m_others->size() && (*m_others)[position]->getName() == name)
-            return (*m_others)[position];
-        if (m_byName.empty())
-            for (const ConfigurationValueBase* other : *m_others)
-                m_byName.try_emplace(other->getName(), other);
-        const auto found = m_byName.find(name);
-        return found == m_byName.end() ? nullptr : found->second;
-    }
-
-private:
-    const Values& m_values;
-    const Values* m_others;
-    /// Made when positions differ.
-    std::unordered_map<std::string_view, const ConfigurationValueBase*> m_byName;
-};
 
 /// Takes the value of another, or that it has none.
 void adoptState(ConfigurationValueBase& value, const ConfigurationValueBase& other) {
@@ -165,6 +158,38 @@ public:
 private:
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;
+};
+
+/// The walk of overwriteInvalidConfigValues() and restoreLocks(), which have the table of what
+/// wins.
+class ConfigurationObject::LockTransfer {
+public:
+    /// Values of the other object that come with its locks.
+    enum class Values { Locked, LockedOrMissing, All };
+
+    static void run(ConfigurationObject& object, const ConfigurationObject& other, Values values) {
+        object.setEditable(other.isEditable());
+        ItemPairs pairs(object.m_values, &other.m_values);
+        for (std::size_t i = 0; i < object.m_values.size(); ++i)
+            if (const auto* counterpart = pairs.counterpartOf(i))
+                run(*object.m_values[i], *counterpart, values);
+        // overwriteInvalidConfigValues() is called of each child, for classes override it.
+        if (values == Values::LockedOrMissing)
+            return;
+        for (std::size_t i = 0; i < object.m_objects.size(); ++i)
+            if (const auto* counterpart = object.counterpartOf(i, &other))
+                run(*object.m_objects[i], *counterpart,
+                    counterpart->isEditable() ? values : Values::All);
+    }
+
+private:
+    static void run(ConfigurationValueBase& value, const ConfigurationValueBase& other,
+                    Values values) {
+        if (values == Values::All || !other.isEditable() ||
+            (values == Values::LockedOrMissing && !value.hasValue()))
+            adoptState(value, other);
+        value.setEditable(other.isEditable());
+    }
 };
 
 ConfigurationObject::ConfigurationObject(const std::string& name, const std::string& description,
@@ -274,46 +299,18 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
         m_objects[i]->overwriteInvalidConfigValues(counterpartOf(i, other));
 }
 
-/// Takes the locks of another object and its values, and those values for which
-/// takesValue(value, its counterpart) holds.
-template <typename Predicate>
-void ConfigurationObject::takeLocks(const ConfigurationObject& other, Predicate takesValue) {
-    setEditable(other.isEditable());
-    Counterparts counterparts(m_values, &other.m_values);
-    for (std::size_t i = 0; i < m_values.size(); ++i) {
-        ConfigurationValueBase& value = *m_values[i];
-        const auto* counterpart = counterparts.of(i);
-        if (counterpart == nullptr)
-            continue;
-        if (takesValue(value, *counterpart))
-            adoptState(value, *counterpart);
-        value.setEditable(counterpart->isEditable());
-    }
-}
-
-/// Takes the locks, and the values that the system decides: with `all`, every value, in children
-/// too.
-void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool all) {
-    takeLocks(system, [&](const auto& value, const auto& systemValue) {
-        return all || !systemValue.isEditable() || !value.hasValue();
-    });
-    for (std::size_t i = 0; all && i < m_objects.size(); ++i)
-        if (const auto* systemChild = counterpartOf(i, &system))
-            m_objects[i]->takeFromSystem(*systemChild, true);
+void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool locked) {
+    using enum LockTransfer::Values;
+    LockTransfer::run(*this, system, locked ? All : LockedOrMissing);
 }
 
 void ConfigurationObject::restoreLocks(const ConfigurationObject& former) {
-    restoreLocks(former, false);
+    restoreLocks(former, !former.isEditable());
 }
 
-void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool parentLocked) {
-    const bool locked = parentLocked || !former.isEditable();
-    takeLocks(former, [&](const auto&, const auto& formerValue) {
-        return locked || !formerValue.isEditable();
-    });
-    for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (const auto* formerChild = counterpartOf(i, &former))
-            m_objects[i]->restoreLocks(*formerChild, locked);
+void ConfigurationObject::restoreLocks(const ConfigurationObject& former, bool locked) {
+    using enum LockTransfer::Values;
+    LockTransfer::run(*this, former, locked ? All : Locked);
 }
 
 void ConfigurationObject::emitSignalsAfterConfigLoading() {
@@ -396,10 +393,10 @@ bool ConfigurationObject::differs(const ConfigurationObject* other, bool savedOn
 
 std::vector<const ConfigurationValueBase*>
 ConfigurationObject::getDifferentConfigurationValues(const ConfigurationObject* other) const {
-    Counterparts counterparts(m_values, other == nullptr ? nullptr : &other->m_values);
+    ItemPairs pairs(m_values, other == nullptr ? nullptr : &other->m_values);
     std::vector<const ConfigurationValueBase*> different;
     for (std::size_t i = 0; i < m_values.size(); ++i) {
-        const auto* counterpart = counterparts.of(i);
+        const auto* counterpart = pairs.counterpartOf(i);
         if (counterpart == nullptr || !m_values[i]->comapreValue(counterpart))
             different.push_back(m_values[i]);
     }

@@ -84,11 +84,20 @@ public:
     /// not hold or holds unreadably. Locks become exactly those of the system: a user's document
     /// neither locks nor unlocks. Children are repaired likewise, named and nameless. Values and
     /// children that `other` does not have are left alone. Values are paired by name, children as
-    /// getCounterpart() tells.
+    /// getCounterpart() tells. What is taken, here and by restoreLocks():
+    ///
+    /// | There, the value is           | Here, it has | Repair takes   | restoreLocks() takes |
+    /// |-------------------------------|--------------|----------------|----------------------|
+    /// | locked, or in a locked object | anything     | value and lock | value and lock       |
+    /// | editable                      | no value     | value and lock | lock                 |
+    /// | editable                      | a value      | lock           | lock                 |
+    /// | not there                     | anything     | nothing        | nothing              |
+    ///
     /// @param other the object as the system's document left it; null does nothing
     virtual void overwriteInvalidConfigValues(const ConfigurationObject* other);
     /// Gives the object the locks of an earlier state of it and, where these lock, its values: for
-    /// loads that must not change locks.
+    /// loads that must not change locks. The table at overwriteInvalidConfigValues() tells what is
+    /// taken.
     void restoreLocks(const ConfigurationObject& former);
     /// Tells observers that loading is complete. Here it calls each child's; derived classes add
     /// their signals.
@@ -177,6 +186,7 @@ private:
     friend class ConfigWriter; // which has the lists kept readable when an object has written
                                // itself
     class OwnedItems;
+    class LockTransfer;
 
     bool differs(const ConfigurationObject* other, bool savedOnly) const;
     template <typename SaveChild>
@@ -186,10 +196,8 @@ private:
     void keepListsReadable(ConfigWriter& writer) const;
     const ConfigurationObject* counterpartOf(std::size_t position,
                                              const ConfigurationObject* other) const;
-    template <typename Predicate>
-    void takeLocks(const ConfigurationObject& other, Predicate takesValue);
-    void takeFromSystem(const ConfigurationObject& system, bool all);
-    void restoreLocks(const ConfigurationObject& former, bool parentLocked);
+    void takeFromSystem(const ConfigurationObject& system, bool locked);
+    void restoreLocks(const ConfigurationObject& former, bool locked);
 
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;

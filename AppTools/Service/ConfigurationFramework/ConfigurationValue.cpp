@@ -2,11 +2,9 @@
 
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/model/ValueCopy.h>
 
 #include <functional>
 #include <map>
-#include <typeinfo>
 #include <utility>
 
 namespace Orvant {
@@ -120,39 +118,6 @@ template <typename T>
 void ConfigurationValue<T>::adoptValue(const ConfigurationValueBase* other) {
     if (const auto* const sameType = dynamic_cast<const ConfigurationValue<T>*>(other))
         m_value = sameType->getValue();
-}
-
-namespace {
-
-template <typename T>
-bool assignAs(ConfigurationValueBase& value, const ConfigurationValueBase& original) {
-    using Value = ConfigurationValue<T>;
-    if (typeid(value) != typeid(Value) || typeid(original) != typeid(Value))
-        return false;
-    static_cast<Value&>(value) = static_cast<const Value&>(original);
-    return true;
-}
-
-} // namespace
-
-bool assignSameType(ConfigurationValueBase& value, const ConfigurationValueBase& original) {
-    switch (original.getValueType()) {
-    case ConfigurationValueBase::BoolValue:
-        return assignAs<bool>(value, original);
-    case ConfigurationValueBase::IntValue:
-        return assignAs<int>(value, original);
-    case ConfigurationValueBase::UnsignedIntValue:
-        return assignAs<unsigned int>(value, original);
-    case ConfigurationValueBase::DoubleValue:
-        return assignAs<double>(value, original);
-    case ConfigurationValueBase::FloatValue:
-        return assignAs<float>(value, original);
-    case ConfigurationValueBase::StringValue:
-        return assignAs<std::string>(value, original);
-    case ConfigurationValueBase::StringVectorValue:
-        return assignAs<std::vector<std::string>>(value, original);
-    }
-    return false;
 }
 
 template class ConfigurationValue<bool>;

@@ -1,12 +1,18 @@
 #pragma once
 
+#include <typeinfo>
+
 namespace Orvant {
 
-class ConfigurationValueBase;
-
-/// Makes a value a copy of another, where both are of one of the library's own classes and of the
-/// same one; a class of the application's may be more than what it inherits.
+/// Makes a value a copy of another, where both are exactly of a class: one that derives from it may
+/// be more than what it inherits.
 /// @return false when they are not, and nothing was done
-bool assignSameType(ConfigurationValueBase& value, const ConfigurationValueBase& original);
+template <typename Class, typename Value>
+bool copyAs(const Value& original, Value& value) {
+    if (typeid(original) != typeid(Class) || typeid(value) != typeid(Class))
+        return false;
+    static_cast<Class&>(value) = static_cast<const Class&>(original);
+    return true;
+}
 
 } // namespace Orvant
