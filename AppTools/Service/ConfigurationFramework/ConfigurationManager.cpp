@@ -26,40 +26,53 @@ namespace {
 
 const Logging s_log("ConfigurationManager");
 
-/// Calls with the name of a registration's element, and with its key where it has one.
-template <typename Call>
-auto withElement(const ConfigurationRegistration& registration, Call call) {
-    return registration.key ? call(registration.name, *registration.key) : call(registration.name);
-}
+/// The element that an object is loaded from and saved to.
+struct ElementAddress {
+    const std::string& name;
+    const std::optional<std::string>& key; ///< tells elements of one name apart
 
-ConfigurationAccessResult load(AdvancedConfigReader& reader,
-                               const ConfigurationRegistration& registration) {
-    return withElement(registration, [&](const auto&... element) {
-        return reader.getClassContents(element..., *registration.object);
-    });
-}
+    explicit ElementAddress(const ConfigurationRegistration& registration)
+        : name(registration.name), key(registration.key) {}
 
-/// The system configuration as an object asks for it while it is compared: it asks by its own name,
-/// and is answered from the element that it is registered under.
-class ReferenceReader : public AdvancedConfigReader {
+    ConfigurationAccessResult load(AdvancedConfigReader& reader,
+                                   ConfigurationObject& object) const {
+        // Past SystemReader's override, which comes here.
+        return key ? reader.AdvancedConfigReader::getClassContents(name, *key, object)
+                   : reader.AdvancedConfigReader::getClassContents(name, object);
+    }
+    void put(ConfigWriter& writer, const ConfigurationObject& object) const {
+        if (key)
+            writer.putClassContents(name, *key, object, "");
+        else
+            writer.putClassContents(name, object, "");
+    }
+    void putDifferences(ConfigWriter& writer, const ConfigurationObject& object,
+                        ConfigReader& reference) const {
+        if (key)
+            writer.putOnlyDifferentClassContents(name, *key, object, reference, "");
+        else
+            writer.putOnlyDifferentClassContents(name, object, reference, "");
+    }
+};
+
+/// The system file as objects ask for it while they are compared with it: each asks for itself by
+/// its own name, whereas the file has it at the address that it is registered with.
+class SystemReader : public AdvancedConfigReader {
 public:
     using AdvancedConfigReader::getClassContents;
 
-    void setRegistration(const ConfigurationRegistration& registration) {
-        m_registration = &registration;
-    }
+    /// Sets the object that is compared from now on.
+    void setCompared(const ConfigurationRegistration& registration) { m_compared = &registration; }
 
     ConfigurationAccessResult getClassContents(const std::string& name,
                                                ConfigurationObject& object) override {
-        if (name != m_registration->object->getName())
-            return AdvancedConfigReader::getClassContents(name, object);
-        return withElement(*m_registration, [&](const auto&... element) {
-            return AdvancedConfigReader::getClassContents(element..., object);
-        });
+        return name == m_compared->object->getName()
+                   ? ElementAddress(*m_compared).load(*this, object)
+                   : AdvancedConfigReader::getClassContents(name, object);
     }
 
 private:
-    const ConfigurationRegistration* m_registration = nullptr;
+    const ConfigurationRegistration* m_compared = nullptr;
 };
 
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
@@ -182,7 +195,7 @@ void ConfigurationManager::addConfigurationObjects(
             hasSource = addSourceToConfigReader(reader.emplace());
         }
         if (hasSource)
-            load(*reader, registration);
+            ElementAddress(registration).load(*reader, *registration.object);
     }
 }
 
@@ -282,7 +295,8 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
                                                            : AdvancedConfigReader::Priority::User,
                                             m_validVersions);
     const bool isAdded = added == ConfigurationAccessResult::Success;
-    const auto loaded = isAdded ? load(reader, registration) : ConfigurationAccessResult::Success;
+    const auto loaded = isAdded ? ElementAddress(registration).load(reader, *registration.object)
+                                : ConfigurationAccessResult::Success;
     // Also where no file was read: a class may unlock itself with its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -320,22 +334,18 @@ bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
 bool ConfigurationManager::saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer,
                                                    const FileName& file) const {
     forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
-        withElement(registration, [&](const auto&... element) {
-            writer->putClassContents(element..., *registration.object, "");
-        });
+        ElementAddress(registration).put(*writer, *registration.object);
     });
     return writer->saveToFile(file);
 }
 
 bool ConfigurationManager::saveUserAndCompareWithSystemConfiguration(
     std::unique_ptr<ConfigWriter>& writer, const FileName& file) const {
-    ReferenceReader reader;
+    SystemReader reader;
     reader.addFileSource(m_systemFile, {}, AdvancedConfigReader::Priority::System, m_validVersions);
     forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
-        reader.setRegistration(registration);
-        withElement(registration, [&](const auto&... element) {
-            writer->putOnlyDifferentClassContents(element..., *registration.object, reader, "");
-        });
+        reader.setCompared(registration);
+        ElementAddress(registration).putDifferences(*writer, *registration.object, reader);
     });
     return writer->saveToFile(file);
 }
