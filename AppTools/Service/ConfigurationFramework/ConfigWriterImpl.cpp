@@ -5,6 +5,7 @@
 #include <ConfigurationFramework/reading/TreeBuildingParser.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
+#include <ConfigurationFramework/xml/IndexThreshold.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileName.h>
@@ -36,17 +37,14 @@ const Logging s_log("ConfigWriter");
 constexpr const XMLCh* configurationTag = u"Configuration";
 constexpr const XMLCh* versionAttribute = u"version";
 
-/// Up to here, comparing one child after the other is faster than an index.
-constexpr std::size_t mostChildrenWithoutIndex = 32;
-
 /// A document with no more nodes is within all bounds of what is opened.
 constexpr std::size_t mostNodesWithinAllBounds = 50'000;
 
 /// Whether readers, and the next writer, will open a document: what is saved must not be lost.
 bool canBeOpened(const std::string& document) {
     ParserConfinement confinement(ParserConfinement::configurations);
-    const auto parser = confinement.makeParser<TreeBuildingParser>();
     XmlErrorHandler errors;
+    const auto parser = confinement.makeParser<TreeBuildingParser>();
     parser->setErrorHandler(&errors);
     confinement.parseBytes(*parser, document);
     return !errors.getSawErrors();

@@ -1,10 +1,11 @@
 #include <ConfigurationFramework/reading/DocumentTree.h>
 
+#include <ConfigurationFramework/xml/IndexThreshold.h>
+
 #include <Transcoding/Transcode.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace Orvant {
 
@@ -16,11 +17,8 @@ constexpr DocumentTree::Name noName = std::numeric_limits<DocumentTree::Name>::m
 /// Up to here, comparing tags letter by letter is faster than finding the number of one.
 constexpr std::uint32_t mostChildrenToCompareByText = 4;
 
-/// Up to here, comparing one child after the other is faster than an index.
-constexpr std::uint32_t mostChildrenWithoutIndex = 32;
-
-/// Up to here, walking along the elements is faster than an index.
-constexpr DocumentTree::Element mostElementsWithoutIndex = 64;
+/// As mostChildrenWithoutIndex, for a walk along all elements: it takes shorter steps.
+constexpr DocumentTree::Element mostElementsWithoutIndex = 2 * mostChildrenWithoutIndex;
 
 /// @return first element of a name and key among sorted ones, or `none`
 template <typename Entries>
@@ -63,21 +61,12 @@ void DocumentTree::startElement(Name name, const std::string& key, bool editable
             m_keyTexts.push_back(&entry->first);
         node.key = entry->second;
     }
-    node.isFirstOfName = isFirstOfName(name);
-    start(node);
-}
-
-/// Tells of the element that is about to be started; where that would take a search, says no.
-bool DocumentTree::isFirstOfName(Name name) {
     NameEntry& entry = m_nameEntries[name];
     ++entry.occurrences;
-    const Element parent = isOpen() ? m_open.back() : none;
-    const Element lastParent = std::exchange(entry.lastParent, parent);
-    // The last parent is known, not those before. An element that is open still will get further
-    // children, which must not be taken for the first.
-    if (lastParent != none && lastParent != parent && m_nodes[lastParent].end == 0)
-        entry.isNested = true;
-    return lastParent != parent && !entry.isNested;
+    node.isFirstOfName = entry.openings.add(isOpen() ? m_open.back() : none, [&](Element element) {
+        return m_nodes[element].end == 0;
+    });
+    start(node);
 }
 
 void DocumentTree::startEntityReference() {
@@ -171,20 +160,18 @@ const DocumentTree::ChildIndex& DocumentTree::index(Element parent) {
 }
 
 DocumentTree::Element DocumentTree::findChild(Element parent, const std::string& name) {
-    // Most are asked for in the order in which they stand.
-    const Element found = isExpected(parent, name) ? m_expected : search(parent, name);
-    if (found != none) {
-        m_expected = m_nodes[found].end;
-        m_expectedParent = parent;
-    }
+    const Element found = isAtCursor(parent, name) ? m_cursor.below(parent) : search(parent, name);
+    if (found != none)
+        m_cursor.moveTo(parent, m_nodes[found].end);
     return found;
 }
 
-/// Whether the child behind the one that was found last is the one that is asked for now.
-bool DocumentTree::isExpected(Element parent, const std::string& name) const {
-    if (m_expectedParent != parent || m_expected >= m_nodes[parent].end)
+/// Whether the child that the cursor stands on is the one that a search would find.
+bool DocumentTree::isAtCursor(Element parent, const std::string& name) const {
+    const Element child = m_cursor.below(parent);
+    if (child >= m_nodes[parent].end)
         return false;
-    const Node& node = m_nodes[m_expected];
+    const Node& node = m_nodes[child];
     return node.isFirstOfName && *m_nameEntries[node.name].text == name;
 }
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Orvant {
@@ -116,11 +117,55 @@ private:
         bool isFirstOfName = false; ///< surely the first of its name among its siblings
     };
 
+    /// Stands on the child that is likely to be asked for next: the one after the child that was
+    /// found last, for most are asked for in the order in which they stand.
+    ///
+    ///     <View> <Width>5</Width> <Zoom>2</Zoom> <Width>7</Width> </View>
+    ///
+    /// After the first Width, the cursor stands on Zoom. If that is asked for now, one comparison
+    /// finds it, and the cursor goes on to the second Width. There it does not help: who asks for
+    /// Width gets the first one, by a search. So a child is taken from the cursor only where it is
+    /// the first of its name (Node::isFirstOfName).
+    class Cursor {
+    public:
+        void moveTo(Element parent, Element child) {
+            m_parent = parent;
+            m_child = child;
+        }
+        /// @return the child of a parent that it stands on; past the last one the end of the
+        ///         parent; `none` when it stands below another parent
+        Element below(Element parent) const { return m_parent == parent ? m_child : none; }
+
+    private:
+        Element m_parent = none;
+        Element m_child = none;
+    };
+
+    /// Follows the elements of one tag as they are opened, to tell which is surely the first of the
+    /// tag among its siblings. Where that would take a search, it says no.
+    class Openings {
+    public:
+        /// @param parent      of the element that is opened
+        /// @param isStillOpen tells whether a former parent is open
+        /// @return true when the element is surely the first of the tag below its parent
+        template <typename IsStillOpen>
+        bool add(Element parent, IsStillOpen isStillOpen) {
+            // The last parent is known, not those before it. One that is open still will get
+            // further children, which must not be taken for the first.
+            if (m_lastParent != none && m_lastParent != parent && isStillOpen(m_lastParent))
+                m_isNested = true;
+            return std::exchange(m_lastParent, parent) != parent && !m_isNested;
+        }
+
+    private:
+        Element m_lastParent = none;
+        bool m_isNested = false; ///< the tag stood at several levels of open elements at once
+    };
+
     /// One tag.
     struct NameEntry {
         const std::string* text;
-        Element lastParent = none; ///< of the last element with it
-        bool isNested = false;     ///< stood at several levels of open elements at once
+        Openings openings = {};
         std::size_t occurrences = 0;
     };
 
@@ -135,9 +180,8 @@ private:
     static std::uint64_t pair(Name name, Key key) { return std::uint64_t{name} << 32U | key; }
 
     void start(const Node& node);
-    bool isFirstOfName(Name name);
     bool isWide(Element parent) const;
-    bool isExpected(Element parent, const std::string& name) const;
+    bool isAtCursor(Element parent, const std::string& name) const;
     Element search(Element parent, const std::string& name);
     Element nextBelow(Element ancestor, Element element, Name name);
     void sortByName();
@@ -154,8 +198,7 @@ private:
     std::unordered_map<std::string, Key> m_keys;
     std::vector<const std::string*> m_keyTexts; ///< by key
     std::vector<Element> m_open;
-    Element m_expected = none;       ///< the child that stands behind the one found last
-    Element m_expectedParent = none; ///< its parent
+    Cursor m_cursor;
     std::unordered_map<Element, ChildIndex> m_indexes;
     std::unordered_map<std::uint64_t, Element> m_firstWithKey; ///< below the root, made when needed
     std::vector<Element> m_byName;     ///< all elements, by name and in document order
