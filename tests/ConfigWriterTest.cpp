@@ -12,8 +12,6 @@
 #include <optional>
 #include <type_traits>
 
-#include <sys/stat.h>
-
 #include <xercesc/dom/DOMException.hpp>
 
 namespace Orvant {
@@ -194,12 +192,6 @@ const UnreadableFile unreadableFiles[] = {
      }},
     {"Empty", [](const auto& directory) { return directory.file("settings.xml", ""); }},
     {"Directory", [](const auto& directory) { return FileName(directory.path().string()); }},
-    {"Fifo",
-     [](const auto& directory) {
-         const FileName file = directory.file("fifo");
-         EXPECT_EQ(0, mkfifo(file.toNativeString().c_str(), 0600));
-         return file;
-     }},
     {"Device", [](const auto&) { return FileName("/dev/zero"); }},
     {"DanglingLink",
      [](const auto& directory) {

@@ -14,8 +14,6 @@
 #include <system_error>
 #include <utility>
 
-#include <sys/stat.h>
-
 #include <xercesc/dom/DOMException.hpp>
 
 namespace Orvant {
@@ -422,12 +420,6 @@ TEST_P(ConfigurationManagerSaving, FailsOnADirectory) {
     std::filesystem::create_directory(m_target.toPath());
     EXPECT_FALSE(save());
     EXPECT_TRUE(std::filesystem::is_empty(m_target.toPath()));
-}
-
-TEST_P(ConfigurationManagerSaving, FailsOnAPipeWithoutWaiting) {
-    add(makeChanged(5));
-    ASSERT_EQ(0, mkfifo(m_target.toNativeString().c_str(), 0600));
-    EXPECT_FALSE(save());
 }
 
 TEST_P(ConfigurationManagerSaving, FailsWhereTheFileCannotBe) {

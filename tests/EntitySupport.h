@@ -13,6 +13,11 @@ inline std::string repeated(const std::string& text, std::size_t times) {
     return result;
 }
 
+/// @return elements within one another, the innermost with this content
+inline std::string nested(std::size_t depth, const std::string& innermost) {
+    return repeated("<n>", depth) + innermost + repeated("</n>", depth);
+}
+
 /// Declares entities e0 to e6, each of which holds its predecessor ten times.
 /// @param kind      what stands before the names: "" or "% "
 /// @param reference start of a reference

@@ -116,14 +116,6 @@ std::optional<ConfigException::ExceptionType> failureOf(Action action) {
     return std::nullopt;
 }
 
-inline Strings filesIn(const TemporaryDirectory& directory) {
-    Strings names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory.path()))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 /// Gives a test a private member function: explicit instantiations may name one.
 ///
 ///     struct Update { using type = void (XsdElement::*)(); friend type memberOf(Update); };

@@ -12,7 +12,6 @@
 
 #include <fstream>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Orvant {
@@ -63,11 +62,6 @@ SimpleConfigReader openDirectory(const TemporaryDirectory& directory) {
     return openFile(directory.path().string());
 }
 
-SimpleConfigReader openPipe(const TemporaryDirectory& directory) {
-    EXPECT_EQ(0, mkfifo((directory.path() / "pipe.xml").c_str(), 0600));
-    return openFile(directory.file("pipe.xml"));
-}
-
 SimpleConfigReader openNameWithNul(const TemporaryDirectory&) {
     return openFile(FileName(std::string("a\0b", 3)));
 }
@@ -98,7 +92,6 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(RefusalCase{"MissingFileWithContent", openMissing, missing, 88, 38},
                     RefusalCase{"DanglingLink", openDanglingLink, missing, 88, 38},
                     RefusalCase{"Directory", openDirectory, invalid, 95, 34},
-                    RefusalCase{"Pipe", openPipe, invalid, 95, 34},
                     RefusalCase{"FileNameWithNul", openNameWithNul, invalid, 107, 34},
                     RefusalCase{"NeitherFileNorContent", string(""), missing, 146, 30}),
     Support::nameOf<RefusalCase>);

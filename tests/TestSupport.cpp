@@ -46,6 +46,14 @@ FileName TemporaryDirectory::file(const std::string& name, const std::string& by
     return result;
 }
 
+std::vector<std::string> filesIn(const TemporaryDirectory& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory.path()))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 void writeFile(const FileName& file, const std::string& bytes) {
     std::ofstream out(pathOf(file), std::ios::binary);
     out << bytes;

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Orvant::Support {
 
@@ -30,6 +31,9 @@ public:
 private:
     std::filesystem::path m_path;
 };
+
+/// @return the names of what is in the directory, sorted
+std::vector<std::string> filesIn(const TemporaryDirectory& directory);
 
 void writeFile(const FileName& file, const std::string& bytes);
 /// @return the bytes of a file; fails the test when there is none

@@ -4,12 +4,24 @@
 
 #include <type_traits>
 
+namespace Orvant::Support {
+
+struct ReplaceInFile {
+    using type = void (XsdConfigReader::*)(const FileName&, const std::string&, const std::string&);
+    friend type memberOf(ReplaceInFile);
+};
+template struct PrivateMember<ReplaceInFile, &XsdConfigReader::replaceInFile>;
+
+} // namespace Orvant::Support
+
 namespace Orvant {
 namespace {
 
 using namespace Support;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Pair;
 
 const std::string lines = R"(  <xs:element name="machine" type="Machine"/>
@@ -317,6 +329,395 @@ TEST(XsdConfigReader, ReportsAMinOccursThatIsNoNumberAsAParsingFailure) {
                                                  "<xs:element name=\"a\" minOccurs=\"none\"/>\n"
                                                  "</xs:sequence>\n</xs:complexType>")));
     EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.readXSD(true); }));
+}
+
+// What is made of a file before it is parsed, and of a model when it is written.
+
+/// What is made of a file before it is parsed. It must not be a schema: a copy that can be parsed
+/// is taken away.
+std::string sanitised(const std::string& bytes) {
+    const TemporaryDirectory directory;
+    XsdConfigReader reader(directory.file("schema.xsd", bytes));
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(true); })) << bytes;
+    return readFile(directory.file(sanitisingFile));
+}
+
+/// What is written of a schema in the reader's namespace that holds this.
+std::string written(const std::string& content, bool fixOutput = true) {
+    const TemporaryDirectory directory;
+    XsdConfigReader reader(directory.file("model.xml", readerSchema(content)));
+    reader.readXSD(false);
+    reader.writeXSD(directory.file("written.xsd"), fixOutput);
+    return readFile(directory.file("written.xsd"));
+}
+
+// One replacement.
+
+/// What a file of these bytes becomes; without any there is no file at first.
+std::string replacedIn(const std::optional<std::string>& bytes, const std::string& from,
+                       const std::string& to) {
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("file.txt");
+    if (bytes)
+        writeFile(file, *bytes);
+    directory.file(rewritingFile, "stale");
+    XsdConfigReader reader(file);
+    (reader.*memberOf(ReplaceInFile()))(file, from, to);
+    EXPECT_THAT(filesIn(directory), ElementsAre("file.txt"));
+    return readFile(file);
+}
+
+TEST(ReplaceInFile, ReplacesTheFirstOccurrenceInEachLine) {
+    EXPECT_EQ("[bab\nb\n[\n", replacedIn("abab\nb\na\n", "a", "["));
+    EXPECT_EQ("bab\n", replacedIn("abab", "a", ""));
+}
+
+TEST(ReplaceInFile, InsertsAtTheStartOfEachLineForNothing) {
+    EXPECT_EQ("[a\n[\n[b\n", replacedIn("a\n\nb", "", "["));
+}
+
+TEST(ReplaceInFile, TakesAFileThatCannotBeOpenedForEmpty) {
+    EXPECT_EQ("", replacedIn(std::nullopt, "a", "b"));
+}
+
+// Input.
+
+TEST(SchemaInput, ReplacesBothSuiteHeaders) {
+    EXPECT_EQ(readerHeader + '\n', sanitised(suiteHeader + '\n'));
+    EXPECT_EQ(readerHeader + '\n', sanitised(suiteHeaderWithoutPrefix + '\n'));
+    EXPECT_EQ("<?xml version=\"1.0\"?>" + readerHeader + "\n",
+              sanitised("<?xml version=\"1.0\"?>" + suiteHeader + "\n"));
+}
+
+TEST(SchemaInput, ReadsSchemasUnderBothSuiteHeaders) {
+    for (const std::string& header : {suiteHeader, suiteHeaderWithoutPrefix}) {
+        const TemporaryDirectory directory;
+        XsdConfigReader reader(directory.file(
+            "schema.xsd", header + "\n<xs:complexType name=\"A\"/>\n</xs:schema>\n"));
+        reader.readXSD(true);
+        EXPECT_EQ(1u, reader.getXsdTree().count("A"));
+    }
+}
+
+TEST(SchemaInput, LeavesOtherSchemaTagsButForTheirPrefix) {
+    EXPECT_EQ("<schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n",
+              sanitised("<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n"));
+}
+
+TEST(SchemaInput, DropsAnEmptyImport) {
+    EXPECT_EQ("  \n<import namespace=\"n\"/>\n",
+              sanitised("  <xs:import/>\n<xs:import namespace=\"n\"/>\n"));
+}
+
+TEST(SchemaInput, RemovesTheFirstPrefixOfEachKindInALine) {
+    EXPECT_EQ("<element name=\"a\" type=\"xs:int\"/>\n",
+              sanitised("<xs:element name=\"a\" type=\"xs:int\"/>"));
+    EXPECT_EQ("<element type=\"A\"/>\n</sequence>\n",
+              sanitised("<xs:element type=\"ov:A\"/>\n</xs:sequence>\n"));
+    EXPECT_EQ("<a b=\"ov:c\"/>\n", sanitised("<ov:a b=\"ov:c\"/>\n"));
+    EXPECT_EQ("name=\"a\"\ntype=\"int\"/>\n", sanitised("name=\"a\"\ntype=\"xs:int\"/>\n"));
+}
+
+TEST(SchemaInput, LeavesThePrefixOfASecondElementInALine) {
+    EXPECT_EQ("<element name=\"a\"/><xs:element name=\"b\"/>\n",
+              sanitised("<xs:element name=\"a\"/><xs:element name=\"b\"/>\n"));
+}
+
+TEST(SchemaInput, ReadsTheFirstOfTwoElementsInALine) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\"/><xs:complexType name=\"B\"/>\n"
+                                     "<xs:complexType name=\"C\"/>");
+    EXPECT_EQ(2u, reader.getXsdTree().size());
+    EXPECT_EQ(0u, reader.getXsdTree().count("B"));
+}
+
+TEST(SchemaInput, KeepsAPrefixedTypeNameInTheTree) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:sequence>\n"
+                                     "<xs:element name=\"a\" type=\"xs:int\"/>\n"
+                                     "</xs:sequence>\n</xs:complexType>");
+    EXPECT_EQ((Pairs{{"a", "xs:int"}}), reader.getSubTypes("A"));
+}
+
+TEST(SchemaInput, KeepsThePrefixOfASecondTypeNameForFiltersToUnderstand) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:sequence>\n"
+                                     "<!-- ov: --><xs:element name=\"b\" type=\"ov:B\"/>\n"
+                                     "</xs:sequence>\n</xs:complexType>\n"
+                                     "<xs:complexType name=\"B\"/>\n");
+    EXPECT_EQ((Pairs{{"b", "ov:B"}}), reader.getSubTypes("A"));
+    reader.keepXSDElement({"A"});
+    EXPECT_EQ(1u, reader.getXsdTree().count("B"));
+    reader.writeXSD(directory.file("written.xsd"), true);
+    EXPECT_THAT(readFile(directory.file("written.xsd")), HasSubstr("type=\"ov:B\""));
+}
+
+TEST(SchemaInput, EndsEveryLineWithALineFeed) {
+    EXPECT_EQ("a\n", sanitised("a"));
+    EXPECT_EQ("a\n", sanitised("a\n"));
+    EXPECT_EQ("a\n\nb\n", sanitised("a\n\nb"));
+    EXPECT_EQ("\n", sanitised("\n"));
+    EXPECT_EQ("", sanitised(""));
+    EXPECT_EQ("a\r\nb\r\n", sanitised("a\r\nb\r\n"));
+}
+
+TEST(SchemaInput, RemovesBothPrefixesOfAnElementThatHoldsJustText) {
+    EXPECT_EQ("<documentation>text</documentation>\n",
+              sanitised("<xs:documentation>text</xs:documentation>\n"));
+    EXPECT_EQ(
+        "\t<documentation xml:lang=\"en\">a > b xs: c</documentation >  \r\n",
+        sanitised("\t<xs:documentation xml:lang=\"en\">a > b xs: c</xs:documentation >  \r\n"));
+    EXPECT_EQ("<unit>mm</unit>\n", sanitised("<ov:unit>mm</ov:unit>\n"));
+    EXPECT_EQ("<sequence></sequence>\n", sanitised("<xs:sequence></xs:sequence>\n"));
+}
+
+TEST(SchemaInput, RemovesBothPrefixesOfAnElementBesideWhatIsNoElement) {
+    EXPECT_EQ("<documentation>a</documentation> <!-- xs: -->\n",
+              sanitised("<xs:documentation>a</xs:documentation> <!-- xs: -->\n"));
+    EXPECT_EQ("<!-- c --><?p i?> <documentation>a<![CDATA[</b>]]></documentation><?p i?> text\n",
+              sanitised("<!-- c --><?p i?> <xs:documentation>a<![CDATA[</b>]]></xs:documentation>"
+                        "<?p i?> text\n"));
+}
+
+TEST(SchemaInput, RemovesNeitherPrefixOfAnElementBehindTheFirstOccurrence) {
+    EXPECT_EQ("<!--  --> <xs:documentation>a</xs:documentation>\n",
+              sanitised("<!-- xs: --> <xs:documentation>a</xs:documentation>\n"));
+}
+
+TEST(SchemaInput, RemovesThePrefixOfAnEndTagBehindText) {
+    EXPECT_EQ("<documentation>one\n xs: two</documentation>\n",
+              sanitised("<xs:documentation>one\n xs: two</xs:documentation>\n"));
+    EXPECT_EQ("xs: two</documentation> <!-- c -->\n",
+              sanitised("xs: two</xs:documentation> <!-- c -->\n"));
+}
+
+TEST(SchemaInput, ReadsDocumentationBesideComments) {
+    const TemporaryDirectory directory;
+    const Strings documentations = {
+        "<xs:documentation>text</xs:documentation> <!-- xs:c -->",
+        "<!-- c --> <xs:documentation>text</xs:documentation>",
+        "<?p i?><xs:documentation>te<![CDATA[xt]]></xs:documentation><?p i?>",
+        "<![CDATA[<]]><xs:documentation><!-- c -->text</xs:documentation><![CDATA[>]]>",
+        "<xs:documentation><![CDATA[te\nxt]]></xs:documentation> <!-- c -->",
+        "<xs:documentation>text\nxs: </xs:documentation> <?p i?>"};
+    for (const std::string& documentation : documentations) {
+        ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:annotation>\n" +
+                                             documentation +
+                                             "\n</xs:annotation>\n</xs:complexType>\n");
+        reader.writeXSD(directory.file("written.xsd"), true);
+        EXPECT_THAT(readFile(directory.file("written.xsd")),
+                    testing::ContainsRegex("<xs:documentation>te\n?xt"))
+            << documentation;
+    }
+}
+
+TEST(SchemaInput, LeavesLinesOfTwoElementsUnderTheRuleOfTheFirstOccurrence) {
+    EXPECT_EQ(
+        "<annotation><xs:documentation>text</xs:documentation></xs:annotation>\n",
+        sanitised("<xs:annotation><xs:documentation>text</xs:documentation></xs:annotation>"));
+    EXPECT_EQ("<documentation>a</xs:documentation><xs:documentation>b</xs:documentation>\n",
+              sanitised("<xs:documentation>a</xs:documentation>"
+                        "<xs:documentation>b</xs:documentation>"));
+}
+
+TEST(SchemaInput, ReadsDocumentationOnOneLineAndOnSeveral) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\">\n<xs:annotation>\n"
+                                     "<xs:documentation>one line</xs:documentation>\n"
+                                     "</xs:annotation>\n</xs:complexType>\n"
+                                     "<xs:complexType name=\"B\">\n<xs:annotation>\n"
+                                     "<xs:documentation>first line\nlast line</xs:documentation>\n"
+                                     "</xs:annotation>\n</xs:complexType>\n");
+    reader.writeXSD(directory.file("written.xsd"), true);
+    const std::string text = readFile(directory.file("written.xsd"));
+    EXPECT_THAT(text, HasSubstr("<xs:documentation>one line</xs:documentation>\n"));
+    EXPECT_THAT(text, HasSubstr("<xs:documentation>first line\nlast line</xs:documentation>\n"));
+}
+
+// Output.
+
+TEST(SchemaOutput, IsTheModelsOwnWithoutOutputFix) {
+    const std::string text = written("<complexType name=\"A\"><attribute name=\"a\" type=\"int\"/>"
+                                     "</complexType>",
+                                     false);
+    EXPECT_EQ(serialise(*parseSchema("<complexType name=\"A\"><attribute name=\"a\" type=\"int\"/>"
+                                     "</complexType>")),
+              text);
+    EXPECT_EQ(0u, text.find("<?xml "));
+    const auto body = text.find(modelHeader);
+    ASSERT_NE(std::string::npos, body);
+    for (auto tag = text.find('<', body); tag != std::string::npos; tag = text.find('<', tag + 1))
+        EXPECT_THAT(text.substr(tag, 5),
+                    testing::AnyOf(testing::StartsWith("<p1:"), testing::StartsWith("</p1:")));
+}
+
+TEST(SchemaOutput, HasNoByteOrderMark) {
+    EXPECT_EQ('<', written("", true).front());
+    EXPECT_EQ('<', written("", false).front());
+}
+
+TEST(SchemaOutput, StandsUnderTheSuiteHeader) {
+    const std::string text = written("<complexType name=\"A\"/>");
+    EXPECT_THAT(text, HasSubstr("\n" + suiteHeader + "\n"));
+    EXPECT_THAT(text, HasSubstr("<xs:complexType name=\"A\"/>"));
+    EXPECT_THAT(text, testing::EndsWith("</xs:schema>\n"));
+    EXPECT_THAT(text, Not(HasSubstr("p1")));
+}
+
+TEST(SchemaOutput, OfAnEmptySchemaStandsUnderTheSuiteHeaderToo) {
+    EXPECT_THAT(written(""), testing::EndsWith(suiteHeader + "\n</xs:schema>\n"));
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("empty.xsd", written(""));
+    XsdConfigReader reader(file);
+    reader.readXSD(true);
+    EXPECT_TRUE(reader.getXsdTree().empty());
+}
+
+TEST(SchemaOutput, RestoresThePrefixOfFiveBuiltInTypes) {
+    const auto attribute = [](const std::string& type) {
+        return "<attribute name=\"a\" type=\"" + type + "\"/>";
+    };
+    const auto extension = [](const std::string& base) {
+        return "<complexType name=\"E\"><complexContent><extension base=\"" + base +
+               "\"/></complexContent></complexType>";
+    };
+    std::string content = "<complexType name=\"A\">";
+    for (const std::string type : {"int", "double", "string", "boolean", "anyType", "xs:int", "A"})
+        content += attribute(type);
+    content += "</complexType>";
+    for (const std::string base : {"anyType", "string", "int", "xs:string", "A"})
+        content += extension(base);
+    const std::string text = written(content);
+    for (const std::string type :
+         {"xs:int", "xs:double", "xs:string", "boolean", "anyType", "xs:int", "A"})
+        EXPECT_THAT(text, HasSubstr("<xs:attribute name=\"a\" type=\"" + type + "\"/>"));
+    for (const std::string base : {"xs:anyType", "xs:string", "int", "xs:string", "A"})
+        EXPECT_THAT(text, HasSubstr("<xs:extension base=\"" + base + "\"/>"));
+    for (const std::string lost : {"type=\"int\"", "type=\"double\"", "type=\"string\"",
+                                   "base=\"anyType\"", "base=\"string\"", "xs:xs:"})
+        EXPECT_THAT(text, Not(HasSubstr(lost)));
+}
+
+std::string typeWithDocumentation(const std::string& text) {
+    return "<complexType name=\"A\"><annotation><documentation>" + text +
+           "</documentation></annotation></complexType>";
+}
+
+TEST(SchemaOutput, RestoresBothPrefixesOfADocumentation) {
+    EXPECT_THAT(written(typeWithDocumentation("p1: p1:text")),
+                HasSubstr("<xs:documentation>p1: p1:text</xs:documentation>\n"));
+    // Of the lines between its tags the first occurrence in each is replaced, as in all others.
+    EXPECT_THAT(written(typeWithDocumentation("p1: a\np1: p1: b\np1: c")),
+                HasSubstr("<xs:documentation>p1: a\nxs: p1: b\np1: c</xs:documentation>\n"));
+}
+
+TEST(SchemaOutput, ReplacesNamesOfTypesInADocumentationToo) {
+    EXPECT_THAT(
+        written(typeWithDocumentation("type=\"int\" type=\"int\" base=\"string\"\n"
+                                      "type=\"double\" type=\"string\" base=\"anyType\"")),
+        HasSubstr("<xs:documentation>type=\"xs:int\" type=\"int\" base=\"xs:string\"\n"
+                  "type=\"xs:double\" type=\"xs:string\" base=\"xs:anyType\"</xs:documentation>"));
+}
+
+class Documentation : public testing::TestWithParam<const char*> {};
+
+TEST_P(Documentation, IsReadBackAsItWasWritten) {
+    const TemporaryDirectory directory;
+    const std::string model = serialise(*parseSchema(typeWithDocumentation(GetParam())));
+    XsdConfigReader reader(directory.file("model.xml", model));
+    reader.readXSD(false);
+    reader.writeXSD(directory.file("suite.xsd"), true);
+    XsdConfigReader again(directory.file("suite.xsd"));
+    again.readXSD(true);
+    again.writeXSD(directory.file("again.xml"), false);
+    EXPECT_EQ(model, readFile(directory.file("again.xml")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    SchemaOutput, Documentation,
+    testing::Values("", " ", "\n", "\n \n", " \t\n\t ", "&#13;", "&#13;\n", "text", " text ",
+                    "\ntext", "text\n", "text\n\n  ", "one\ntwo\n\nthree",
+                    "p1: p1:", "one p1:\ntwo p1:", "xs: ", "one xs: two\nxs:three", "]]&gt;",
+                    "&lt;/p1:documentation> &lt;p1:documentation>", "&lt;!-- \n -->",
+                    "'\"type='int' &amp;amp;", "&lt;xs:schema>\n&lt;/xs:schema>"));
+
+TEST(SchemaOutput, LeavesTheSchemaAsItIs) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\"/>");
+    reader.writeXSD(directory.file("1.xsd"), true);
+    reader.writeXSD(directory.file("2.xsd"), true);
+    EXPECT_EQ(readFile(directory.file("1.xsd")), readFile(directory.file("2.xsd")));
+    EXPECT_THAT(filesIn(directory), ElementsAre("1.xsd", "2.xsd", "schema.xsd"));
+}
+
+TEST(SchemaOutput, TakesThePlaceOfAFile) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\"/>");
+    const FileName target = directory.file("target.xsd", std::string(100'000, 'x'));
+    reader.writeXSD(target, true);
+    EXPECT_THAT(readFile(target), Not(HasSubstr("x>x")));
+    EXPECT_LT(readFile(target).size(), 1000u);
+}
+
+TEST(SchemaOutput, IsReadBackAsTheSameSchema) {
+    const std::string content = R"(<xs:complexType name="A">
+<xs:annotation>
+<xs:documentation>text &amp; &lt;text&gt;</xs:documentation>
+</xs:annotation>
+<xs:sequence>
+<xs:element name="a" type="xs:int" minOccurs="0" maxOccurs="unbounded"/>
+<xs:element name="b" type="B"/>
+</xs:sequence>
+<xs:attribute name="c" type="xs:string" use="optional"/>
+</xs:complexType>
+<xs:simpleType name="B">
+<xs:restriction base="xs:string">
+<xs:enumeration value="x"/>
+</xs:restriction>
+</xs:simpleType>
+<xs:element name="r" type="A"/>)";
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, content);
+    const FileName first = directory.file("first.xsd");
+    reader.writeXSD(first, true);
+    XsdConfigReader again(first);
+    again.readXSD(true);
+    EXPECT_EQ(reader.getSubTypes("A"), again.getSubTypes("A"));
+    EXPECT_EQ(reader.getRootelements(), again.getRootelements());
+    again.writeXSD(directory.file("second.xsd"), true);
+    EXPECT_EQ(readFile(first), readFile(directory.file("second.xsd")));
+}
+
+// Places that cannot be written.
+
+TEST(SchemaOutput, ReportsAPlaceThatCannotBeWritten) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\"/>");
+    std::filesystem::create_directory(directory.path() / "directory");
+    for (const std::string place : {"nowhere/file.xsd", "directory", "schema.xsd/file.xsd"}) {
+        EXPECT_EQ(ConfigException::SourceNotFound,
+                  failureOf([&] { reader.writeXSD(directory.file(place), true); }))
+            << place;
+        EXPECT_EQ(ConfigException::SourceNotFound,
+                  failureOf([&] { reader.writeXSD(directory.file(place), false); }))
+            << place;
+    }
+    EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.writeXSD("", true); }));
+    EXPECT_EQ(ConfigException::SourceNotFound,
+              failureOf([&] { reader.writeXSD(FileName(std::string("a\0b", 3)), true); }));
+    EXPECT_THAT(filesIn(directory), ElementsAre("directory", "schema.xsd"));
+    EXPECT_TRUE(std::filesystem::is_directory(directory.path() / "directory"));
+}
+
+TEST(SchemaOutput, ReportsThatTheOutputFixCouldNotBeMade) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, "<xs:complexType name=\"A\"/>");
+    std::filesystem::create_directories(directory.path() / rewritingFile / "full");
+    const FileName target = directory.file("target.xsd");
+    EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.writeXSD(target, true); }));
+    EXPECT_FALSE(std::filesystem::exists(directory.path() / "target.xsd"));
+    reader.writeXSD(target, false);
+    EXPECT_THAT(readFile(target), HasSubstr(modelHeader));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 
+#include <EntitySupport.h>
 #include <ReaderSupport.h>
 #include <TestSupport.h>
 
@@ -11,26 +12,16 @@ namespace Orvant {
 namespace {
 
 using Support::configuration;
+using Support::nested;
 using Support::openBody;
 using Support::openFile;
 using Support::readInt;
 using Support::TemporaryDirectory;
 using Support::TestObject;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 constexpr auto success = ConfigurationAccessResult::Success;
 constexpr auto failure = ConfigurationAccessResult::Failure;
-
-std::string nested(int depth, const std::string& innermost) {
-    std::string text;
-    for (int i = 0; i < depth; ++i)
-        text += "<n>";
-    text += innermost;
-    for (int i = 0; i < depth; ++i)
-        text += "</n>";
-    return text;
-}
 
 const std::string deepBody =
     nested(100'000, "<T key='k'><A>1</A><L><item>a</item></L></T>") + "<A>0</A>";
@@ -104,59 +95,6 @@ TEST(DeepDocument, MayHoldItsDepthInEntitiesOfEntities) {
                         nested(200, "&e" + std::to_string(level - 1) + ";") + "'>";
     const std::string document = configuration("&e500;", declarations);
     EXPECT_EXIT(openAndExit(document), testing::ExitedWithCode(0), "");
-}
-
-std::string entityOfDepth(int depth) {
-    return configuration("&deep;", "<!ENTITY deep \"" + nested(depth, "<A>1</A>") + "\">");
-}
-
-TEST(DeepDocument, IsEditedAndWrittenWithItsDepthInAnEntity) {
-    ConfigWriter writer(FileName(), entityOfDepth(3'998));
-    auto reader = Support::openString(writer.getAsString());
-    EXPECT_EQ(success, reader.tagExists("A"));
-    EXPECT_EQ("", ConfigWriter(FileName(), entityOfDepth(3'999)).getAsString());
-}
-
-// Writing.
-
-TEST(DeepDocument, IsWrittenToFourThousandElements) {
-    ConfigWriter writer(FileName(), configuration(nested(3'998, "<A>1</A>")));
-    auto reader = Support::openString(writer.getAsString());
-    EXPECT_EQ(success, reader.tagExists("A"));
-}
-
-class TooDeepDocument : public testing::TestWithParam<int> {};
-
-TEST_P(TooDeepDocument, IsNotWritten) {
-    const TemporaryDirectory directory;
-    const Support::LogCapture log("ConfigWriter");
-    const std::string document = configuration(nested(GetParam(), "<A>1</A>"));
-    const FileName deep = directory.file("deep.xml", document);
-    const FileName fresh = directory.file("fresh.xml");
-    ConfigWriter writer(deep, "");
-    writer.putInt("B", 2, "");
-    EXPECT_EQ("", writer.getAsString());
-    EXPECT_FALSE(writer.saveToFile(deep));
-    EXPECT_FALSE(writer.saveToFile(fresh));
-    EXPECT_TRUE(document == Support::readFile(deep)) << "the file is as it was";
-    EXPECT_FALSE(std::filesystem::exists(directory.path() / "fresh.xml"));
-    EXPECT_THAT(log.text(), HasSubstr("nested too deeply"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, TooDeepDocument, testing::Values(3'999, 100'000));
-
-TEST(DeepDocument, IsNotWrittenWhereItWasBuiltSo) {
-    const TemporaryDirectory directory;
-    const Support::LogCapture log("ConfigWriter");
-    ConfigWriter writer("1.0");
-    for (int i = 0; i < 3'900; ++i)
-        writer.createNodeAndMakeCurrent("n", "");
-    EXPECT_TRUE(writer.saveToFile(directory.file("settings.xml")));
-    const std::string saved = Support::readFile(directory.file("settings.xml"));
-    for (int i = 0; i < 100; ++i)
-        writer.createNodeAndMakeCurrent("n", "");
-    EXPECT_FALSE(writer.saveToFile(directory.file("settings.xml")));
-    EXPECT_TRUE(saved == Support::readFile(directory.file("settings.xml")));
 }
 
 // Many siblings.

@@ -160,12 +160,6 @@ TEST_P(ScratchFile, IsNotADirectoryThatIsTakenAway) {
     EXPECT_EQ(1u, reader.getXsdTree().count("A"));
 }
 
-TEST_P(ScratchFile, IsNotAPipeThatIsWaitedFor) {
-    ASSERT_EQ(0, mkfifo(at(GetParam()).c_str(), 0600));
-    reader.readXSD(true);
-    EXPECT_THAT(filesIn(directory), ElementsAre("elsewhere", "schema.xsd"));
-}
-
 TEST_F(SchemaFiles, AreReadThroughLinks) {
     fs::create_symlink("schema.xsd", at("link.xsd"));
     XsdConfigReader other(directory.file("link.xsd"));

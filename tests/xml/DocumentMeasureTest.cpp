@@ -46,6 +46,7 @@ namespace Orvant {
 namespace {
 
 using Support::configuration;
+using Support::nested;
 using Support::nestedEntities;
 using Support::openString;
 using Support::refusal;
@@ -95,10 +96,6 @@ TEST_P(DocumentMemory, IsBoundedByTheSizeOfTheDocument) {
               most);
 }
 
-std::string deep(std::size_t depth, const std::string& innermost) {
-    return repeated("<n>", depth) + innermost + repeated("</n>", depth);
-}
-
 /// Elements whose tags Xerces files under one hash.
 std::string tagsOfOneHash(std::size_t count) {
     static const std::string s_pairs[] = {"az", "bT", "c."}; // 'a' * 38 + 'z', and so on
@@ -134,11 +131,11 @@ const HostileDocument documents[] = {
     {"OneLongText", Opened::Yes, [] { return configuration(std::string(4 * mebibyte, 'a')); }},
     {"OneLongAttribute", Opened::Yes,
      [] { return configuration("<a b='" + std::string(4 * mebibyte, 'a') + "'/>"); }},
-    {"FourThousandLevels", Opened::Yes, [] { return configuration(deep(3'999, "t")); }},
-    {"HundredThousandLevels", Opened::Yes, [] { return configuration(deep(100'000, "")); }},
-    {"MoreLevels", Opened::No, [] { return configuration(deep(150'000, "")); }},
+    {"FourThousandLevels", Opened::Yes, [] { return configuration(nested(3'999, "t")); }},
+    {"HundredThousandLevels", Opened::Yes, [] { return configuration(nested(100'000, "")); }},
+    {"MoreLevels", Opened::No, [] { return configuration(nested(150'000, "")); }},
     {"WideAndDeep", Opened::Yes,
-     [] { return configuration(deep(3'000, repeated("<a/>", 100'000))); }},
+     [] { return configuration(nested(3'000, repeated("<a/>", 100'000))); }},
     {"FiftyThousandTags", Opened::Yes,
      [] { return configuration(numbered(49'999, [](const auto& i) { return "<n" + i + "/>"; })); }},
     {"MoreTags", Opened::No,
