@@ -16,28 +16,24 @@ namespace {
 
 const std::list<std::string> s_versions{documentVersion};
 
+/// What makes a value of each type.
+constexpr auto makers = forEachType<Value>([]<typename T>() {
+    return +[](const std::string& name) -> ConfigurationValueBase* {
+        return new ConfigurationValue<T>(
+            name, "Parameter of the tool", T{}, ConfigurationItemBase::Visible,
+            ConfigurationItemBase::LoadAndSave, ConfigurationItemBase::AllProducts);
+    };
+});
+
 class ToolSettings : public ConfigurationObject {
 public:
     ToolSettings(const std::string& name, std::size_t values)
         : ConfigurationObject(name, "Settings of a tool", LoadAndSave, AllProducts) {
         for (std::size_t value = 0; value < values; ++value)
-            add(value, std::make_index_sequence<std::variant_size_v<Value>>());
+            addConfigurationValue(makers[value % makers.size()](valueName(value)));
     }
     ConfigurationObject* createConfigurationObject() const override {
         return new ToolSettings(getName(), getConfigurationValuesSize());
-    }
-
-private:
-    template <std::size_t... Type>
-    void add(std::size_t value, std::index_sequence<Type...>) {
-        ((value % sizeof...(Type) == Type &&
-          (addAs<std::variant_alternative_t<Type, Value>>(valueName(value)), true)) ||
-         ...);
-    }
-    template <typename T>
-    void addAs(const std::string& name) {
-        addConfigurationValue(new ConfigurationValue<T>(name, "Parameter of the tool", T{}, Visible,
-                                                        LoadAndSave, AllProducts));
     }
 };
 

@@ -31,17 +31,14 @@ Loaded readTyped(std::shared_ptr<Source> source, Shape shape, OpenObject openObj
     held->values.reserve(shape.objects * shape.values);
     for (std::size_t object = 0; object < shape.objects; ++object) {
         const auto group = openObject(objectName(object));
-        const auto read = [&]<std::size_t... Type>(std::index_sequence<Type...>,
-                                                   std::size_t value) {
-            const auto& name = valueName(value);
-            ((value % sizeof...(Type) == Type &&
-              (held->values.emplace_back(
-                   group.template get<std::variant_alternative_t<Type, Typed>>(name)),
-               true)) ||
-             ...);
-        };
+        using Group = decltype(group);
+        static constexpr auto readers = forEachType<Typed>([]<typename T>() {
+            return +[](Group& from, const std::string& name) {
+                return Typed(from.template get<T>(name));
+            };
+        });
         for (std::size_t value = 0; value < shape.values; ++value)
-            read(std::make_index_sequence<std::variant_size_v<Typed>>(), value);
+            held->values.push_back(readers[value % readers.size()](group, valueName(value)));
     }
     return {held, [values = &held->values] {
                 double sum = 0.0;

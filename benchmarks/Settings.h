@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -12,6 +14,17 @@ namespace Orvant::Benchmarks {
 
 using Texts = std::vector<std::string>;
 using Value = std::variant<bool, int, unsigned int, float, double, std::string, Texts>;
+
+/// @param makeEntry called as makeEntry<T>() for each type of a variant, in its order
+/// @return what the calls return: a table to look up what to do with the n-th type
+template <typename Variant, typename MakeEntry>
+constexpr auto forEachType(MakeEntry makeEntry) {
+    return [&]<std::size_t... type>(std::index_sequence<type...>) {
+        return std::array {
+            makeEntry.template operator()<std::variant_alternative_t<type, Variant>>()...
+        };
+    }(std::make_index_sequence<std::variant_size_v<Variant>>());
+}
 
 /// How many objects there are, and how many values each has.
 struct Shape {
