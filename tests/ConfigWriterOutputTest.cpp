@@ -3,15 +3,15 @@
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 
+#include <FileSizeLimit.h>
+#include <ReaderSupport.h>
 #include <TestSupport.h>
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <functional>
 #include <stdexcept>
 
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -21,6 +21,7 @@ namespace {
 
 using Support::document;
 using Support::filesIn;
+using Support::FileSizeLimit;
 using Support::LogCapture;
 using Support::readFile;
 using Support::TemporaryDirectory;
@@ -103,11 +104,6 @@ void PrintTo(const Contents& contents, std::ostream* out) {
     *out << contents.contents;
 }
 
-template <typename Case>
-std::string caseName(const testing::TestParamInfo<Case>& info) {
-    return info.param.name;
-}
-
 const Contents contentsOfRoot[] = {
     {"Nothing", ""},
     {"Blanks", "\n\n  \n"},
@@ -131,7 +127,7 @@ const Contents contentsOfRoot[] = {
 };
 
 class ConfigWriterRounds : public testing::TestWithParam<Contents> {};
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterRounds, ValuesIn(contentsOfRoot), caseName<Contents>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterRounds, ValuesIn(contentsOfRoot), Support::nameOf<Contents>);
 
 TEST_P(ConfigWriterRounds, DoNotMakeTheDocumentGrow) {
     // The second time, what the printer added is there to be cleaned up.
@@ -172,7 +168,8 @@ const Contents survivingContents[] = {
 };
 
 class ConfigWriterSurvival : public testing::TestWithParam<Contents> {};
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterSurvival, ValuesIn(survivingContents), caseName<Contents>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterSurvival, ValuesIn(survivingContents),
+                         Support::nameOf<Contents>);
 
 TEST_P(ConfigWriterSurvival, OfWhatTheApplicationDoesNotOwn) {
     const TemporaryDirectory directory;
@@ -325,7 +322,7 @@ const Text texts[] = {
 };
 
 class ConfigWriterText : public testing::TestWithParam<Text> {};
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterText, ValuesIn(texts), caseName<Text>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterText, ValuesIn(texts), Support::nameOf<Text>);
 
 TEST_P(ConfigWriterText, SurvivesSaveAndLoadExactly) {
     const TemporaryDirectory directory;
@@ -447,26 +444,6 @@ TEST(ConfigWriterOutput, FailsOnAFullDevice) {
     EXPECT_FALSE(ConfigWriter("1.0").saveToFile(FileName("/dev/full")));
     EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
-
-/// Lets files grow no further than some bytes while it is in scope, as a full disk does.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &m_formerLimit);
-        const rlimit limit{bytes, m_formerLimit.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_formerLimit);
-        std::signal(SIGXFSZ, m_formerHandler);
-    }
-
-private:
-    rlimit m_formerLimit{};
-    void (*m_formerHandler)(int);
-};
 
 class ConfigWriterInterrupted : public testing::Test {
 protected:
@@ -712,7 +689,7 @@ protected:
     AdvancedConfigReader m_reader;
 };
 INSTANTIATE_TEST_SUITE_P(, ConfigWriterObjectOperation, ValuesIn(objectOperations),
-                         caseName<ObjectOperation>);
+                         Support::nameOf<ObjectOperation>);
 
 TEST_P(ConfigWriterObjectOperation, ComesBackToTheCurrentElement) {
     const auto object = makeSettings();

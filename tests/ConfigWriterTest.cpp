@@ -2,13 +2,14 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 
+#include <GlobalLocale.h>
+#include <ReaderSupport.h>
 #include <TestSupport.h>
 
 #include <gmock/gmock.h>
 
 #include <functional>
 #include <limits>
-#include <locale>
 #include <optional>
 #include <type_traits>
 
@@ -50,11 +51,6 @@ std::optional<ConfigException::ExceptionType> failureOf(const FileName& file,
         return e.getType();
     }
     return std::nullopt;
-}
-
-template <typename Case>
-std::string caseName(const testing::TestParamInfo<Case>& info) {
-    return info.param.name;
 }
 
 // Construction
@@ -167,7 +163,7 @@ const BrokenDocument brokenDocuments[] = {
 
 class ConfigWriterBrokenDocument : public testing::TestWithParam<BrokenDocument> {};
 INSTANTIATE_TEST_SUITE_P(, ConfigWriterBrokenDocument, ValuesIn(brokenDocuments),
-                         caseName<BrokenDocument>);
+                         Support::nameOf<BrokenDocument>);
 
 TEST_P(ConfigWriterBrokenDocument, IsRefusedAsContentAndAsFile) {
     const TemporaryDirectory directory;
@@ -213,7 +209,7 @@ const UnreadableFile unreadableFiles[] = {
 
 class ConfigWriterUnreadableFile : public testing::TestWithParam<UnreadableFile> {};
 INSTANTIATE_TEST_SUITE_P(, ConfigWriterUnreadableFile, ValuesIn(unreadableFiles),
-                         caseName<UnreadableFile>);
+                         Support::nameOf<UnreadableFile>);
 
 TEST_P(ConfigWriterUnreadableFile, IsRefusedAsInvalidDocument) {
     const TemporaryDirectory directory;
@@ -354,7 +350,7 @@ void PrintTo(const Deletion& deletion, std::ostream* out) {
 }
 
 class ConfigWriterDeletion : public testing::TestWithParam<Deletion> {};
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterDeletion, ValuesIn(deletions), caseName<Deletion>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterDeletion, ValuesIn(deletions), Support::nameOf<Deletion>);
 
 TEST_P(ConfigWriterDeletion, TakesTheElementsWithTheirCommentsAndTheText) {
     LoadedWriter writer("<here>" + GetParam().before + "</here>");
@@ -464,7 +460,7 @@ class ConfigWriterPut : public testing::TestWithParam<Put> {
 protected:
     const std::string m_element = "<a>" + GetParam().written + "</a>";
 };
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterPut, ValuesIn(allPuts), caseName<Put>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterPut, ValuesIn(allPuts), Support::nameOf<Put>);
 
 TEST_P(ConfigWriterPut, AppendsTheText) {
     LoadedWriter writer("<b/>");
@@ -485,23 +481,11 @@ TEST_P(ConfigWriterPut, ReplacesAllElementsOfTheName) {
     EXPECT_EQ(document("<b/><!--new-->" + m_element), textOf(writer));
 }
 
-/// The way in which a desktop may be set up to write numbers.
-class GroupingDecimalComma : public std::numpunct<char> {
-protected:
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-    std::string do_truename() const override { return "wahr"; }
-};
-
 TEST_P(ConfigWriterPut, IsIndependentOfTheGlobalLocale) {
-    const std::locale former =
-        std::locale::global(std::locale(std::locale::classic(), new GroupingDecimalComma));
+    const Support::GlobalLocale locale;
     ConfigWriter writer("1.0");
     GetParam().put(writer, "");
-    const std::string text = textOf(writer);
-    std::locale::global(former);
-    EXPECT_EQ(document(m_element), text);
+    EXPECT_EQ(document(m_element), textOf(writer));
 }
 
 TEST(ConfigWriter, WritesAnEmptyListAsAnEmptyElement) {
@@ -643,7 +627,7 @@ protected:
     ConfigWriter m_writer{"1.0"};
 };
 INSTANTIATE_TEST_SUITE_P(, ConfigWriterImpossibleCharacter, ValuesIn(impossibleBytes),
-                         caseName<Impossible>);
+                         Support::nameOf<Impossible>);
 
 TEST_P(ConfigWriterImpossibleCharacter, IsReplacedInAValue) {
     m_writer.putString("before", "1", "");
@@ -790,7 +774,7 @@ protected:
         EXPECT_THAT(textOf(writer), HasSubstr("<b/><here/></Configuration>"));
     }
 };
-INSTANTIATE_TEST_SUITE_P(, ConfigWriterNaming, ValuesIn(namings), caseName<Naming>);
+INSTANTIATE_TEST_SUITE_P(, ConfigWriterNaming, ValuesIn(namings), Support::nameOf<Naming>);
 
 TEST_P(ConfigWriterNaming, RefusesAnInvalidNameAndLeavesTheDocumentAsItWas) {
     for (const std::string name : {"", "1a", "-a", "a b", "a<b", "a&b", "a\n", "<a/>"})

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <FileSizeLimit.h>
 #include <TestSupport.h>
 
 #include <ConfigurationFramework/ConfigException.h>
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -21,7 +21,6 @@
 #include <utility>
 #include <vector>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -140,14 +139,8 @@ inline int inOwnProcess(const std::function<int()>& action) {
 /// Runs an action while no file may become larger.
 template <typename Action>
 void withLargestFile(std::size_t size, const Action& action) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit former = limit;
-    limit.rlim_cur = size;
-    setrlimit(RLIMIT_FSIZE, &limit);
+    const FileSizeLimit limit(size);
     action();
-    setrlimit(RLIMIT_FSIZE, &former);
 }
 
 /// Runs an action in a process whose permissions count, which those of root do not.

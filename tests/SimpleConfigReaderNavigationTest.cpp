@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 
+#include <GlobalLocale.h>
 #include <ReaderSupport.h>
 #include <TestSupport.h>
 
@@ -8,7 +9,6 @@
 
 #include <cmath>
 
-#include <locale>
 #include <stdexcept>
 
 namespace Orvant {
@@ -358,31 +358,8 @@ TEST(GetFloat, NarrowsTheDouble) {
     EXPECT_EQ(-2500.0f, floatOf(" -2.5e3 mm"));
 }
 
-/// Writes 1.234,5 for a thousand and so on.
-class GroupingPunctuation : public std::numpunct<char> {
-protected:
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-    std::string do_truename() const override { return "wahr"; }
-    std::string do_falsename() const override { return "falsch"; }
-};
-
-/// Makes it the global locale for the scope.
-class GlobalLocale {
-public:
-    GlobalLocale()
-        : m_former(std::locale::global(std::locale(std::locale(), new GroupingPunctuation))) {}
-    GlobalLocale(const GlobalLocale&) = delete;
-    GlobalLocale& operator=(const GlobalLocale&) = delete;
-    ~GlobalLocale() { std::locale::global(m_former); }
-
-private:
-    std::locale m_former;
-};
-
 TEST(TypedGetters, ReadTheSameInEveryLocale) {
-    const GlobalLocale locale;
+    const Support::GlobalLocale locale;
     EXPECT_EQ(1234567, intOf("1234567"));
     EXPECT_EQ(1, intOf("1.234"));
     EXPECT_EQ(1234u, unsignedOf("1234"));
