@@ -226,7 +226,8 @@ TEST(ConfigWriterOutput, GivesNewElementsNoAttributesOfTheDtd) {
 
 TEST(ConfigWriterOutput, FindsKeysOfTheDtdAmongManyElements) {
     const std::string dtd = "<!DOCTYPE Configuration [<!ATTLIST A key CDATA 'k'>]>";
-    for (const std::size_t siblings : {1, 100}) { // more than are searched one by one
+    for (const std::size_t siblings :
+         {std::size_t{1}, std::size_t{100}}) { // more than are searched one by one
         std::string others;
         for (std::size_t i = 0; i < siblings; ++i)
             others += "<B/>";

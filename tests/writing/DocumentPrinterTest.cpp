@@ -119,9 +119,17 @@ std::string comments(std::size_t count) {
     return text;
 }
 
+std::string instructions(std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += "<?p?>";
+    return text;
+}
+
 TEST(ConfigWriterOutput, MayHaveTenThousandCommentsInARow) {
-    const std::string content = comments(10'000) + "<a/>" + comments(10'000);
-    EXPECT_EQ(document(content), withoutFormatting(rewritten(document(content))));
+    for (const std::string& content : {comments(10'000) + "<a/>", "<a/>" + comments(10'000),
+                                       comments(7'000) + "<a/>" + comments(7'000)})
+        EXPECT_EQ(document(content), withoutFormatting(rewritten(document(content))));
 }
 
 TEST(ConfigWriterOutput, LeavesTheFileAloneForMoreCommentsInARow) {
@@ -130,7 +138,10 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForMoreCommentsInARow) {
     const FileName file = directory.file("settings.xml", "former");
     for (const std::string& content :
          {comments(10'001), "<a/>" + comments(10'001) + "<b/>", "<a>" + comments(50'000) + "</a>",
-          comments(5'000) + "text<?pi?>" + comments(5'001) + "<a/>"}) {
+          comments(5'000) + "text<?pi?>" + comments(5'001) + "<a/>",
+          // As many steps for the printer, in other ways.
+          comments(8'000) + "<a/>" + comments(8'000), comments(2'000) + instructions(50'000),
+          "<a>" + comments(8'000) + "</a><a>" + comments(8'000) + "</a>"}) {
         ConfigWriter writer(FileName(), document(content));
         EXPECT_EQ("", writer.getAsString());
         EXPECT_FALSE(writer.saveToFile(file));

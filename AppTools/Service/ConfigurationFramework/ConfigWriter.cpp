@@ -16,7 +16,6 @@ namespace {
 
 const Logging s_log("ConfigWriter");
 
-
 } // namespace
 
 ConfigWriter::ConfigWriter(const std::string& version)

@@ -170,7 +170,8 @@ public:
     ///         document, it is nested deeper than 4,000 elements, the root included, or so deep
     ///         that it would be indented by more than 32 million blanks (those of 4,000 elements
     ///         in one another), or more than 10,000 comments stand in a row without an element
-    ///         between them (the printer's time grows with their square).
+    ///         between them (the printer's time grows with their square, and with what else stands
+    ///         there); or when no reader would open it for its size, so that it would be lost.
     std::string getAsString();
     /// Writes the document to a file, in place, as getAsString() gives it; a link is followed. The
     /// text is complete before the file is touched. A write that fails half-way puts back what the
