@@ -41,8 +41,10 @@ std::error_code saveInPlace(const FileName& file, const std::string& bytes) {
         return std::make_error_code(std::errc::no_such_device_or_address);
     const auto former = readRegularFile(file);
     const std::error_code error = overwrite(file, bytes);
-    if (error && former)
-        overwrite(file, *former, std::ios::binary);
+    if (error && former) {
+        // As far as the disk allows.
+        [[maybe_unused]] const auto restored = overwrite(file, *former, std::ios::binary);
+    }
     return error;
 }
 

@@ -131,11 +131,11 @@ std::optional<std::string> serialize(const DOMElement& root, std::size_t expecte
     output->setEncoding(u"UTF-8");
     output->setByteStream(&target);
     try {
-        if (serializer->write(&root, output.get()))
-            return target.takeText();
+        return serializer->write(&root, output.get()) ? std::optional(target.takeText())
+                                                      : std::nullopt;
     } catch (const xercesc::DOMException&) { // of a text that XML cannot hold
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 } // namespace
