@@ -325,6 +325,8 @@ TEST_P(ConfigurationManagerSaving, LogsInOneLineWhatAnObjectThrew) {
           Thrown{[] { throw xercesc::DOMException(xercesc::DOMException::NOT_FOUND_ERR); }, ""},
           Thrown{[] { throw ConfigException(ConfigException::InvalidVersion); },
                  "ConfigException thrown at"},
+          Thrown{[] { throw ConfigException(ConfigException::InvalidDocument); },
+                 "ConfigException thrown at"},
           Thrown{[] { throw 1; }, "an exception of unknown type"}}) {
         m_manager.reset();
         GetParam() == Way::OneFile ? useOneFile() : useTwoFiles();

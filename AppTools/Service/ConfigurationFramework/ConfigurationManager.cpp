@@ -78,10 +78,14 @@ private:
 std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
     if (!FileUtilities::exists(file))
         return std::make_unique<ConfigWriter>(version);
-    if (const std::error_code problem = checkRegularFile(file))
-        throw std::system_error(problem);
-    // What the file holds of others survives.
-    return std::make_unique<ConfigWriter>(file, "");
+    try {
+        // What the file holds of others survives.
+        return std::make_unique<ConfigWriter>(file, "");
+    } catch (const ConfigException&) {
+        if (const std::error_code problem = checkRegularFile(file))
+            throw std::system_error(problem);
+        throw std::runtime_error("it is there, but cannot be read as a configuration");
+    }
 }
 
 /// Around what an object throws while it is written.
@@ -115,10 +119,6 @@ std::string describe(const std::exception_ptr& exception) {
         const auto& nested = dynamic_cast<const std::nested_exception&>(e);
         return std::string("the object \"").append(e.what()).append("\": ") +
                describe(nested.nested_ptr());
-    } catch (ConfigException& e) {
-        return e.getType() == ConfigException::InvalidDocument
-                   ? "it is there, but cannot be read as a configuration"
-                   : e.what();
     } catch (const std::exception& e) {
         return e.what();
     } catch (const xercesc::DOMException& e) {

@@ -446,7 +446,7 @@ void ConfigurationObject::collectLists(std::vector<const ConfigurationValueBase*
 }
 
 /// A list is read from the first element of its name at any depth. Where a child's would be taken
-/// for it, because it is written behind that child or does not differ, it goes to the front.
+/// for it, because it is written after that child or does not differ, it goes to the front.
 void ConfigurationObject::keepListsReadable(ConfigWriter& writer) const {
     std::vector<const ConfigurationValueBase*> lists;
     collectLists(lists);
