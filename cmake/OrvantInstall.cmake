@@ -6,16 +6,17 @@ set(orvant_package "${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME}")
 # A folder of our own: names such as <Logging/Logging.h> must not come in the way of a system's headers.
 set(orvant_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvant")
 
-# orvant_install_library(TARGET [HEADER...]): HEADERs, written as they are included, lie in the source
-# tree or in the build tree. Without any, nobody links the library but the libraries themselves.
+# orvant_install_library(TARGET INCLUDE_ROOTS ROOT ... [HEADERS HEADER ...]): HEADERs are written as they
+# are included. Without any, only the libraries themselves link the library.
 function(orvant_install_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "INCLUDE_ROOTS;HEADERS")
     if(NOT ORVANT_INSTALL)
         return()
     endif()
     # The libraries find each other where they lie side by side.
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN;${CMAKE_INSTALL_RPATH}")
     set(link_name NAMELINK_SKIP)
-    if(ARGN)
+    if(arg_HEADERS)
         set(link_name NAMELINK_COMPONENT ConfigurationFramework_Development)
         set_property(GLOBAL APPEND PROPERTY ORVANT_LINKED_LIBRARIES ${target})
     endif()
@@ -25,11 +26,14 @@ function(orvant_install_library target)
                 ${link_name}
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ConfigurationFramework_Development
         INCLUDES DESTINATION "${orvant_include_dir}")
-    foreach(header IN LISTS ARGN)
-        set(file "${PROJECT_SOURCE_DIR}/AppTools/Service/${header}")
-        if(NOT EXISTS "${file}")
-            set(file "${PROJECT_BINARY_DIR}/include/${header}")
-        endif()
+    foreach(header IN LISTS arg_HEADERS)
+        foreach(root IN LISTS arg_INCLUDE_ROOTS)
+            set(file "${root}/${header}")
+            if(EXISTS "${file}")
+                break()
+            endif()
+        endforeach()
+        # What is in none of them is generated into the last.
         cmake_path(GET header PARENT_PATH folder)
         install(FILES "${file}" DESTINATION "${orvant_include_dir}/${folder}"
             COMPONENT ConfigurationFramework_Development)

@@ -20,14 +20,14 @@ function(orvant_compile_options target)
     endif()
 endfunction()
 
-# orvant_library(FOLDER SOURCES ... [HEADERS ...] [PUBLIC ...] [PRIVATE ...])
+# orvant_library(FOLDER INCLUDE_ROOT ROOT SOURCES ... [HEADERS ...] [PUBLIC ...] [PRIVATE ...])
 #
 # One shared library from one folder of AppTools/Service: libService_FOLDER, target
 # Orvant::Service_FOLDER, everything hidden but what ORVANT_FOLDER_EXPORT marks
-# (header <FOLDER/Export.h>). HEADERS are its part of the public interface: they are installed and
-# documented. PUBLIC and PRIVATE name the libraries it links.
+# (header <FOLDER/Export.h>). <FOLDER/HEADER.h> is found in ROOT. HEADERS are its part of the public
+# interface: they are installed and documented. PUBLIC and PRIVATE name the libraries it links.
 function(orvant_library folder)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "INCLUDE_ROOT" "SOURCES;HEADERS;PUBLIC;PRIVATE")
     set(target Service_${folder})
     string(TOUPPER ${folder} upper)
 
@@ -46,12 +46,12 @@ function(orvant_library folder)
         set_target_properties(${target} PROPERTIES LINK_DEPENDS "${exports}")
     endif()
 
-    set(generated "${PROJECT_BINARY_DIR}/include")
+    set(generated "${PROJECT_BINARY_DIR}/include/${target}")
     generate_export_header(${target}
         BASE_NAME ORVANT_${upper}
         EXPORT_FILE_NAME "${generated}/${folder}/Export.h")
     target_include_directories(${target} PUBLIC
-        $<BUILD_INTERFACE:${ORVANT_INCLUDE_ROOT}>
+        $<BUILD_INTERFACE:${arg_INCLUDE_ROOT}>
         $<BUILD_INTERFACE:${generated}>)
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
 
@@ -59,6 +59,13 @@ function(orvant_library folder)
         list(APPEND arg_HEADERS Export.h)
         list(TRANSFORM arg_HEADERS PREPEND "${folder}/")
         set_property(GLOBAL APPEND PROPERTY ORVANT_PUBLIC_HEADERS ${arg_HEADERS})
+        # All that is installed, except what is generated.
+        set(documented ${arg_HEADERS})
+        list(FILTER documented EXCLUDE REGEX "/Export\\.h$|\\.generated\\.h$")
+        list(TRANSFORM documented PREPEND "${arg_INCLUDE_ROOT}/")
+        set_property(GLOBAL APPEND PROPERTY ORVANT_DOCUMENTED_HEADERS ${documented})
+        set_property(GLOBAL APPEND PROPERTY ORVANT_PUBLIC_INCLUDE_ROOTS "${arg_INCLUDE_ROOT}")
     endif()
-    orvant_install_library(${target} ${arg_HEADERS})
+    orvant_install_library(${target}
+        INCLUDE_ROOTS "${arg_INCLUDE_ROOT}" "${generated}" HEADERS ${arg_HEADERS})
 endfunction()

@@ -9,7 +9,6 @@ set(orvant_services
 
 set(orvant_replaced "")          # services
 set(orvant_service_packages "")  # what defines the targets that are used instead
-set(orvant_service_headers "${PROJECT_SOURCE_DIR}/AppTools/Service")
 foreach(service IN LISTS orvant_services)
     string(TOUPPER ${service} upper)
     set(ORVANT_${upper}_TARGET "" CACHE STRING "The suite's own target instead of Service_${service}")
@@ -42,28 +41,12 @@ foreach(service IN LISTS orvant_replaced)
     endif()
 endforeach()
 
-# Where <FOLDER/CLASS.h> is looked for. The header of a library that is replaced must not be found, so
-# the others are linked into a folder of their own then.
-set(ORVANT_INCLUDE_ROOT "${orvant_service_headers}")
-if(orvant_replaced)
-    set(ORVANT_INCLUDE_ROOT "${PROJECT_BINARY_DIR}/service")
-    file(REMOVE_RECURSE "${ORVANT_INCLUDE_ROOT}")
-    file(MAKE_DIRECTORY "${ORVANT_INCLUDE_ROOT}")
-    foreach(folder ConfigurationFramework Transcoding ${orvant_services})
-        if(folder IN_LIST orvant_replaced)
-            file(REMOVE_RECURSE "${PROJECT_BINARY_DIR}/include/${folder}")
-        else()
-            file(CREATE_LINK "${orvant_service_headers}/${folder}" "${ORVANT_INCLUDE_ROOT}/${folder}"
-                SYMBOLIC)
-        endif()
-    endforeach()
-endif()
-
-# orvant_service(FOLDER ...): orvant_library, unless the suite brings its own.
+# orvant_service(FOLDER ...): orvant_library, unless the suite brings its own. The headers lie in an
+# include root of their own, so that the header of a library that is replaced cannot be found.
 function(orvant_service folder)
     string(TOUPPER ${folder} upper)
     if(NOT folder IN_LIST orvant_replaced)
-        orvant_library(${folder} ${ARGN})
+        orvant_library(${folder} INCLUDE_ROOT "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/include" ${ARGN})
         return()
     endif()
     set(target ${ORVANT_${upper}_TARGET})

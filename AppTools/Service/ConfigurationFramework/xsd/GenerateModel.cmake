@@ -21,7 +21,7 @@ function(orvant_generate_schema_model target)
     set(source "${generated}/ov_schema.generated.cpp")
     set(header "${generated}/ov_schema.generated.h")
     set(public_header
-        "${PROJECT_BINARY_DIR}/include/ConfigurationFramework/xsd/ov_schema.generated.h")
+        "${PROJECT_BINARY_DIR}/include/${target}/ConfigurationFramework/xsd/ov_schema.generated.h")
     file(MAKE_DIRECTORY "${generated}")
     add_custom_command(
         OUTPUT "${source}" "${public_header}"
