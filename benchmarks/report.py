@@ -33,13 +33,13 @@ GROWTH_TARGET = "load objects of 20 values"
 
 HEAD = """# Performance
 
-Written by `scripts/benchmark.sh`, which measures this library beside others that applications keep
-their settings with, in one process and on the same generated settings: a system file and a user file
-that overrides a tenth of it, each of so many objects × so many values, the seven types in turn.
+Written by `scripts/benchmark.sh`, which compares this library with others that applications keep their
+settings with, in one process and on the same generated settings: a system file and a user file that
+overrides a tenth of it, each of so many objects × so many values, the seven types in turn.
 
-Times are medians of the processor time in milliseconds, the files being in memory. A figure in
-parentheses is this library's divided by the one before it: below 1, this library takes less. Only
-the figures of one run compare.
+Times are medians of the processor time in milliseconds, with the files in memory. A figure in parentheses
+is this library's divided by the one before it: below 1, this library takes less. Only figures of the same
+run are comparable.
 
 - *Load*: from nothing to typed values of both layers; the library's objects are made, registered
   in one batch and loaded. INI files for KConfig and QSettings, XML for the others. QSettings,
@@ -47,8 +47,8 @@ the figures of one run compare.
 - *Save*: into the user's file, from settings that are loaded. The library compares with the system
   file, which it reads for that. KConfig and QSettings also wait for the disk, which is not counted.
   Boost.PropertyTree and pugixml keep the user's document and write it whole, over the file.
-- *Open and check*: whether the user's file could be loaded. KConfig reads over what it does not
-  understand, and is left out.
+- *Open and check*: whether the user's file could be loaded. KConfig skips what it does not understand,
+  and is left out.
 - *Memory*: what the whole process takes from the heap.
 - *Schema*: seven complex types, then three enumerations, and so on; the figure in parentheses is
   that of reading. Reading and writing rewrite the file's prefixes. Filtering keeps half of the types.
@@ -63,27 +63,28 @@ Counted in millions of instructions (callgrind, 1,000 × 20), which are the same
 | Load | 174 | | Save one changed value | 318 |
 |---|---|---|---|---|
 | Xerces scans both files | 74 | | Xerces scans the system file, the tree is filled | 87 |
-| the tree is filled and given back | 27 | | the user's file becomes a DOM | 52 |
+| the tree is filled and freed | 27 | | the user's file becomes a DOM | 52 |
 | the application makes its objects | 19 | | fresh objects with the system's values, twice | 69 |
 | values of both layers are read | 21 | | comparing, deleting and making elements | 80 |
 | copies with the system's values, and back | 30 | | the DOM becomes text, and a file | 28 |
 
 - **Load against the DOM parse** (548): 0.32 of its instructions. In time it is 0.34 to 0.35 when these
-  two are measured by themselves, and more in the mix of all, presumably for what that leaves of the heap.
+  two are measured by themselves, and more in the mix of all, presumably because of the state of the heap
+  after the others.
 - **Load against QSettings and Boost.PropertyTree** (246 and 211): scanning, which Xerces does with more
-  care than the others, and making the objects are more than the 84 that 0.4 of Boost.PropertyTree
-  leaves. What 0.6 of QSettings leaves, 148, would be within reach without the copy of each object that
+  care than the others, and making the objects take more than the 84 that 0.4 of Boost.PropertyTree
+  allows. The 148 that 0.6 of QSettings allows would be within reach without the copy of each object that
   the locks are restored from: the application's class makes it, and decides what belongs to it.
 - **Save against KConfig** (26): KConfig knows which entry was changed and merges that into the user's
-  file. Here a save reads what the system file says now, lets each object decide what of it goes into
-  the user's file, by a fresh object that holds the reference, and keeps what other programs wrote
-  there. To come near, the system file would have to be kept between saves, changes to be noted in the
-  values instead of found by comparing, and the file to be edited as text. Then an object that overrides
-  how it is saved, or a system file that changes meanwhile, would not be heard: that is not given up.
-- **Growth**: getKeys answers a sorted set, whose time grows with n log n. Look-ups by as many names grow
-  less than those in a `std::unordered_set`, and edits by as many names like Xerces' own parse of these. For
-  the two rows of schemas instructions grow 11.6 and 11.3 times; the rest is memory: 50,000 types are
-  far beyond the caches.
+  file. Here a save reads the system file as it is now, lets each object decide, by a fresh object that
+  holds the reference, what goes into the user's file, and keeps what other programs wrote there. To come
+  near, the system file would have to be kept between saves, changes noted in the values instead of found
+  by comparing, and the file edited as text. Then an object that overrides how it is saved, or a system
+  file that changes meanwhile, would be ignored: that is too high a price.
+- **Growth**: getKeys returns a sorted set, whose time grows with n log n. Look-ups by as many names grow
+  less than those in a `std::unordered_set`, and edits by as many names grow like Xerces' own parse of
+  them. In the two rows of schemas, instructions grow 11.6 and 11.3 times; the rest is memory: 50,000
+  types are far beyond the caches.
 """
 
 
@@ -92,7 +93,7 @@ def read(file):
     with open(file, encoding="utf-8") as text:
         results = json.load(text)
     samples = {}
-    # In the order of the program, which the mixed run does not keep.
+    # In the program's order, which the mixed run does not keep.
     for run in sorted(results["benchmarks"], key=lambda run: run["family_index"]):
         if run.get("error_occurred"):
             sys.exit(f"{run['name']}: {run['error_message']}")
