@@ -7,7 +7,7 @@
 
 namespace Orvant::Benchmarks {
 
-/// Someone who loads both layers.
+/// Something that loads both layers.
 struct Contestant {
     const char* name;
     Loaded (*load)(const SettingsFiles&);

@@ -62,7 +62,7 @@ ConfigurationManager& managerOf(const SettingsFiles& files) {
     return manager;
 }
 
-/// The objects until they are dropped, from the manager too.
+/// The objects; dropping them also removes them from the manager.
 Loaded keep(std::vector<ConfigurationRegistration> registrations) {
     const std::shared_ptr<std::vector<ConfigurationRegistration>> held(
         new std::vector(std::move(registrations)),

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-// What is measured: this library.
+// The library that is measured.
 
 namespace Orvant::Benchmarks {
 

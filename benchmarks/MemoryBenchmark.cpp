@@ -13,7 +13,7 @@ namespace Orvant::Benchmarks {
 namespace {
 
 void runLoad(benchmark::State& state, Loaded (*load)(const SettingsFiles&), Shape shape) {
-    const SettingsFiles files(shape); // Not the shared ones, which a peer may have in a cache.
+    const SettingsFiles files(shape); // Not the shared ones: a peer may have cached them.
     const auto values = static_cast<double>(shape.objects * shape.values);
     for ([[maybe_unused]] const auto _ : state) {
         std::optional<Loaded> loaded;

@@ -30,8 +30,8 @@ void giveBack(void* block) {
 
 } // namespace
 
-// The heap of the GNU C library under its own names, and in front of it the functions that every
-// library of the process calls, operator new included.
+// The GNU C library's heap under its own names, and in front of it the functions that every library
+// of the process calls, operator new included.
 extern "C" {
 
 void* __libc_malloc(std::size_t size);

@@ -4,8 +4,8 @@
 
 namespace Orvant::Benchmarks {
 
-/// Counts what the whole process, C libraries included, takes from the heap and gives back while
-/// the meter is in scope. There is one at a time, and one thread.
+/// Counts what the whole process, C libraries included, takes from the heap and frees while the
+/// meter is in scope. There is one meter at a time, and one thread.
 class MemoryMeter {
 public:
     MemoryMeter();
@@ -15,9 +15,9 @@ public:
 
     /// @return number of allocations
     std::size_t allocations() const;
-    /// @return bytes taken and not given back
+    /// @return bytes taken and not freed
     std::size_t held() const;
-    /// @return most bytes that were held at a time
+    /// @return most bytes held at a time
     std::size_t peak() const;
 };
 

@@ -12,7 +12,7 @@ namespace Orvant::Benchmarks {
 
 namespace {
 
-/// Opens a file anew. QSettings keeps what it has read of a file until the file's time changes.
+/// Opens a file anew. QSettings caches a file until the file's time changes.
 std::shared_ptr<QSettings> open(const std::string& file) {
     static std::filesystem::file_time_type s_time = std::filesystem::file_time_type::clock::now();
     s_time += std::chrono::seconds(1);
@@ -61,7 +61,7 @@ int readOneWithQSettings(const SettingsFiles& files) {
 
 bool checkWithQSettings(const SettingsFiles& files) {
     const auto settings = open(files.userIni());
-    // Sections are looked into when something in them is asked for.
+    // Sections are parsed when something in them is asked for.
     return !settings->allKeys().isEmpty() && settings->status() == QSettings::NoError;
 }
 

@@ -10,7 +10,7 @@ namespace Orvant::Benchmarks {
 
 namespace {
 
-/// Changes and saves again and again, over what the last save has left.
+/// Changes and saves again and again, over what the last save left.
 /// @param change sets values of a store to those of an edition
 template <typename Store>
 void run(benchmark::State& state, Shape shape, void (*change)(Store&, Shape, unsigned int)) {

@@ -101,7 +101,7 @@ void registerSchemaBenchmarks() {
     }
     addGrowth("read a schema of that many types", 1'000, onSchema(runRead));
     addGrowth("write a schema of that many types", 1'000, onSchema(runWrite));
-    // In memory already: so many that the processor's caches hold neither number.
+    // In memory already: too many for the processor's caches, with either number.
     addGrowth("filter a schema of that many types", 5'000, onSchema(runFilter));
     addGrowth("ask for the contents of that many types", 5'000, onSchema(runContents));
 }

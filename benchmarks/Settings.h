@@ -34,7 +34,7 @@ struct Shape {
 
 inline constexpr std::array shapes{Shape{60, 15}, Shape{1'000, 20}, Shape{5'000, 40}};
 
-/// @return the shape as the names of benchmarks end: "1000x20"
+/// @return the shape as at the end of benchmarks' names: "1000x20"
 std::string toString(Shape shape);
 
 const std::string& objectName(std::size_t object);
@@ -51,7 +51,7 @@ constexpr bool isOverridden(std::size_t object, std::size_t value) {
     return (object + value) % 10 == 0;
 }
 
-/// The value that is read or changed where one is, an int.
+/// The value that is read or changed when only one is, an int.
 struct Probe {
     std::size_t object;
     std::size_t value;

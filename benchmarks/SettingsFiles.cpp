@@ -10,7 +10,7 @@ namespace {
 
 enum class Layer { System, User };
 
-/// Calls back with what the layer holds: at the begin of an object and at each value.
+/// Calls back with what the layer holds: at the start of an object and at each value.
 template <typename BeginObject, typename EndObject, typename PutValue>
 void forEachHeld(Shape shape, Layer layer, BeginObject begin, PutValue put, EndObject end) {
     for (std::size_t object = 0; object < shape.objects; ++object) {

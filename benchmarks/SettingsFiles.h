@@ -18,7 +18,7 @@ public:
     std::string systemXml() const { return m_directory.file("system.xml"); }
     std::string userXml() const { return m_directory.file("user.xml"); }
     std::string newXml() const { return m_directory.file("new.xml"); }
-    /// @name The INI files have one name in two directories, as cascading settings want them
+    /// @name The INI files have one name in two directories, as cascading settings need them
     /// @{
     static constexpr const char* iniName = "suiterc";
     std::string systemDirectory() const { return m_directory.file("system"); }
@@ -32,7 +32,7 @@ private:
     TemporaryDirectory m_directory;
 };
 
-/// @return files of that shape that every benchmark may read and none may change
+/// @return files of that shape, which every benchmark may read and none may change
 const SettingsFiles& sharedFiles(Shape shape);
 
 } // namespace Orvant::Benchmarks

@@ -5,7 +5,7 @@
 
 namespace Orvant::Benchmarks {
 
-/// A directory that goes with the scope.
+/// A directory that is removed at the end of the scope.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();

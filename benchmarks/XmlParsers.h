@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-// Parsers that only parse. Each returns what it has made, null for a broken document.
+// Parsers that only parse. Each returns its result, null for a broken document.
 
 namespace Orvant::Benchmarks {
 

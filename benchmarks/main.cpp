@@ -16,7 +16,7 @@ std::string dotted(int major, int minor, int patch) {
     return std::to_string(major) + '.' + std::to_string(minor) + '.' + std::to_string(patch);
 }
 
-/// Names for the report what was measured.
+/// Names, for the report, what was measured.
 void addVersion(const std::string& name, const std::string& version) {
     benchmark::AddCustomContext("version of " + name, version);
 }

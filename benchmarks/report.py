@@ -13,7 +13,7 @@ LIBRARY = "this library"
 DOM = "XercesDOMParser, parsing only"
 MIDDLE = "1000x20"
 
-# What the library is to reach: figures of one measurement, how they divide, and the limit.
+# The library's targets: two figures of one measurement to divide, and the limit.
 LOAD = ("Load", LIBRARY, MIDDLE)
 SAVE = "Save one changed value"
 OPEN = "Memory held by the open system file"

@@ -1,9 +1,9 @@
-# What `cmake --install` puts where: libraries, public headers, CMake package, pkg-config file.
-# The tree can be moved: nothing in it names the place it was installed to.
+# What `cmake --install` puts where: libraries, public headers, CMake package, pkg-config file. The
+# tree can be moved: nothing in it names the place where it was installed.
 include(CMakePackageConfigHelpers)
 
 set(orvant_package "${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME}")
-# A folder of our own: names such as <Logging/Logging.h> must not come in the way of a system's headers.
+# A folder of our own: names such as <Logging/Logging.h> must not clash with a system's headers.
 set(orvant_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvant")
 
 # orvant_install_library(TARGET INCLUDE_ROOTS ROOT ... [HEADERS HEADER ...]): HEADERs are written as they
@@ -13,7 +13,7 @@ function(orvant_install_library target)
     if(NOT ORVANT_INSTALL)
         return()
     endif()
-    # The libraries find each other where they lie side by side.
+    # The libraries find each other side by side.
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN;${CMAKE_INSTALL_RPATH}")
     set(link_name NAMELINK_SKIP)
     if(arg_HEADERS)
@@ -64,7 +64,7 @@ function(orvant_install_package)
     install(EXPORT ${PROJECT_NAME} NAMESPACE Orvant:: FILE ${PROJECT_NAME}Targets.cmake
         DESTINATION "${orvant_package}" COMPONENT ConfigurationFramework_Development)
 
-    # What the suite links instead of a service library has a name that is not known here.
+    # The name of what the suite links instead of a service library is not known here.
     if(orvant_replaced)
         return()
     endif()

@@ -39,7 +39,7 @@ function(orvant_library folder)
         VISIBILITY_INLINES_HIDDEN ON
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
-    # Visibility does not reach what is made of the standard library's templates.
+    # Visibility does not apply to instances of the standard library's templates.
     set(exports "${PROJECT_SOURCE_DIR}/cmake/exports.map")
     if(CMAKE_EXECUTABLE_FORMAT STREQUAL "ELF")
         target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")

@@ -1,6 +1,6 @@
-# The service libraries that the framework stands on, each of which a suite can replace by its own:
+# The service libraries that the framework builds on, each of which a suite can replace with its own:
 #
-#   ORVANT_LOGGING_TARGET   CMake target of the suite's that provides <Logging/Logging.h>
+#   ORVANT_LOGGING_TARGET   CMake target of the suite that provides <Logging/Logging.h>
 #   ORVANT_LOGGING_PACKAGE  CMake package that defines it, where it is not part of the same build
 #
 # and likewise for the other folders.

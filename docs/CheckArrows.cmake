@@ -2,9 +2,10 @@
 #
 #   cmake -DROOT=. -DPAGE=docs/architecture.md [-DSOURCES=AppTools/Service] -P CheckArrows.cmake
 #
-# A row of the table names a room, and in its second column what files of the room may include: rooms
-# or single headers, each in backquotes. `classes` are the library's files that lie in no room, and
-# `Service` is whatever lies outside the library. The row `every` is about all rooms but `Service`.
+# A row of the table names a room, and in its second column what files of the room may include:
+# rooms or single headers, each in backquotes. `classes` are the library's files that are in no
+# room, and `Service` is everything outside the library. The row `every` applies to all rooms but
+# `Service`.
 cmake_minimum_required(VERSION 3.25)
 
 if(NOT SOURCES)
@@ -12,7 +13,7 @@ if(NOT SOURCES)
 endif()
 cmake_path(ABSOLUTE_PATH ROOT)
 
-# Sets allowed_ROOM for each row; of two that begin alike, the later counts.
+# Sets allowed_ROOM for each row; of two for the same room, the later counts.
 file(STRINGS "${ROOT}/${PAGE}" rows REGEX "^\\| `[A-Za-z]+/?` \\|[^|]*\\|$")
 foreach(row IN LISTS rows)
     string(REGEX MATCH "^\\| ([^|]+) \\|([^|]*)\\|$" row "${row}")
@@ -45,7 +46,7 @@ foreach(file IN LISTS files)
     if(NOT from STREQUAL "Service")
         list(APPEND allowed ${allowed_every})
     endif()
-    # The suite's headers lie in folders with a capital letter; libraries' do not.
+    # The suite's headers are in folders with a capital letter; other libraries' are not.
     file(STRINGS "${ROOT}/${SOURCES}/${file}" includes REGEX "^#include <[A-Z][A-Za-z]+/")
     foreach(include IN LISTS includes)
         string(REGEX REPLACE "^#include <([^>]+)>.*" "\\1" header "${include}")

@@ -1,5 +1,5 @@
-# Checks a page: that its listings are what the files hold that they are taken from, and that its
-# links lead to files and headings of the repository.
+# Checks that the listings of a page match the files that they are taken from, and that its links
+# lead to files and headings of the repository.
 #
 #   cmake -DROOT=. -DPAGE=docs/guide.md -P CheckPage.cmake
 #
@@ -7,8 +7,8 @@
 #
 #   <!-- listing: examples/first_settings/first_settings.cpp [declare] -->
 #
-# In the source, the listing stands between two lines "//! [declare]"; the indentation of its first
-# line is taken off all. Without a name, the whole file is the listing. A block of C++, XML or CMake
+# In the source, the listing is between two lines "//! [declare]"; the indentation of its first line
+# is removed from all. Without a name, the whole file is the listing. A block of C++, XML or CMake
 # without a source is an error.
 cmake_minimum_required(VERSION 3.25)
 
@@ -18,7 +18,7 @@ function(report fault)
     message(SEND_ERROR "${PAGE} has a fault")
 endfunction()
 
-# Sets RESULT to the part of TEXT before the first SEPARATOR, REST to what is behind it, and FOUND to
+# Sets RESULT to the part of TEXT before the first SEPARATOR, REST to what follows it, and FOUND to
 # whether there is one.
 function(split text separator result rest found)
     string(FIND "${text}" "${separator}" position)
@@ -35,11 +35,12 @@ function(split text separator result rest found)
     set(${found} TRUE PARENT_SCOPE)
 endfunction()
 
-# Sets RESULT to the lines of FILE between the two that mark the listing NAME, to all without a name.
+# Sets RESULT to the lines of FILE between the two that mark the listing NAME, or to all without a
+# name.
 function(read_listing file name result)
     file(READ "${file}" text)
     if(name STREQUAL "")
-        # Files that the library writes have no line end at their end; a block always has.
+        # Files that the library writes do not end with a line end; a block always does.
         string(REGEX REPLACE "\n$" "" text "${text}")
         set(${result} "${text}\n" PARENT_SCOPE)
         return()

@@ -1,5 +1,5 @@
 # Runs a program in a copy of its data, then compares what it printed (output.txt) and every file
-# that is there afterwards with what is expected: the one in FOLDER/EXPECTED or, for a file that the
+# that is then there with what is expected: the one in FOLDER/EXPECTED or, for a file that the
 # program leaves alone, its original.
 cmake_minimum_required(VERSION 3.25)
 
@@ -22,7 +22,7 @@ foreach(run RANGE 1 ${RUNS})
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "The program failed: ${result}\n${output}${errors}")
     endif()
-    # Of a line of the error log, time and place differ from build to build.
+    # Time and place in a line of the error log differ from build to build.
     string(REGEX REPLACE "\\[[0-9: .-]+\\] (\\[[A-Za-z]+\\] \\[error\\] [^\n]*) \\([^\n]*\\)\n" "\\1\n"
         errors "${errors}")
     file(APPEND "${WORK}/output.txt" "${output}${errors}")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# What a maintainer adds to the tests before landing: clang-format, clang-tidy, all tests on Clang with
-# AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages, and what
-# the tests cover of the library.
+# What a maintainer adds to the tests before landing: clang-format, clang-tidy, all tests on Clang
+# with AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages,
+# and how much of the library the tests cover.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

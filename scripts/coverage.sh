@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Runs the tests and prints what they cover of the library: lines, functions and branches, without
-# those that exceptions take, then the lines of each file that no test runs. Installs what is missing.
+# Runs the tests and prints how much of the library they cover: lines, functions and branches,
+# except those that exceptions take, then the lines of each file that no test runs. Installs what is
+# missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

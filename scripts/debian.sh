@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Makes the Debian packages in build/debian/packages and checks their names and contents. As root, where
-# the Debian mirror of this machine answers, it also installs them in a clean Debian and builds and runs
-# programs there: that shows whether they depend on what they need.
+# Makes the Debian packages in build/debian/packages and checks their names and contents. As root,
+# if this machine's Debian mirror answers, it also installs them in a clean Debian and builds and
+# runs programs there: that shows whether their dependencies are complete.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -75,7 +75,7 @@ cp "$runtime" "$development" "$work/repository"
 (cd "$work/repository" && dpkg-scanpackages . >Packages 2>/dev/null)
 cp -r tests/install/application examples/first_settings "$work/programs"
 cp tests/install/in_clean_debian.sh tests/install/pkgconfig.sh "$work/programs"
-# Everything lies in a folder that mmdebstrap makes and removes.
+# Everything is in a folder that mmdebstrap makes and removes.
 mmdebstrap --quiet --variant=apt --format=null --aptopt="$work/apt.conf" \
     --include=libservice-configurationframework-dev,g++,cmake,make,pkg-config \
     --customize-hook="copy-in $work/programs /root" \

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Changes the library one token at a time and tells which changes no test notices.
+"""Changes the library one token at a time and reports which changes no test notices.
 
 Looks at the C++ lines of AppTools that were added since a revision, uncommitted ones included. Each
 mutant is built and tested, then the file is put back as it was. One that does not build does not
-count; one that the tests survive shows what they do not ask for, or code that makes no difference.
+count; one that survives the tests shows what they do not check, or code that makes no difference.
 
-The build folder has to be configured: cmake --preset dev. Where it is configured with
+The build folder must be configured: cmake --preset dev. If it is configured with
 -DORVANT_WARNINGS_AS_ERRORS=OFF, mutants with warnings count, too.
 """
 
@@ -58,7 +58,7 @@ def git(*arguments):
 
 
 def added_lines(base, files):
-    """Returns the numbers of the lines that files have and had not at a revision, by path."""
+    """Returns the numbers of the lines that were added since a revision, by path."""
     paths = files or ["AppTools/*.cpp", "AppTools/*.h"]
     added = {}
     for line in git("diff", "-U0", "--no-color", "--no-ext-diff", "--no-renames",
@@ -98,7 +98,7 @@ def mutants_of(path, lines):
         line = text.count("\n", 0, start) + 1
         code = text.splitlines()[line - 1].strip()
         if token.lastgroup == "statement":
-            # What stands on a line behind another end is the rest of a statement.
+            # What comes on a line after another end is the rest of a statement.
             new = "{}" if text[:start].rstrip().endswith((";", "{", "}", ")", "else", ":")) else None
             change = f"without {code}"
             position = start + re.match(r"[\w:]+", old).end()  # Its own tokens are next.
@@ -112,7 +112,7 @@ def mutants_of(path, lines):
 
 @contextlib.contextmanager
 def applied(mutant):
-    """The mutant stands in the file as long as this is entered, however it is left."""
+    """The mutant is in the file until this is left, in whatever way."""
     original = mutant.path.read_bytes()
     try:
         mutant.path.write_bytes(mutant.text(original.decode()).encode())
@@ -122,7 +122,7 @@ def applied(mutant):
 
 
 def succeeds(command, limit):
-    """Tells whether a command ends well in so many seconds; takes all that it started with it."""
+    """Returns whether a command succeeds in so many seconds; ends all that it started."""
     with subprocess.Popen(command, cwd=ROOT, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                           start_new_session=True) as process:
         try:

@@ -22,7 +22,7 @@ struct Layers {
     std::list<std::string> versions;
 };
 
-/// @return a table with a row for each value: where it stands, what it is, which layer set it and
+/// @return a table with a row for each value: where it is, what it is, which layer set it and
 ///         whether the administrator locked it
 std::string settingsTable(const std::vector<Registered>& settings, const Layers& layers);
 

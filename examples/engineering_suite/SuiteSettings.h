@@ -10,7 +10,7 @@ namespace Suite {
 
 using Orvant::ConfigurationObject;
 
-/// The 3D view; with a child of its own element and one that is stored inline.
+/// The 3D view, with a child that has its own element and one that is stored inline.
 class ViewSettings : public ConfigurationObject {
 public:
     ViewSettings();

@@ -70,7 +70,7 @@ std::string fault(const std::string& file, const Layers& layers) {
 }
 
 /// Tells the user of files that could not be loaded.
-/// @return true when the user's file may be saved to
+/// @return true when the user's file may be overwritten
 bool checkFiles(const Layers& layers) {
     auto& manager = ConfigurationManager::getInstance();
     if (manager.hasSystemConfigFileErrors())
@@ -114,14 +114,14 @@ int main(int argc, char** argv) {
                                      {"gear box.dwg", "Gehäuse.dwg", "R&D <new>.dwg"});
     change<unsigned int>(settings[3], "Copies", 3);
 
-    // A save over a file that was not loaded loses what it holds; so it does when the file was
-    // damaged or replaced since then.
+    // A save over a file that was not loaded loses what it holds, also when the file was damaged or
+    // replaced since then.
     if (!userFileIsLoaded || manager.hasUserConfigFileErrors()) {
         std::cout << "\nYour changes are not saved, so that " << layers.userFile
                   << " stays as it is. Repair it or move it away, and start again.\n";
         return 0;
     }
-    // A save compares with the system file: without it, the administrator's values go along.
+    // A save compares with the system file: without it, the administrator's values are saved, too.
     if (manager.hasSystemConfigFileErrors()) {
         std::cout << "\nYour changes are not saved: " << layers.userFile
                   << " would get your administrator's values, too. Have " << layers.systemFile

@@ -1,5 +1,5 @@
-// What a schema declares, and less of it: whole types, children of one type, attributes of one
-// type.
+// What a schema declares, and how to reduce it: whole types, children of one type, attributes of
+// one type.
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/XsdConfigReader.h>

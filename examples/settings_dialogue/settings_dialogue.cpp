@@ -1,5 +1,4 @@
-// What a settings dialogue shows, whatever toolkit draws it: a row for each value that is to be
-// seen.
+// What a settings dialogue shows, whatever toolkit draws it: a row for each visible value.
 
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/ConfigurationObject.h>

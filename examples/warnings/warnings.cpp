@@ -1,4 +1,4 @@
-// What an application tells its user after start-up: values it had to correct, files it cannot
+// What an application tells its user after start-up: values that it corrected, files that it cannot
 // read.
 
 #include <ConfigurationFramework/ConfigurationManager.h>

@@ -1,7 +1,8 @@
 #!/bin/sh
-# header.sh INCLUDE HEADER WORK COMPILER...: compiles a header by itself, with the installed tree as the
-# only include directory, and looks at what it pulls in: other libraries' headers only where they are
-# part of the interface. Then compiles each sample in its comments with what samples.txt says of it.
+# header.sh INCLUDE HEADER WORK COMPILER...: compiles a header by itself, with the installed tree as
+# the only include directory, and checks what it includes: other libraries' headers only where they
+# are part of the interface. Then compiles each sample in its comments with what samples.txt adds to
+# it.
 set -eu
 here=$(dirname "$0") include=$1 header=$2 work=$3
 shift 3

@@ -1,6 +1,6 @@
 #!/bin/sh
-# pkgconfig.sh PKG_CONFIG FILE SOURCE WORK COMPILER...: builds a program as the pkg-config FILE tells
-# and runs it.
+# pkgconfig.sh PKG_CONFIG FILE SOURCE WORK COMPILER...: builds a program as the pkg-config FILE
+# says, and runs it.
 set -eu
 pkg_config=$1 file=$2 source=$3 work=$4
 shift 4

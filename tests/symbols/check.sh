@@ -1,10 +1,10 @@
 #!/bin/sh
-# check.sh NM LIST MEASURED LIBRARY: compares what a library exports, and which operations of the service
-# libraries it calls, with a list. MEASURED is the file to write the list of today into.
+# check.sh NM LIST MEASURED LIBRARY: compares what a library exports, and which operations of the
+# service libraries it calls, with a list. MEASURED is the file to write the current list to.
 set -eu
 nm=$1 list=$2 measured=$3 library=$4
 
-# Names alone: a constructor has several symbols, and compilers differ in what they make weak.
+# Names only: a constructor has several symbols, and compilers differ in what they make weak.
 names() {
     sed -e 's/^ *[0-9a-f]* *[A-Za-z] //' -e 's/std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >/std::string/g' |
         LC_ALL=C sort -u
