@@ -319,8 +319,7 @@ std::shared_ptr<TestObject> makeObject() {
 
 const std::vector<std::string> valueNames = {"A", "B", "C", "D"};
 
-/// The place of a value: as many named children down as the depth says; C and D in the nameless
-/// child there.
+/// Finds a value `depth` named children down; C and D are in the nameless child there.
 ConfigurationValue<int>& valueAt(const TestObject& object, int depth, const std::string& name) {
     const TestObject* place = &object;
     for (int i = 0; i < depth; ++i)
@@ -349,7 +348,7 @@ std::string atDepth(int depth, std::string content, const std::string& attribute
 
 class LayeredObject : public testing::TestWithParam<int> {
 protected:
-    /// The object's values at the depth of the test, from these contents of the element there.
+    /// The object's values at the test's depth, loaded from an element with this content.
     std::vector<int> load(const std::string& systemContent, const std::string& userContent,
                           const std::string& systemAttributes = "",
                           const std::string& userAttributes = "") {

@@ -38,7 +38,7 @@ std::string textOf(ConfigWriter& writer) {
     return withoutFormatting(writer.getAsString());
 }
 
-/// @return the document after it was loaded and written again so many times
+/// @return the document after it was loaded and written so many times
 std::string reloaded(std::string text, int times = 1) {
     for (int time = 0; time < times; ++time)
         text = ConfigWriter(FileName(), text).getAsString();
@@ -130,7 +130,7 @@ class ConfigWriterRounds : public testing::TestWithParam<Contents> {};
 INSTANTIATE_TEST_SUITE_P(, ConfigWriterRounds, ValuesIn(contentsOfRoot), Support::nameOf<Contents>);
 
 TEST_P(ConfigWriterRounds, DoNotMakeTheDocumentGrow) {
-    // The second time, what the printer added is there to be cleaned up.
+    // The second time, the printer's additions are there to be cleaned up.
     const std::string twice = reloaded(document(GetParam().contents), 2);
     EXPECT_EQ(twice, reloaded(twice, 48));
 }
@@ -255,7 +255,7 @@ TEST(ConfigWriterOutput, KeepsBlanksBetweenTextsAndReferences) {
         const std::string text = writer.getAsString();
         std::string onOneLine;
         for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == '\n') // with the indentation behind it
+            if (text[i] == '\n') // with the indentation after it
                 i = std::min(text.find_first_not_of(" \n", i), text.size()) - 1;
             else
                 onOneLine += text[i];
@@ -536,7 +536,7 @@ TEST(ConfigWriterObjects, WriteNothingButTheirElementWhereTheyAreNotPersistent) 
     EXPECT_EQ(document("<Name/>"), textOf(writer));
 }
 
-/// A difference write of settings with a changed "a" as compared with a system configuration.
+/// Writes the differences of settings with a changed "a" from a system configuration.
 class ConfigWriterDifference : public testing::Test {
 protected:
     ConfigWriterDifference() { setReference("<Settings>" + settingsContents + "</Settings>"); }
@@ -616,7 +616,7 @@ TEST_F(ConfigWriterDifference, HoldsOnlyTheChildrenInWhichSomethingDiffers) {
     EXPECT_EQ(document("<x/><Name><Child><c>2.5</c></Child></Name>"), textOf(m_writer));
 }
 
-/// What an object decides about its own saving.
+/// What an object decides about saving itself.
 class DecidingObject : public TestObject {
 public:
     explicit DecidingObject(bool saved) : m_saved(saved) {}

@@ -41,7 +41,7 @@ public:
         : ConfigWriter(FileName(), document(contents)) {}
 };
 
-/// @return the type of the exception that opening the document ends with; none when it succeeds
+/// @return the type of the exception that opening the document throws; none when it succeeds
 std::optional<ConfigException::ExceptionType> failureOf(const FileName& file,
                                                         const std::string& content) {
     try {
@@ -356,7 +356,7 @@ TEST_P(ConfigWriterDeletion, TakesTheElementsWithTheirCommentsAndTheText) {
     LoadedWriter writer("<here>" + GetParam().before + "</here>");
     writer.setCurrentNode("here");
     writer.deleteNodes(GetParam().element, GetParam().key);
-    // A last element without a line of its own gives the result the same shape, empty or not.
+    // A last element without its own line gives the result the same shape, empty or not.
     writer.createNode("last", "");
     EXPECT_EQ(document("<here>" + GetParam().after + "<last/></here>"), textOf(writer));
 }
@@ -700,7 +700,7 @@ TEST(ConfigWriter, KeepsTheDocumentWellFormedWhateverACommentSays) {
         ConfigWriter writer("1.0");
         writer.putInt("a", 1, comment);
         writer.putInt("b", 2, "");
-        // Without the commented element, nothing of the comment may remain.
+        // Without the commented element, nothing may remain of the comment.
         ConfigWriter reloaded(FileName(), writer.getAsString());
         reloaded.deleteNodes("a", "");
         EXPECT_EQ(document("<b>2</b>"), textOf(reloaded)) << comment;

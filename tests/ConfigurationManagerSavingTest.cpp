@@ -438,7 +438,7 @@ protected:
     bool save() const { return m_manager.saveConfiguration("1.0"); }
     std::string userFile() const { return withoutFormatting(readFile(m_userFile)); }
 
-    /// Forgets everything as the end of the process does.
+    /// Forgets everything, as at the end of the process.
     void restart() {
         m_manager.reset();
         m_manager.setValidVersionList({"1.0"});
@@ -644,7 +644,7 @@ TEST_F(ConfigurationManagerTwoFiles, CompareAnObjectWithTheElementItIsRegistered
     EXPECT_EQ(document("<Alias><a>5</a></Alias><Keyed key=\"k\"><a>6</a></Keyed>"), userFile());
 }
 
-/// Is saved while it differs from the element "Limits" of the system's document.
+/// Is saved as long as it differs from the element "Limits" of the system's document.
 class DependentObject : public TestObject {
 public:
     DependentObject() : TestObject("Test") { add("a", 1).add("b", 2); }

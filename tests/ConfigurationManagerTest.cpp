@@ -566,7 +566,7 @@ TEST_F(ConfigurationManagerResets, LetTheFeatureSwitchesForgetTheFormerFiles) {
 }
 
 TEST_F(ConfigurationManagerResets, PutBackWhatAnObjectChangesOfWhatIsLocked) {
-    // Has its own way to set defaults, which looks at no lock.
+    // Sets defaults in its own way, which ignores locks.
     class Insistent : public TestObject {
     public:
         Insistent() : TestObject("Test") {
@@ -613,7 +613,7 @@ TEST_F(ConfigurationManagerResets, MayMeetAnObjectThatRebuildsItsChildren) {
     EXPECT_EQ(3U, object->getConfigurationObjectsSize());
 }
 
-/// Cannot be made anew or cloned.
+/// Cannot be created again or cloned.
 class Unmakeable : public TestObject {
 public:
     Unmakeable() : TestObject("Unmakeable") { add("a", 1); }

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-// Children of classes that write themselves in their own way, in saves of what differs.
+// Difference saves of children whose classes write themselves in their own way.
 
 namespace Orvant {
 namespace {
@@ -50,7 +50,7 @@ private:
     Save m_save;
 };
 
-/// Writes what the library writes of itself.
+/// Writes what the library writes by default.
 void saveAsUsual(const TestObject& object, ConfigWriter& writer, ConfigReader& reader) {
     object.ConfigurationObject::saveContent(writer, reader, true);
 }
@@ -126,7 +126,7 @@ TEST(ConfigurationObjectDifference, IsThatOfEveryObjectForAChildThatCallsTheLibr
 }
 
 TEST(ConfigurationObjectDifference, PairsAChildThatCallsTheLibraryWithItsCounterpart) {
-    // Two nameless children, told apart by their places.
+    // Two nameless children, told apart by their positions.
     const auto parent = TestObject::make("Test", [](TestObject& object) {
         for (const std::string value : {"b", "c"}) {
             auto child = std::make_unique<SelfWriting>("", saveAsUsual);
@@ -194,7 +194,7 @@ TEST(ConfigurationObjectDifference, LeavesTheWriterWhereItWasWhenAChildThrows) {
 }
 
 TEST(ConfigurationObjectDifference, TakesForOtherObjectsOfAChildWhatStandsBesideIt) {
-    // The child keeps a second object, which it writes by the writer's own operation.
+    // The child has a second object, which it writes with the writer's own operation.
     const auto makeExtra = [](int d, int e) {
         return TestObject::make("Extra", [=](TestObject& object) {
             object.add("d", 1).addChild(&(new TestObject("Inside"))->add("e", 1));
@@ -219,7 +219,7 @@ TEST(ConfigurationObjectDifference, TakesForOtherObjectsOfAChildWhatStandsBeside
 
 // --- what the reader of a child answers ---------------------------------------------------------
 
-/// Calls with the reader that a child of the name gets while its parent is saved.
+/// Calls back with the reader that the named child gets while its parent is saved.
 template <typename Call>
 void withReaderOfChild(ConfigReader& outer, const std::string& childName, Call call) {
     int calls = 0;
@@ -232,7 +232,7 @@ void withReaderOfChild(ConfigReader& outer, const std::string& childName, Call c
     EXPECT_EQ(1, calls);
 }
 
-/// What an operation of a reader answers: its result and its outputs as one text.
+/// What an operation of a reader returns: its result and its outputs as one text.
 using Question = std::function<std::string(ConfigReader&)>;
 
 std::string told(ConfigurationAccessResult result, const std::string& outputs) {

@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-// A list is read from the first element of its name at any depth. What the library writes must be
-// read back as it was all the same.
+// A list is read from the first element of its name at any depth. What the library writes must
+// still be read back as it was.
 
 namespace Orvant {
 namespace {
@@ -36,7 +36,7 @@ std::string elementOf(const List& list, const std::string& attributes = "") {
 }
 
 /// The objects that have a list L: some of the root, its child, the grandchild, and nameless
-/// children of the root before and behind the child.
+/// children of the root before and after the child.
 struct Holders {
     bool root = false;
     bool child = false;
@@ -103,8 +103,8 @@ const Holders combinations[] = {
 
 class ListsOfOneName : public Support::ManagerFixture {
 protected:
-    /// Saves an object with some of its lists changed and expects another one to be loaded with
-    /// the same lists.
+    /// Saves an object with some of its lists changed and expects another to be loaded with the
+    /// same lists.
     void expectBroughtBack(const Holders& holders, unsigned int changed) {
         const auto object = add(std::make_shared<Nested>(holders));
         const auto lists = object->lists();
@@ -158,7 +158,7 @@ TEST_F(ListsOfOneName, KeepTheLocksOfTheSystem) {
     EXPECT_THAT(loaded->texts(), ElementsAre(systemList, ownList));
     EXPECT_FALSE(loaded->lists()[0]->isEditable());
     EXPECT_TRUE(loaded->lists()[1]->isEditable());
-    // Nor does what was written for the locked list become more than that.
+    // Once the lock is gone, the list is what was written for it.
     Support::writeFile(m_systemFile, document("<Test>" + elementOf({"later"}) + "</Test>"));
     EXPECT_THAT(add(std::make_shared<Nested>(holders))->texts(), ElementsAre(systemList, ownList));
 }

@@ -136,8 +136,8 @@ ConfigurationValueBase* newValue(const std::string& name, const T& defaultValue)
                                      Base::AllProducts);
 }
 
-/// As applications write their settings: everything is made by the default constructor, and the
-/// factory makes a default-constructed one.
+/// As applications write their settings: the default constructor makes everything, and the factory
+/// returns a default-constructed object.
 class Settings : public ConfigurationObject {
 public:
     Settings() : ConfigurationObject("Settings", "All of it", LoadAndSave, AllProducts) {
@@ -161,7 +161,7 @@ public:
 
 int Settings::instances = 0;
 
-/// Tells in what order it is loaded, saved and deleted.
+/// Records the order in which it is loaded, saved and deleted.
 template <typename Item>
 class Recorded : public Item {
 public:
@@ -193,7 +193,7 @@ Recorded<ConfigurationValue<int>>* newRecordedValue(Names& record, const std::st
                                                  Base::LoadAndSave, Base::AllProducts);
 }
 
-/// Lets the tests add items of their own making.
+/// Lets the tests add their own items.
 class OpenObject : public TestObject {
 public:
     using ConfigurationObject::addConfigurationObject;
@@ -353,7 +353,7 @@ TEST(ConfigurationObject, TakesLocksFromTheElements) {
     };
     loadLocked("<Test editable='false'><A editable='false'>11</A><Child>"
                "<Grandchild editable='false'><D>14</D></Grandchild></Child></Test>");
-    // An element that is locked as such is read all the same, the first time.
+    // A locked element is still read the first time.
     EXPECT_THAT(numbersOf(*tree), ElementsAre(11, 2, 3, 14, 5, 6, 7));
     for (auto* item : itemsOf(*tree)) {
         // The inline child has the element of the root, and so its lock.
@@ -506,7 +506,7 @@ Differences differencesOf(const ConfigurationObject& left, const ConfigurationOb
     return {left.atLeastOneValueIsDifferent(right), left.atLeastOneSavedValueIsDifferent(right)};
 }
 
-/// Compares two objects that are built by themselves, in both directions.
+/// Compares two objects that are built separately, in both directions.
 Differences differencesOf(const Build& buildLeft, const Build& buildRight) {
     TestObject left("Left");
     TestObject right("Right");
@@ -720,7 +720,7 @@ TEST(ConfigurationObject, SavesTheDescriptionOfAChildThatDiffers) {
               saveDifferent(object, reference.get()));
 }
 
-/// Writes what of an object differs from the system's document.
+/// Writes an object's differences from the system's document.
 std::string saveForUser(const ConfigurationObject& object, const std::string& systemElements) {
     SimpleConfigReader system = readerOf(systemElements);
     ConfigWriter writer("1.0");
@@ -887,8 +887,8 @@ TEST(ConfigurationObject, FindsALockAtAnyDepth) {
 
 // --- repair after a user's document -------------------------------------------------------------
 
-/// Loads the tree from the system's document, lets change the copy that is kept of it, then sets
-/// everything as a user would and repairs it.
+/// Changes a copy of the tree as the system's document would, sets everything in the tree as a user
+/// would, and repairs it.
 std::shared_ptr<TestObject> repaired(const std::function<void(TestObject&)>& changeSystem,
                                      const std::function<void(TestObject&)>& changeUser = {}) {
     const auto system = makeTree();
@@ -1154,7 +1154,7 @@ TEST(ConfigurationObject, PairsItemsByNameWhereTheirPositionsDiffer) {
     EXPECT_FALSE(object->child("Child").isEditable());
 }
 
-/// A value with a unit, which an assignment of its base would leave behind.
+/// A value with a unit, which an assignment of the base class would not copy.
 class Length : public ConfigurationValue<double> {
 public:
     explicit Length(const std::string& unit)
@@ -1168,7 +1168,7 @@ private:
     std::string m_unit;
 };
 
-/// Its constructor makes the values that it is built with; it may get others later.
+/// Its constructor makes the values that it starts with; it may get others later.
 class Assorted : public ConfigurationObject {
 public:
     using Build = std::function<std::vector<ConfigurationValueBase*>()>;

@@ -21,14 +21,14 @@ using Base = ConfigurationValueBase;
 using Strings = std::vector<std::string>;
 using Support::readerOf;
 
-/// What the tests need to know of each type.
+/// What the tests need to know about each type.
 template <typename T>
 struct Sample {
     Base::ValueType type;
     T defaultValue;
     T value;
     std::string text;                ///< `value` as contents of an element
-    std::string unreadable;          ///< contents that are no T
+    std::string unreadable;          ///< contents that are not a T
     std::optional<T> ofEmptyElement; ///< what an element without contents is, if anything
 };
 
@@ -294,7 +294,7 @@ TYPED_TEST(ConfigurationValueTest, TakesItsLockFromItsElement) {
 }
 
 TYPED_TEST(ConfigurationValueTest, IsLockedByAnElementThatItCannotRead) {
-    // A string whose element starts with something else is told of the lock before it gives up.
+    // A string whose element starts with something else takes the lock before it gives up.
     auto value = this->makeSet();
     this->load(value, this->element(this->of.unreadable, " editable='false'"));
     this->expectDefault(value);
@@ -403,7 +403,7 @@ TYPED_TEST(ConfigurationValueTest, ReadsBackWhatItWrote) {
     EXPECT_TRUE(read.comapreValue(&written));
 }
 
-/// A value that tells of itself what it is told to tell.
+/// A value that claims about itself what the test says.
 template <typename T>
 class Telling : public ConfigurationValue<T> {
 public:

@@ -201,7 +201,7 @@ TEST(DisableFeaturesConfiguration, WritesNothingByItself) {
     EXPECT_FALSE(object.canBeSavedToUserConfig(reader));
 }
 
-/// Leaves the process's manager and its registered instance as new.
+/// Leaves the process's manager and registered instance like new.
 class RegisteredFeaturesTest : public testing::Test {
 protected:
     RegisteredFeaturesTest() {
@@ -383,7 +383,7 @@ TEST_F(RegisteredFeaturesTest, AreWrittenToNoFile) {
               Support::readFile(directory.file("system.xml")));
 }
 
-/// @return whether the registered instance was loaded though another object had taken its name
+/// @return whether the registered instance was loaded even though another object had its name
 bool isLoadedAfterAnotherTookTheName() {
     const Support::TemporaryDirectory directory;
     auto& manager = ConfigurationManager::getInstance();

@@ -19,7 +19,7 @@ inline std::string nested(std::size_t depth, const std::string& innermost) {
 }
 
 /// Declares entities e0 to e6, each of which holds its predecessor ten times.
-/// @param kind      what stands before the names: "" or "% "
+/// @param kind      what comes before the names: "" or "% "
 /// @param reference start of a reference
 inline std::string nestedEntities(const std::string& kind, const std::string& reference,
                                   const std::string& innermost) {

@@ -6,7 +6,7 @@
 
 namespace Orvant::Support {
 
-/// Lets files grow no further than some bytes while it is in scope, as a full disk does.
+/// Limits files to some bytes while it is in scope, as a full disk does.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t bytes) : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN)) {

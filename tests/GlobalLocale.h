@@ -15,7 +15,7 @@ protected:
     std::string do_falsename() const override { return "falsch"; }
 };
 
-/// Makes it the punctuation of the global locale while it is in scope.
+/// Gives the global locale this punctuation while it is in scope.
 class GlobalLocale {
 public:
     GlobalLocale()

@@ -32,7 +32,7 @@ std::string nameOf(const testing::TestParamInfo<Case>& info) {
     return info.param.name;
 }
 
-/// @param body what stands in the root element
+/// @param body what is in the root element
 /// @param dtd  declarations of the document's internal DTD
 /// @return a document of version 1.0
 inline std::string configuration(const std::string& body, const std::string& dtd = "") {

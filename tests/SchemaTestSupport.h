@@ -115,7 +115,7 @@ std::optional<ConfigException::ExceptionType> failureOf(Action action) {
     return std::nullopt;
 }
 
-/// Gives a test a private member function: explicit instantiations may name one.
+/// Gives a test access to a private member function, which explicit instantiations may name.
 ///
 ///     struct Update { using type = void (XsdElement::*)(); friend type memberOf(Update); };
 ///     template struct PrivateMember<Update, &XsdElement::update>;
@@ -125,7 +125,7 @@ struct PrivateMember {
     friend typename Tag::type memberOf(Tag) { return Member; }
 };
 
-/// Runs an action in a process of its own, which can limit itself.
+/// Runs an action in its own process, which can limit itself.
 /// @return what the action returns
 inline int inOwnProcess(const std::function<int()>& action) {
     const pid_t child = fork();
@@ -143,7 +143,7 @@ void withLargestFile(std::size_t size, const Action& action) {
     action();
 }
 
-/// Runs an action in a process whose permissions count, which those of root do not.
+/// Runs an action in a process that permissions bind, unlike one of root.
 /// @return what the action returns
 inline int asOrdinaryUser(const std::function<int()>& action) {
     return inOwnProcess([&action] {
@@ -152,7 +152,7 @@ inline int asOrdinaryUser(const std::function<int()>& action) {
     });
 }
 
-/// A reader that has read a good schema from a file that then holds something else.
+/// A reader that has read a good schema from a file that is then overwritten.
 class EarlierSchema : public testing::Test {
 protected:
     EarlierSchema() {
@@ -168,7 +168,7 @@ protected:
         EXPECT_EQ(earlierTree, reader.getXsdTree());
         EXPECT_EQ(bytes, readFile(file));
     }
-    /// Expects that of either way of reading.
+    /// Expects that for both ways of reading.
     void expectFailure(const std::string& bytes, ConfigException::ExceptionType type) {
         for (const bool sanitise : {true, false})
             expectFailure(bytes, sanitise, type);

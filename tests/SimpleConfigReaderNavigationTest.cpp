@@ -373,8 +373,8 @@ TEST(TypedGetters, ReadTheSameInEveryLocale) {
 
 // Typed getters: what they leave on failure, and the editable flag.
 
-/// Calls every typed getter for an element. The outputs are what they were before the call where
-/// it did not write them.
+/// Calls every typed getter for an element. An output that a call does not write keeps its old
+/// value.
 struct AllGetters {
     static constexpr int getters = 8;
 

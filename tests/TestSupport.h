@@ -13,7 +13,7 @@
 
 namespace Orvant::Support {
 
-/// A new directory that goes with the scope.
+/// A new directory that is removed at the end of the scope.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();
@@ -39,14 +39,14 @@ void writeFile(const FileName& file, const std::string& bytes);
 /// @return the bytes of a file; fails the test when there is none
 std::string readFile(const FileName& file);
 
-/// @return the text without line ends and without the blanks around them, so that documents compare
-///         whatever their indentation
+/// @return the text without line ends and the blanks around them, to compare documents whatever
+///         their indentation
 std::string withoutFormatting(const std::string& text);
 
 /// @return a document of version 1.0 that holds the contents
 std::string document(const std::string& contents);
 
-/// Makes the process run as a product while it is in scope.
+/// Makes the process run as a given product while it is in scope.
 class RunningProduct {
 public:
     explicit RunningProduct(BuildInformation::ProductType product)
@@ -61,7 +61,7 @@ private:
     BuildInformation::ProductType m_former;
 };
 
-/// Gathers what goes to the error log of a name ("SimpleConfigReader", "ConfigWriter", ...) while
+/// Collects what goes to the error log of a name ("SimpleConfigReader", "ConfigWriter", ...) while
 /// it is in scope.
 class LogCapture {
 public:
@@ -78,7 +78,7 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// A configuration object whose values and children each test puts together.
+/// A configuration object whose values and children each test defines.
 class TestObject : public ConfigurationObject {
 public:
     explicit TestObject(const std::string& name = "Test", Persistence persistence = LoadAndSave,

@@ -145,7 +145,7 @@ TEST(XsdConfigReader, CopiesShareTheSchema) {
     copy.keepXSDElement({"Part"});
     EXPECT_THAT(reader.getRootelements(), ElementsAre(Pair("part", "Part")));
     EXPECT_THAT(assigned.getRootelements(), ElementsAre(Pair("part", "Part")));
-    // What one of them reads anew is its own.
+    // What one of them reads again is its own.
     assigned.readXSD(true);
     EXPECT_EQ(2u, assigned.getRootelements().size());
     EXPECT_EQ(1u, copy.getRootelements().size());
@@ -234,7 +234,7 @@ TEST(XsdConfigReader, LeavesTheCopyOfAFileThatItCannotReadAndTakesItNextTime) {
 TEST(XsdConfigReader, ReadsAFileInTheReadersNamespaceWithoutACopy) {
     const TemporaryDirectory directory;
     const FileName file = directory.file("model.xml", readerSchema("<complexType name=\"A\"/>"));
-    // A copy could not be made where a directory has its name.
+    // No copy can be made where a directory has its name.
     std::filesystem::create_directories(directory.path() / sanitisingFile / "full");
     XsdConfigReader reader(file);
     reader.readXSD(false);
@@ -307,7 +307,7 @@ TEST(XsdConfigReader, ReportsWhatKindOfFailureItWasAndWhere) {
 TEST(XsdConfigReader, ReportsASchemaTagThatDiffersFromBothSuiteHeaders) {
     const TemporaryDirectory directory;
     const Strings changed = {
-        // Another order, another quote, a blank more, another namespace, prefix and ending.
+        // Another order, another quote, one more blank, another namespace, prefix and ending.
         "<xs:schema xmlns:ov=\"http://www.orvant.com/OV_QLV100\" "
         "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" xmlns=\"http://www.orvant.com/OV_QLV100\" "
         "targetNamespace=\"http://www.orvant.com/OV_QLV100\" elementFormDefault=\"qualified\">",
@@ -331,10 +331,10 @@ TEST(XsdConfigReader, ReportsAMinOccursThatIsNoNumberAsAParsingFailure) {
     EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.readXSD(true); }));
 }
 
-// What is made of a file before it is parsed, and of a model when it is written.
+// How a file is rewritten before it is parsed, and a model when it is written.
 
-/// What is made of a file before it is parsed. It must not be a schema: a copy that can be parsed
-/// is taken away.
+/// A file as it is rewritten before it is parsed. It must not be a schema: a copy that can be
+/// parsed is removed.
 std::string sanitised(const std::string& bytes) {
     const TemporaryDirectory directory;
     XsdConfigReader reader(directory.file("schema.xsd", bytes));
@@ -342,7 +342,7 @@ std::string sanitised(const std::string& bytes) {
     return readFile(directory.file(sanitisingFile));
 }
 
-/// What is written of a schema in the reader's namespace that holds this.
+/// What is written for a schema in the reader's namespace that holds this.
 std::string written(const std::string& content, bool fixOutput = true) {
     const TemporaryDirectory directory;
     XsdConfigReader reader(directory.file("model.xml", readerSchema(content)));
@@ -353,7 +353,7 @@ std::string written(const std::string& content, bool fixOutput = true) {
 
 // One replacement.
 
-/// What a file of these bytes becomes; without any there is no file at first.
+/// What a file of these bytes becomes; without bytes, there is no file at first.
 std::string replacedIn(const std::optional<std::string>& bytes, const std::string& from,
                        const std::string& to) {
     const TemporaryDirectory directory;
@@ -606,7 +606,7 @@ std::string typeWithDocumentation(const std::string& text) {
 TEST(SchemaOutput, RestoresBothPrefixesOfADocumentation) {
     EXPECT_THAT(written(typeWithDocumentation("p1: p1:text")),
                 HasSubstr("<xs:documentation>p1: p1:text</xs:documentation>\n"));
-    // Of the lines between its tags the first occurrence in each is replaced, as in all others.
+    // On each line between its tags, the first occurrence is replaced, as on all others.
     EXPECT_THAT(written(typeWithDocumentation("p1: a\np1: p1: b\np1: c")),
                 HasSubstr("<xs:documentation>p1: a\nxs: p1: b\np1: c</xs:documentation>\n"));
 }

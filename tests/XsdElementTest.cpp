@@ -453,7 +453,7 @@ TEST(KeepElements, KeepsWhatTheInlineTypeOfARequiredChildOfARootElementNeeds) {
 }
 
 TEST(KeepElements, TakesARequiredChildWithoutATypeForAName) {
-    // So that the list is not empty, and all types go that it does not name.
+    // So the list is not empty, and all types that it does not name go.
     XsdElement tree =
         treeOf(required("root", "Root") + sequenceType("Root", "<element name=\"b\"/>") +
                complexType("B", "") + simpleType("C") + simpleType("D"));
@@ -462,7 +462,7 @@ TEST(KeepElements, TakesARequiredChildWithoutATypeForAName) {
 }
 
 TEST(KeepElements, TakesOptionalChildrenAlsoOfTypesWithoutAName) {
-    // Such a type stays only where just the first ones go.
+    // Such a type stays only when just the first ones go.
     XsdElement tree =
         treeOf(complexType("A", "") + "<complexType><sequence>" + optional("a", "A") +
                optional("b", "ov:A") + optional("c", "B") + "</sequence></complexType>");
@@ -566,7 +566,7 @@ TEST(KeepElements, TakesNothingFromASchemaWithoutTypes) {
     EXPECT_TRUE(tree.getXsdTree().empty());
 }
 
-// Names of types that kept the prefix of the suite's namespace.
+// Type names that kept the prefix of the suite's namespace.
 
 TEST(PrefixedTypeNames, StayInTheDescription) {
     XsdElement tree = treeOf(required("root", "ov:A") + sequenceType("A", required("b", "ov:B")) +
@@ -735,7 +735,7 @@ TEST(KeepChildElement, PrunesNoTypeThatAnythingStillReaches) {
     tree.keepChildElement("A", {"o"}, false, true);
     EXPECT_THAT(typeNames(tree), ElementsAre("A", "Base", "Base2", "C", "H", "J", "O", "R", "S",
                                              "S2", "T", "U", "V"));
-    // No child goes but those of the type that was edited.
+    // Only children of the edited type go.
     EXPECT_THAT(childNames(tree, "R"), ElementsAre("a", "s"));
     EXPECT_THAT(childNames(tree, "A"), ElementsAre("o"));
     EXPECT_THAT(childNames(tree, "C"), ElementsAre("g"));

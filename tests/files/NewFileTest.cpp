@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 class NewFileTest : public testing::Test {
 protected:
-    /// Expects that nothing is made under a name, whatever is tried.
+    /// Expects that nothing can be made under a name.
     static void expectNotMade(const FileName& name, std::errc reason) {
         NewFile made(name);
         EXPECT_FALSE(made.isMade());

@@ -13,8 +13,8 @@
 
 #include <sys/stat.h>
 
-// A pipe is never opened, whoever is given its name: who opens one waits until somebody comes to
-// its other end. A test that fails waits for ever, then.
+// A pipe is never opened, whatever gets its name: opening one blocks until somebody opens its other
+// end. So a test that fails hangs.
 
 namespace Orvant {
 namespace {
@@ -120,7 +120,7 @@ struct PipeUser : TestCase {
     void (*use)(const FileName& place); ///< makes the pipe, too
 };
 
-/// What is given a pipe; the manager is empty before and after.
+/// Whatever is given a pipe; the manager is empty before and after.
 class Pipe : public ManagerFixture, public testing::WithParamInterface<PipeUser> {};
 
 TEST_P(Pipe, IsNeverOpened) {

@@ -64,8 +64,8 @@ bool editableOf(const DOMElement& element) {
     return attribute(element, u"editable") != "false";
 }
 
-/// Puts what an element's text is into `text`.
-/// @return false when its first child is no text
+/// Puts an element's text into `text`.
+/// @return false when its first child is not a text
 bool readText(const DOMElement& element, bool required, std::string& text) {
     const DOMNode* const child = element.getFirstChild();
     if (child == nullptr)

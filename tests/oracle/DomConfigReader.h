@@ -6,8 +6,8 @@
 
 namespace Orvant::Support {
 
-/// A reader over a plain Xerces DOM that does what readers promise in the most literal way: what
-/// the library's own reader is compared with.
+/// A reader over a plain Xerces DOM that does what readers promise in the most literal way, to
+/// compare the library's own reader with.
 class DomConfigReader : public ConfigReader {
 public:
     /// @throws std::runtime_error when the parser reports an error

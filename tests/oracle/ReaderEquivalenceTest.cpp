@@ -1,5 +1,5 @@
-// The reader over the compact tree and a literal one over a Xerces DOM must be told apart by
-// nothing that a reader can be asked.
+// Nothing that a reader can be asked may tell the reader over the compact tree from a literal one
+// over a Xerces DOM.
 
 #include "DomConfigReader.h"
 
@@ -23,7 +23,7 @@ const auto& anyOf(const Container& container, Random& random) {
     return container[random() % container.size()];
 }
 
-/// The few names and keys that documents and questions are made of, so that they often meet.
+/// Documents and questions use few names and keys, so that they often match.
 const std::vector<std::string> names = {"A", "B", "Value", "item", "Configuration", "Größe", "nil"};
 const std::vector<std::string> keys = {"", "1", "k", "ä", "none"};
 
@@ -45,8 +45,8 @@ private:
     int m_depth;
 };
 
-/// Asks a reader everything that needs no name but its own and writes the answers down. The values
-/// start at something that no document holds, so that it shows what is overwritten.
+/// Asks a reader everything that needs only a name and writes the answers down. The values start at
+/// something that no document holds, to show what is overwritten.
 void ask(ConfigReader& reader, const std::string& name, std::ostream& record) {
     bool boolValue = false;
     int intValue = -7;
@@ -67,7 +67,7 @@ void ask(ConfigReader& reader, const std::string& name, std::ostream& record) {
     };
     write(reader.getBool(name, boolValue, editable), boolValue);
     write(reader.getInt(name, intValue, editable), intValue);
-    // What a failed read leaves in these two is nobody's business.
+    // What a failed read leaves in these two does not matter.
     const auto unsignedResult = reader.getUnsignedInt(name, unsignedValue, editable);
     write(unsignedResult,
           unsignedResult == ConfigurationAccessResult::Success ? unsignedValue : 0U);
@@ -285,8 +285,8 @@ TEST(ReaderEquivalence, HoldsForElementsWithManyChildren) {
     }
 }
 
-/// Adds random content to a document: elements of few names, texts of all kinds, whatever else may
-/// stand between them.
+/// Adds random content to a document: elements of few names, texts of all kinds, and whatever else
+/// may be between them.
 void addContent(std::string& document, int depth, Random& random) {
     static const std::vector<std::string> pieces = {
         "true",       "false",      " true",         "12",      "-1",

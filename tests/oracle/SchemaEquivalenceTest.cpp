@@ -83,7 +83,7 @@ std::string describe(const SchemaFilter& filter) {
     return description + "})\n";
 }
 
-/// Reader and oracle of one file, which are asked the same.
+/// Reader and oracle of one file, which get the same questions.
 class Comparison {
 public:
     /// @param trace what to tell when they differ
@@ -162,8 +162,8 @@ private:
     SchemaOracle::Names m_declared;
 };
 
-/// Puts temporary files into memory where there is a place for them: each rewriting of a file ends
-/// in a rename, for which disks take their time.
+/// Puts temporary files into memory if there is a place for them: each rewriting of a file ends in
+/// a rename, which is slow on disks.
 class FilesInMemory : public ::testing::Environment {
 public:
     void SetUp() override {

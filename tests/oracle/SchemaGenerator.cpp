@@ -8,7 +8,7 @@ namespace Orvant::Support {
 
 namespace {
 
-/// Few names, so that they often meet.
+/// Few names, so that they often match.
 const Strings commonTypes = {"A", "B", "C", "D", "E", "Größe", "Type-1", "S1", "S2", "int"};
 const Strings commonNames = {"a", "b", "c", "ä", "other", ""};
 const Strings builtIns = {"xs:string", "xs:int", "xs:double", "xs:boolean"};
@@ -26,7 +26,7 @@ const Strings texts = {"text",
                        "of\nthree\nlines",
                        "first type=\"string\"\n  p1:second p1: of type xs:int\nthird"};
 
-/// What the service keeps nothing of; each stands on lines of its own.
+/// What the service drops; each is on lines of its own.
 const Strings unknown = {
     "<!-- a comment with xs: and ov: -->",
     "<xs:import/>",
@@ -79,7 +79,7 @@ const Strings wild = {
     "</xs:sequence>",
     "&unknown;"};
 
-/// Lines on which a prefix or a comment stands beside an end tag.
+/// Lines with a prefix or a comment beside an end tag.
 const Strings besideTags = {
     "<xs:annotation>\n<xs:documentation>many\nof xs:int</xs:documentation>\n</xs:annotation>",
     "<xs:annotation>\n<xs:documentation>many\nof p1:int</xs:documentation>\n</xs:annotation>",
@@ -224,7 +224,7 @@ void SchemaGenerator::element(int depth) {
 
 void SchemaGenerator::elements(const std::string& compositor, int depth) {
     open(compositor);
-    // A choice without members is one that no content matches.
+    // No content matches a choice without members.
     for (auto count = m_random() % 4 + (compositor == "choice" && m_kind == Valid ? 1 : 0);
          count > 0; --count)
         element(depth);

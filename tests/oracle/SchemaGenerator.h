@@ -21,7 +21,7 @@ class SchemaGenerator {
 public:
     enum Kind {
         Odd,  ///< whatever lines a file may hold, most of it no valid schema
-        Valid ///< valid schemas whose order is that in which the reader writes
+        Valid ///< valid schemas in the order in which the reader writes
     };
 
     SchemaGenerator(std::uint32_t seed, Kind kind);
@@ -49,7 +49,7 @@ private:
     void open(const std::string& name, const Attributes& attributes = {});
     void close(const std::string& name);
     void leaf(const std::string& name, const Attributes& attributes);
-    /// @param spread whether each attribute stands on a line of its own
+    /// @param spread whether each attribute is on a line of its own
     std::string tag(const std::string& name, const Attributes& attributes, bool spread);
 
     void odd();
@@ -74,7 +74,7 @@ private:
     std::vector<std::string> m_complexTypes;
     std::vector<std::string> m_simpleTypes;
     std::vector<std::string> m_plainSimpleTypes; ///< those that may be restricted to any text
-    std::size_t m_current = 0;                   ///< index of the complex type that is made
+    std::size_t m_current = 0;                   ///< index of the complex type being made
     std::vector<std::string> m_childNames;
     std::vector<std::string> m_attributeNames;
 };

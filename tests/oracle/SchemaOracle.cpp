@@ -39,7 +39,7 @@ std::string replacedOnce(std::string line, const std::string& from, const std::s
     return line;
 }
 
-/// @return where the tag that starts here is closed; npos when not in this line
+/// @return where the tag that starts here is closed; npos when not on this line
 std::size_t endOfTag(const std::string& line, std::size_t at) {
     for (char quote = '\0'; at < line.size(); ++at) {
         const char c = line[at];
@@ -53,7 +53,7 @@ std::size_t endOfTag(const std::string& line, std::size_t at) {
     return std::string::npos;
 }
 
-/// @return where the next tag opens; npos when there is none in this line. Comments, processing
+/// @return where the next tag opens; npos when there is none on this line. Comments, processing
 ///         instructions and CDATA sections hold no tags.
 std::size_t nextTag(const std::string& line, std::size_t at) {
     for (at = line.find('<', at); at != std::string::npos; at = line.find('<', at)) {
@@ -80,9 +80,9 @@ std::vector<std::size_t> tagsOf(const std::string& line) {
     return tags;
 }
 
-/// @return the line with the first prefix replaced, and with both tags of an element that holds
-///         nothing but text as alike as before: the end tag changes with the start tag, and, where
-///         it is the line's one tag, in place of the text before it
+/// @return the line with the first prefix replaced, and with both tags of a text-only element as
+///         alike as before: the end tag changes with the start tag or, when it is the line's only
+///         tag, instead of the text before it
 std::string withOtherPrefix(const std::string& line, const std::string& from,
                             const std::string& to) {
     const auto tags = tagsOf(line);
@@ -148,7 +148,7 @@ std::string lineForOutput(std::string line) {
 
 // --- documents
 
-/// Xerces-C++ from the first document to the program's end: to start it for each takes longer than
+/// Xerces-C++ from the first document to the program's end: starting it for each takes longer than
 /// all the rest.
 struct Xerces {
     Xerces() { xercesc::XMLPlatformUtils::Initialize(); }
@@ -200,7 +200,7 @@ void forEachElement(const DOMElement& parent, Action action) {
         action(*child);
 }
 
-/// @return the text that stands in an element itself
+/// @return the text that is directly in an element
 std::string ownText(const DOMNode& element) {
     std::string result;
     for (const DOMNode* child = element.getFirstChild(); child != nullptr;
@@ -422,8 +422,8 @@ Value declaredType(const Value& text, const Names& declared) {
 
 enum class Children { Remaining, All };
 
-/// Adds the declared types that something names to `found`. Of optional children those that remain
-/// when just `found` is declared count, or all.
+/// Adds the declared types that something names to `found`. Of optional children, either all count
+/// or those that remain when only `found` is declared.
 void addNamedTypes(const SchemaNode& node, Children which, const Names& declared, Names& found) {
     for (const SchemaNode& child : node.children) {
         const bool derives = child.name == "extension" || child.name == "restriction";

@@ -39,12 +39,12 @@ public:
     Names declared() const;
     /// @return those of these types that children, attributes, bases and root elements name
     Names namedOf(const Names& types) const;
-    /// @return whether some filter took the first types out, whatever needs them
+    /// @return whether some filter removed the first types, whatever needs them
     bool tookFirstTypes() const { return m_tookFirstTypes; }
 
 private:
     void removeTypesBut(const Names& kept);
-    /// Removes optional children and root elements of the types that are declared no more.
+    /// Removes optional children and root elements of types that are no longer declared.
     void removeUses(const Names& declaredBefore);
 
     SchemaNode m_schema;

@@ -27,7 +27,7 @@ using testing::Not;
 
 namespace fs = std::filesystem;
 
-/// A reader that has read a schema in a directory with a subdirectory, where links lead.
+/// A reader that has read a schema in a directory with a subdirectory that links lead to.
 class SchemaFiles : public testing::Test {
 protected:
     SchemaFiles() {
@@ -143,7 +143,7 @@ TEST_P(ScratchFile, IsNeverALinkToTheSchemaItself) {
 TEST_P(ScratchFile, IsNotALinkThatCannotBeTakenAway) {
     const FileName pointedTo = directory.file("elsewhere/file", "stays");
     fs::create_symlink("elsewhere/file", at(GetParam()));
-    // Only its owner may take a link out of such a directory.
+    // Only its owner may remove a link from such a directory.
     ASSERT_EQ(0, chmod(directory.path().c_str(), 01777));
     ASSERT_EQ(0, chmod(at("elsewhere/file").c_str(), 0666));
     EXPECT_EQ(0, asOrdinaryUser([&] {
@@ -168,7 +168,7 @@ TEST_F(SchemaFiles, AreReadThroughLinks) {
     EXPECT_TRUE(fs::is_symlink(at("link.xsd")));
 }
 
-/// Plants links to a file under some names, again and again, as long as it is in scope.
+/// Plants links to a file under some names, again and again, while it is in scope.
 class Planter {
 public:
     Planter(const fs::path& target, std::vector<fs::path> names)
@@ -235,7 +235,7 @@ TEST_F(SchemaFiles, AreWrittenWholeOrNotAtAll) {
         reader.writeXSD(target, fixOutput);
         const std::string whole = readFile(target);
         EXPECT_EQ(0, inOwnProcess([&] {
-                      // What is written to tell of a failure would be a failure, too.
+                      // Writing about a failure would fail, too.
                       bool isRight = true;
                       for (std::size_t size = 0; size <= whole.size(); ++size) {
                           std::optional<ConfigException::ExceptionType> failure;

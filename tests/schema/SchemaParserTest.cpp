@@ -86,7 +86,7 @@ TEST_F(SchemaConfinement, SkipsCommentsAndInstructionsWhereverTheyStand) {
 
 struct Bound : Support::TestCase {
     std::size_t most;
-    std::function<std::string(std::size_t)> schema; ///< with a number of what is bound
+    std::function<std::string(std::size_t)> schema; ///< with that number of what is bounded
 };
 
 class SchemaBound : public EarlierSchema, public testing::WithParamInterface<Bound> {};
@@ -116,7 +116,7 @@ std::string attributes(std::size_t count) {
 
 constexpr std::size_t mostExpanded = 10'000'000;
 
-/// A schema that comes to so many characters, nearly all of them in references of one entity.
+/// A schema that expands to so many characters, nearly all of them from references to one entity.
 std::string expandedTo(std::size_t size) {
     // The tags and what belongs to them.
     const std::size_t own =
@@ -189,7 +189,7 @@ TEST_F(SchemaConfinement, RefusesWhateverReferencesMakeTooLarge) {
     }
 }
 
-/// A schema with references of one parameter entity of that length, and thousands of others.
+/// A schema with references to one parameter entity of that length, and to thousands of others.
 std::string withParameterEntities(std::size_t references, std::size_t length) {
     return schemaWithDtd("<!ENTITY e 'x'><!ENTITY % c '<!--" + std::string(length - 7, 'x') +
                              "-->'>" + repeated("%c;", references),
@@ -265,7 +265,7 @@ TEST_F(SchemaConfinement, RefusesQuicklyWhatNamespacesWouldMakeSlow) {
         declarations += " xmlns:a" + std::to_string(i) + "='u" + std::to_string(i) + "'";
         uses += " a" + std::to_string(i) + ":x=''";
     }
-    // With the prefixes resolved it takes minutes, which the time limit of tests ends.
+    // If the prefixes are resolved, it takes minutes and the tests' time limit ends it.
     expectFailure(readerSchema("<u" + declarations + uses + "/>"), false,
                   ConfigException::SourceNotFound);
 }
@@ -274,7 +274,7 @@ TEST_F(SchemaConfinement, RefusesAPrefixThatIsNotDeclared) {
     expectFailure(readerSchema("<u:v/>"), ConfigException::SourceNotFound);
 }
 
-// What is no schema, or a hard one.
+// What is not a schema, or a difficult one.
 
 TEST_F(SchemaBadInput, NotWellFormed) {
     for (const std::string bytes :
@@ -398,7 +398,7 @@ TEST_F(SchemaBadInput, TenMegabytesOnOneLine) {
         types += "<xs:complexType name=\"T" + std::to_string(i) + "\"/>";
     const std::string bytes = suiteHeader + types + "</xs:schema>";
     writeFile(file, bytes);
-    // One replacement a line: the end tag keeps its prefix.
+    // One replacement per line: the end tag keeps its prefix.
     EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.readXSD(true); }));
     EXPECT_EQ(bytes, readFile(file));
 

@@ -5,7 +5,7 @@
 
 namespace Orvant::Support {
 
-/// Names that users give to files and that a URL, a shell or a narrow encoding would spoil.
+/// Names that users give to files but that a URL, a shell or a narrow encoding would spoil.
 inline const std::vector<std::string>& awkwardFileNames() {
     static const std::vector<std::string> names = {
         "two words.xml",
@@ -26,7 +26,7 @@ inline const std::vector<std::string>& awkwardFileNames() {
     return names;
 }
 
-/// A name that can be held but never be used: no file system has files with a NUL in their names.
+/// A name that can be stored but never used: no file system has files with a NUL in their names.
 inline std::string nameWithNul() {
     return std::string("before\0after.xml", 16);
 }

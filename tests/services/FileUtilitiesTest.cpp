@@ -15,7 +15,7 @@ using Support::readFile;
 
 class FileUtilitiesTest : public testing::Test {
 protected:
-    /// A file in a directory that is not there.
+    /// A file in a directory that does not exist.
     FileName unreachable() const { return directory.file("missing directory/file"); }
 
     Support::TemporaryDirectory directory;
@@ -111,7 +111,7 @@ TEST_F(FileUtilitiesTest, WorksWithEveryName) {
     for (const std::string& name : Support::awkwardFileNames()) {
         SCOPED_TRACE(name);
         const FileName file = directory.file(name, bytes);
-        // The file system itself has the name letter by letter, not some escaped form of it.
+        // The file system has the name letter by letter, not in some escaped form.
         EXPECT_TRUE(std::filesystem::exists(directory.path() / name));
         EXPECT_TRUE(FileUtilities::exists(file));
 

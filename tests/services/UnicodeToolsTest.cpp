@@ -10,7 +10,7 @@
 namespace Orvant {
 namespace {
 
-/// One text in the encodings of all character types that the suite meets.
+/// One text in the encodings of all character types that the suite uses.
 struct Text {
     std::string utf8;
     std::u16string utf16;
@@ -32,7 +32,7 @@ const Text texts[] = {
     ORVANT_TEXT("Größe"),
     ORVANT_TEXT("\u0080 \u07FF"),         // ends of what takes two bytes in UTF-8
     ORVANT_TEXT("\u0800 \uD7FF"),         // up to the surrogates
-    ORVANT_TEXT("\uE000 \uFFFD \uFFFF"),  // and from behind them
+    ORVANT_TEXT("\uE000 \uFFFD \uFFFF"),  // and after them
     ORVANT_TEXT("設定 настройки €"),      //
     ORVANT_TEXT("😀"),                    // a surrogate pair in UTF-16
     ORVANT_TEXT("a\U00010000\U0010FFFFb") // first and last surrogate pair
@@ -103,13 +103,13 @@ TEST(Transcode, ReplacesEachIllFormedByteOfUtf8) {
         {"\xC3", U"\uFFFD"},                     // cut off
         {"\xE2\x82", U"\uFFFD\uFFFD"},           //
         {"\xF0\x9F\x98", U"\uFFFD\uFFFD\uFFFD"}, //
-        {"\xC3(", U"\uFFFD("},                   // broken off by something good
+        {"\xC3(", U"\uFFFD("},                   // cut off by something valid
         {"\xE2\x82"
          "A",
          U"\uFFFD\uFFFDA"},                                //
         {"\xE2\xC3\xA4", U"\uFFFDä"},                      //
         {"\xF0\x9F\xF0\x9F\x98\x80", U"\uFFFD\uFFFD😀"},   //
-        {"\xC0\xAF", U"\uFFFD\uFFFD"},                     // longer than need be
+        {"\xC0\xAF", U"\uFFFD\uFFFD"},                     // longer than necessary
         {"\xE0\x80\xAF", U"\uFFFD\uFFFD\uFFFD"},           //
         {"\xF0\x80\x80\xAF", U"\uFFFD\uFFFD\uFFFD\uFFFD"}, //
         {"\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},           // a surrogate

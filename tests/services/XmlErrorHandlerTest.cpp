@@ -15,7 +15,7 @@ namespace {
 
 class XmlErrorHandlerTest : public testing::Test {
 protected:
-    /// Xerces in use; before everything that needs it.
+    /// Keeps Xerces in use; declared before everything that needs it.
     struct Session {
         Session() {
             const boost::unique_lock<boost::mutex> lock(XercesInitializationMutex::getMutex());

@@ -11,7 +11,7 @@
 #include <vector>
 
 // The writer finds the children of an element that has many of them through an index. What it
-// writes must be what walking over them would give.
+// writes must be the same as if it walked over them.
 
 namespace Orvant {
 namespace {
@@ -83,7 +83,8 @@ private:
     std::vector<Child> m_children;
 };
 
-/// Chooses names and keys so few that they meet, among children so many that they are indexed.
+/// Chooses from so few names and keys that they match, among so many children that they are
+/// indexed.
 class Chooser {
 public:
     explicit Chooser(unsigned int seed) : m_random(seed) {}

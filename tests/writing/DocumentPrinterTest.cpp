@@ -98,7 +98,7 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForADocumentNestedDeeper) {
     std::string siblings;
     for (int i = 0; i < 20'000; ++i)
         siblings += "<b/>";
-    // Not that deep, but most of it so deep that the indentation would be gigabytes.
+    // Not that deep, but so much of it deep that the indentation would take gigabytes.
     std::string deepAndWide = document(nested(3000, "t"));
     deepAndWide.insert(deepAndWide.find('t', deepAndWide.find("<n>")), siblings);
     ConfigWriter loadedWide(FileName(), deepAndWide);
@@ -139,7 +139,7 @@ TEST(ConfigWriterOutput, LeavesTheFileAloneForMoreCommentsInARow) {
     for (const std::string& content :
          {comments(10'001), "<a/>" + comments(10'001) + "<b/>", "<a>" + comments(50'000) + "</a>",
           comments(5'000) + "text<?pi?>" + comments(5'001) + "<a/>",
-          // As many steps for the printer, in other ways.
+          // As many steps for the printer, made in other ways.
           comments(8'000) + "<a/>" + comments(8'000), comments(2'000) + instructions(50'000),
           "<a>" + comments(8'000) + "</a><a>" + comments(8'000) + "</a>"}) {
         ConfigWriter writer(FileName(), document(content));

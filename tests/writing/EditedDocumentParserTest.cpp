@@ -98,7 +98,7 @@ bool hasOwnLine(const DOMNode& node) {
            node.getNodeType() == DOMNode::PROCESSING_INSTRUCTION_NODE;
 }
 
-/// Cuts, from a text beside lines, the line break and indentation at its end.
+/// Cuts the line break and indentation at the end of a text beside lines.
 void cutFormatting(xercesc::DOMText& text) {
     const std::u16string content = text.getData();
     const auto lastOther = content.find_last_not_of(u" \t\r\n");
@@ -122,7 +122,7 @@ void cutFormatting(DOMNode& root) {
     }
 }
 
-/// What a parser leaves of a document.
+/// A document as a parser leaves it.
 /// @param finish does the rest to the root
 template <typename Parser, typename Finish>
 std::string parsed(const std::string& bytes, Finish finish) {

@@ -173,7 +173,7 @@ TEST(InternalDtd, DeclaresDefaultAttributes) {
 
 // How many references a document may hold.
 
-/// @return what the reader and the writer say to a document, nothing where they open it
+/// @return what the reader and the writer say about a document, nothing if they open it
 std::vector<std::optional<int>> refusalTypes(const std::string& document) {
     std::vector<std::optional<int>> types;
     const auto open = [&](auto call) {
@@ -302,7 +302,7 @@ TEST(DocumentConfinement, RefusesToFillTheMemoryWithAnAttribute) {
     EXPECT_THAT(refusalTypes(withLongAttribute(520'000)), isRefused);
 }
 
-// What is opened by both or by neither: else an application could read what it can never save.
+// What both open or neither opens: else an application could read what it can never save.
 
 void expectAgreement(const std::string& document) {
     const auto types = refusalTypes(document);

@@ -1,5 +1,5 @@
-// What documents that were made to fill the memory take of it, when they are read, edited and
-// printed. The program counts what is allocated, Xerces-C++ included.
+// How much memory documents made to fill it take when they are read, edited and printed. The
+// program counts all allocations, those of Xerces-C++ included.
 
 #include <ConfigurationFramework/ConfigWriter.h>
 
@@ -54,7 +54,7 @@ using Support::repeated;
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20U;
 
-/// @param text makes a piece of its number
+/// @param text makes a piece from its number
 std::string numbered(std::size_t count,
                      const std::function<std::string(const std::string&)>& text) {
     std::string result;
@@ -72,7 +72,7 @@ struct HostileDocument : Support::TestCase {
 
 class DocumentMemory : public testing::TestWithParam<HostileDocument> {
 protected:
-    /// @return most bytes that a call takes beside what is there
+    /// @return most bytes that a call takes in addition to what is there
     template <typename Call>
     static std::size_t peakOf(Call call) {
         const std::size_t before = s_bytes;
@@ -96,7 +96,7 @@ TEST_P(DocumentMemory, IsBoundedByTheSizeOfTheDocument) {
               most);
 }
 
-/// Elements whose tags Xerces files under one hash.
+/// Elements whose tags have the same hash in Xerces.
 std::string tagsOfOneHash(std::size_t count) {
     static const std::string s_pairs[] = {"az", "bT", "c."}; // 'a' * 38 + 'z', and so on
     std::string elements;

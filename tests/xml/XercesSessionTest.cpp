@@ -15,13 +15,13 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
-// This program stands between the library and Xerces-C++: the dynamic linker takes its Initialize()
-// and Terminate() before those of Xerces, to which they pass the calls on.
+// This program is between the library and Xerces-C++: the dynamic linker takes its Initialize() and
+// Terminate() before those of Xerces, which they call.
 
 namespace {
 
 struct XercesCalls {
-    int initialize = 0; ///< those that failed not counted
+    int initialize = 0; ///< without failed calls
     int terminate = 0;
     int unlocked = 0;  ///< calls of either without the suite-wide mutex
     bool fail = false; ///< whether Initialize() throws
@@ -32,7 +32,7 @@ struct XercesCalls {
 
 XercesCalls s_calls;
 
-/// Asks on another thread: a thread must not try to lock what it holds.
+/// Asks on another thread: a thread must not try to lock what it has locked.
 bool isMutexFree() {
     return std::async(std::launch::async,
                       [] {
@@ -95,7 +95,7 @@ const std::string answer = configuration("<Answer>42</Answer>");
 
 class XercesInitialization : public testing::Test {
 protected:
-    /// Counts from 0, but for the first use of the library in the process, which is made here.
+    /// Counts from 0, after the first use of the library in the process, which is made here.
     XercesInitialization() {
         callsOfFirstUse();
         s_calls = {};

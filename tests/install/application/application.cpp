@@ -1,4 +1,4 @@
-// Uses what each public header is for, so that it links only where all of it is there.
+// Uses what each public header is for, so that it links only when all of it is there.
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>

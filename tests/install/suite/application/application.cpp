@@ -1,4 +1,4 @@
-// What the libraries log arrives in the suite's own log.
+// What the libraries log goes to the suite's own log.
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
