@@ -437,7 +437,7 @@ void addNamedTypes(const SchemaNode& node, Children which, const Names& declared
     }
 }
 
-/// @return the declared ones of these types, and all that they and what stands in `holders` need
+/// @return the declared ones of these types, and all that they and what is in `holders` need
 Names closure(const SchemaNode& schema, const Names& types, const Nodes& holders, Children which,
               const Names& declared) {
     Names kept;
