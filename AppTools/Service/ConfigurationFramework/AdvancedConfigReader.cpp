@@ -59,7 +59,7 @@ AdvancedConfigReader::addSource(const FileName& file, const std::string& content
 }
 
 /// Calls an operation on every source in ascending priority.
-/// @return Success when it succeeded on one
+/// @return Success when it succeeded on at least one
 template <typename Operation>
 ConfigurationAccessResult AdvancedConfigReader::askAll(Operation operation) {
     auto result = ConfigurationAccessResult::Failure;
@@ -89,7 +89,7 @@ ConfigurationAccessResult AdvancedConfigReader::loadLayered(ConfigurationObject&
 void AdvancedConfigReader::integerateUserWithSystemConfig(
     Priority priority, ConfigurationObject& object,
     std::unique_ptr<ConfigurationObject>& systemCopy) {
-    // The copy is what a user's document is held against.
+    // The user's document is compared with this copy.
     if (priority == Priority::System && m_sources.contains(Priority::User))
         systemCopy.reset(object.clone());
     else if (priority == Priority::User && systemCopy != nullptr)

@@ -20,12 +20,12 @@ class SimpleConfigReader;
 /// reader.getClassContents("ViewSettings", viewSettings);
 /// @endcode
 ///
-/// Values are read from every source in ascending priority, so that the one of highest priority
-/// that holds the element decides. An object is loaded from the system document and then from the
-/// user's; what the system document locks the user's cannot change.
+/// Values are read from every source in ascending priority, so the highest-priority source that
+/// holds the element decides. An object is loaded from the system document and then from the
+/// user's, which cannot change what the system document locks.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT AdvancedConfigReader : public ConfigReader {
 public:
-    /// Rank of a source. There is at most one source of each.
+    /// Rank of a source. There is at most one source of each rank.
     enum Priority : std::int32_t {
         Default = 0, ///< consulted first
         System = 1,  ///< the administrator's document
@@ -35,19 +35,19 @@ public:
     AdvancedConfigReader();
     ~AdvancedConfigReader() override;
 
-    /// Adds a file as a source, in place of the one that has the priority.
+    /// Adds a file as a source, replacing the one that has the same priority.
     /// @param file          file to read
-    /// @param nodePath      names of the elements to go down from the root to the source's first
-    ///                      current node; empty: the root
+    /// @param nodePath      names of the elements that lead down from the root to the source's
+    ///                      first current node; empty: the root
     /// @param priority      rank of the source
     /// @param validVersions versions of the document that are accepted
     /// @return Failure when there is no such file or path or the document is refused; the sources
-    ///         are then as they were
+    ///         are then unchanged
     ConfigurationAccessResult addFileSource(const FileName& file,
                                             const std::list<std::string>& nodePath,
                                             Priority priority,
                                             const std::list<std::string>& validVersions);
-    /// Adds a document in memory as a source. Otherwise as addFileSource().
+    /// Adds a document in memory as a source. Otherwise like addFileSource().
     ConfigurationAccessResult addStringSource(const std::string& content,
                                               const std::list<std::string>& nodePath,
                                               Priority priority,
@@ -58,7 +58,7 @@ public:
                                                       ConfigurationObject& object) override;
     ConfigurationAccessResult findAndGetClassContents(const std::string& name,
                                                       ConfigurationObject& object) override;
-    /// Loads an object from the current node of the source of highest priority alone.
+    /// Loads an object from the current node of the highest-priority source only.
     ConfigurationAccessResult getClassContents(ConfigurationObject& object) override;
     /// @copydoc ConfigReader::getClassContents(const std::string&, const std::vector<std::string>&,
     /// std::vector<ConfigurationObject*>&) Each object is loaded as by getClassContents() with its
@@ -84,7 +84,7 @@ public:
     ConfigurationAccessResult getString(const std::string& name, std::string& value,
                                         bool& editable) override;
     /// @copydoc ConfigReader::getStringVector
-    /// Every source clears the outputs: a list that the source of highest priority lacks reads as
+    /// Every source clears the outputs: a list that the highest-priority source lacks reads as
     /// empty.
     ConfigurationAccessResult getStringVector(const std::string& name,
                                               std::vector<std::string>& values, bool& editable,
@@ -96,7 +96,7 @@ public:
     /// Adds the keys of all sources.
     ConfigurationAccessResult getKeys(const std::string& name,
                                       std::set<std::string>& keys) override;
-    /// Calls back for the keys of every source: a key that two of them hold is told twice.
+    /// Calls back for the keys of every source: a key that two of them hold is reported twice.
     ConfigurationAccessResult
     createConfigurationObjects(const std::string& name,
                                std::function<void(std::string)> callback) override;

@@ -20,12 +20,12 @@ namespace Orvant {
 /// }
 /// @endcode
 ///
-/// What else can go wrong while configurations are read and written is told by result values.
+/// Other failures in reading and writing configurations are reported by result values.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigException : public OvException {
 public:
     /// The kind of failure.
     enum ExceptionType : std::uint32_t {
-        InvalidDocument = 0, ///< no configuration can be made of the document
+        InvalidDocument = 0, ///< the document cannot be used as a configuration
         SourceNotFound = 1,  ///< there is nothing to read; also: a schema is not well-formed,
                              ///< or cannot be written
         UnknownError = 2,    ///< an unexpected exception escaped while a schema was read

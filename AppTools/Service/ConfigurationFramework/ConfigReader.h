@@ -24,9 +24,9 @@ class ConfigurationObject;
 ///
 /// A reader has a current node, at first the root of its document. A "name" is the tag of a direct
 /// child element of that node. An element with the attribute editable="false" is locked; the
-/// `editable` outputs tell so. All operations return Success, or Failure when there is no such
-/// element or its text does not convert. Outputs are written on Success; on Failure they keep what
-/// they had, but for what is said at getUnsignedInt(), getFloat() and getStringVector().
+/// `editable` outputs say so. All operations return Success, or Failure when there is no such
+/// element or its text does not convert. Outputs are written on Success; on Failure they stay
+/// unchanged, except as described at getUnsignedInt(), getFloat() and getStringVector().
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigReader {
 public:
     ConfigReader() = default;
@@ -51,8 +51,8 @@ public:
     virtual ConfigurationAccessResult
     getClassContents(const std::string& name, const std::vector<std::string>& keys,
                      std::vector<ConfigurationObject*>& objects) = 0;
-    /// Loads an object from the child of that name and key; where no child has the key, from the
-    /// last one without a key, the default entry.
+    /// Loads an object from the child of that name and key; if no child has the key, from the last
+    /// one without a key, the default entry.
     virtual ConfigurationAccessResult getClassContents(const std::string& name,
                                                        const std::string& key,
                                                        ConfigurationObject& object) = 0;
@@ -60,37 +60,37 @@ public:
     virtual ConfigurationAccessResult getClassContents(const std::string& name,
                                                        ConfigurationObject& object) = 0;
 
-    /// Reads "true" or "false", exactly so written.
+    /// Reads "true" or "false", spelled exactly so.
     virtual ConfigurationAccessResult getBool(const std::string& name, bool& value,
                                               bool& editable) = 0;
-    /// Reads a decimal number, blanks before it and anything behind it ignored.
+    /// Reads a decimal number. Blanks before it and anything after it are ignored.
     virtual ConfigurationAccessResult getInt(const std::string& name, int& value,
                                              bool& editable) = 0;
-    /// Reads as getInt() does and takes the bits as unsigned: -1 is 4294967295.
-    /// On Failure `value` is overwritten all the same, with an unspecified number. What readers
-    /// have in common is defined here for their overrides to call; the same with getFloat().
+    /// Reads like getInt() and takes the bits as unsigned: -1 is 4294967295. On Failure `value` is
+    /// overwritten all the same, with an unspecified number. What readers have in common is defined
+    /// here for overrides to call; likewise for getFloat().
     virtual ConfigurationAccessResult getUnsignedInt(const std::string& name, unsigned int& value,
                                                      bool& editable) = 0;
-    /// Reads a number in decimal or exponent notation, blanks before it and anything behind it
+    /// Reads a number in decimal or exponent notation. Blanks before it and anything after it are
     /// ignored.
     virtual ConfigurationAccessResult getDouble(const std::string& name, double& value,
                                                 bool& editable) = 0;
-    /// Reads as getDouble() does; `precision` has no effect on reading.
+    /// Reads like getDouble(); `precision` has no effect on reading.
     virtual ConfigurationAccessResult getDoubleScientific(const std::string& name,
                                                           const int& precision, double& value,
                                                           bool& editable) = 0;
-    /// Reads as getDouble() does and narrows.
-    /// On Failure `value` is overwritten all the same, with an unspecified number.
+    /// Reads like getDouble() and narrows. On Failure `value` is overwritten all the same, with an
+    /// unspecified number.
     virtual ConfigurationAccessResult getFloat(const std::string& name, float& value,
                                                bool& editable) = 0;
-    /// Reads a text as it stands; an element without content is the empty text.
+    /// Reads a text as it stands; an element without content reads as the empty text.
     virtual ConfigurationAccessResult getString(const std::string& name, std::string& value,
                                                 bool& editable) = 0;
     /// Reads the texts of the "item" elements. The outputs are cleared first, on Failure too.
     /// @param name         tag of the list's element
     /// @param values       the texts in document order
     /// @param editable     false when the list is locked
-    /// @param itemEditable for each text whether its (last) item is editable
+    /// @param itemEditable for each text, whether its (last) item is editable
     /// @return Failure when there is no such element, or one of the items holds markup
     virtual ConfigurationAccessResult
     getStringVector(const std::string& name, std::vector<std::string>& values, bool& editable,
@@ -101,11 +101,11 @@ public:
     /// Reads the editable attribute of the current node itself.
     /// @return Failure when there is no document
     virtual ConfigurationAccessResult getEditable(bool& editable) = 0;
-    /// Adds the keys of all children of that name to `keys`, "" for one without a key.
-    /// @return Failure when there is no document; Success also where nothing was found
+    /// Adds the keys of all children of that name to `keys`, "" for a child without a key.
+    /// @return Failure when there is no document; Success even when nothing was found
     virtual ConfigurationAccessResult getKeys(const std::string& name,
                                               std::set<std::string>& keys) = 0;
-    /// Calls back with the key of each child of that name, in document order, with the child as
+    /// Calls back with the key of each child of that name, in document order, with the child as the
     /// current node.
     /// @return Failure when there was no call
     virtual ConfigurationAccessResult

@@ -37,7 +37,7 @@ const Logging s_log("ConfigWriter");
 constexpr const XMLCh* configurationTag = u"Configuration";
 constexpr const XMLCh* versionAttribute = u"version";
 
-/// A document with no more nodes is within all bounds of what is opened.
+/// A document with no more nodes than this is within all limits for opening.
 constexpr std::size_t mostNodesWithinAllBounds = 50'000;
 
 /// Whether readers, and the next writer, will open a document: what is saved must not be lost.
@@ -63,12 +63,12 @@ XmlString checked(XmlText text, const std::string& elementName) {
     return std::move(text.text);
 }
 
-/// The children of a tag, whatever their key.
+/// The children with a tag, whatever their key.
 ChildSelection named(const std::string& name) {
     return {XercesHelperFunctions::stringToXmlCh(name), std::nullopt};
 }
 
-/// The children of a tag and a key.
+/// The children with a tag and a key.
 ChildSelection keyed(const std::string& name, const std::string& key) {
     return {XercesHelperFunctions::stringToXmlCh(name), toXmlText(key).text};
 }
@@ -106,8 +106,8 @@ void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
     } catch (const FileNameException&) {
         throw ConfigException(ConfigException::InvalidDocument);
     }
-    // Without an error handler a broken document gives a tree that ends at the error. Going on from
-    // there would cut the user's file off.
+    // Without an error handler, a broken document gives a tree that ends at the error. Saving that
+    // would truncate the user's file.
     if (m_parser->getErrorCount() != 0)
         throw ConfigException(ConfigException::InvalidDocument);
     m_document = m_parser->getDocument();
@@ -268,7 +268,7 @@ ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names
 }
 
 ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name) {
-    // The first of its namesakes stays it, so an index of the children stays right.
+    // It stays the first of its name, so an index of the children stays right.
     DOMElement* const element = findChild(named(name));
     if (element == nullptr)
         return ConfigurationAccessResult::Failure;

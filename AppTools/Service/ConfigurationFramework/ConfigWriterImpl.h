@@ -19,13 +19,13 @@ namespace Orvant {
 
 class FileName;
 
-/// The document of a ConfigWriter and the place in it. The operations are those of the writer.
+/// The document of a ConfigWriter and its current element. The operations are those of the writer.
 class ConfigWriterImpl {
 public:
     explicit ConfigWriterImpl(const std::string& version);
     ConfigWriterImpl(const FileName& file, const std::string& content);
 
-    /// Makes an element that stands nowhere yet.
+    /// Makes an element that is not in the tree yet.
     /// @throws xercesc::DOMException for an invalid name
     xercesc::DOMElement& createElement(const std::string& name);
     /// Appends such an element as createNode() does.
@@ -41,7 +41,7 @@ public:
     void deleteKeyedNode(const std::string& name, const std::string& key);
 
     std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) const;
-    /// Moves the first child of a name, with its comment, in front of all others.
+    /// Moves the first child of that name, with its comment, before all others.
     /// @return Failure when there is none
     ConfigurationAccessResult moveToFront(const std::string& name);
 
@@ -54,7 +54,7 @@ public:
     bool saveToFile(const FileName& file);
     const std::string& saveProblem() const { return m_saveProblem; }
 
-    /// @return the place in the document, to be set
+    /// @return the current element, which callers may set
     xercesc::DOMElement*& currentElement() { return m_current; }
 
 private:
@@ -74,7 +74,7 @@ private:
     void appendText(xercesc::DOMElement& element, const std::string& text);
     ConfigurationAccessResult makeCurrent(const ChildSelection& selection);
 
-    // In the order in which they must be built; they are given back the other way round.
+    // In order of construction; they are released in reverse order.
     XercesSession m_session;
     ParserConfinement m_confinement{ParserConfinement::configurations};
     std::unique_ptr<ConfinedParser> m_parser; ///< of a loaded document, which it owns
@@ -82,7 +82,7 @@ private:
     xercesc::DOMDocument* m_document = nullptr;
     xercesc::DOMElement* m_current = nullptr;
     std::string m_saveProblem;
-    /// Of the elements that have many children and no text.
+    /// For elements with many children and no text.
     std::unordered_map<const xercesc::DOMElement*, ChildElements> m_indexes;
 };
 

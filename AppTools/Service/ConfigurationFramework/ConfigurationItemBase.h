@@ -12,8 +12,8 @@ namespace Orvant {
 class ConfigReader;
 class ConfigWriter;
 
-/// What every item of a configuration has, value or object: who it is, whether it is loaded and
-/// saved, to which products it belongs and whether the user may edit it.
+/// What every item of a configuration, value or object, has: its name, whether it is loaded and
+/// saved, which products it belongs to and whether the user may edit it.
 ///
 /// @code
 /// if (item.isSavable() && item.belongsToCurrentProduct() && item.isEditable())
@@ -27,15 +27,15 @@ public:
         ValueItem = 1   ///< a ConfigurationValue
     };
 
-    /// Which way an item goes between memory and file.
+    /// Whether an item is loaded and whether it is saved.
     enum Persistence : std::uint32_t {
         LoadAndSave = 0,   ///< loaded and saved
         NotPersistent = 1, ///< neither loaded nor saved
         SaveOnly = 2,      ///< saved, never loaded
-        LoadOnly = 3 ///< loaded; written in full saves too, but no reason for a difference save
+        LoadOnly = 3 ///< loaded; also written by full saves, but no reason for a difference save
     };
 
-    /// Set of the suite's products, a bit for each; flags may be or-ed.
+    /// Set of the suite's products, one bit each; flags may be ORed.
     enum ProductType : std::uint32_t {
         Product0 = 1,    ///< product number 0 of BuildInformation
         Product1 = 2,    ///< product number 1
@@ -49,17 +49,17 @@ public:
     /// Whether a settings dialogue shows a value.
     enum GuiVisibility : std::uint32_t {
         Visible = 0, ///< shown
-        Hidden = 1   ///< not shown; so is every number but 0
+        Hidden = 1   ///< not shown; any number but 0 means this
     };
 
     /// @param name        XML tag of the item and its name in look-ups
     /// @param description text for documentation and dialogues
     /// @param itemType    object or value
-    /// @param persistence which way the item goes between memory and file
+    /// @param persistence whether the item is loaded and saved
     /// @param productType products that have the item
     ConfigurationItemBase(const std::string& name, const std::string& description,
                           ItemType itemType, Persistence persistence, ProductType productType);
-    /// Copies everything, the lock too.
+    /// Copies everything, including the lock.
     /// @{
     ConfigurationItemBase(const ConfigurationItemBase&) = default;
     ConfigurationItemBase& operator=(const ConfigurationItemBase&) = default;
@@ -77,7 +77,7 @@ public:
     const std::string& getDescription() const { return m_description; }
     /// @return object or value
     ItemType getConfigItemType() { return m_itemType; }
-    /// @return which way the item goes between memory and file
+    /// @return whether the item is loaded and saved
     Persistence getPersistenceType() { return m_persistence; }
     /// @return products that have the item
     ProductType getProductType() { return m_productType; }
@@ -114,7 +114,7 @@ private:
     bool m_editable = true;
 };
 
-/// @return the products of both sets
+/// @return the union of both sets
 constexpr ConfigurationItemBase::ProductType operator|(ConfigurationItemBase::ProductType left,
                                                        ConfigurationItemBase::ProductType right) {
     return static_cast<ConfigurationItemBase::ProductType>(static_cast<std::uint32_t>(left) |

@@ -36,7 +36,7 @@ struct ElementAddress {
 
     ConfigurationAccessResult load(AdvancedConfigReader& reader,
                                    ConfigurationObject& object) const {
-        // Past SystemReader's override, which comes here.
+        // Bypasses SystemReader's override, which calls this.
         return key ? reader.AdvancedConfigReader::getClassContents(name, *key, object)
                    : reader.AdvancedConfigReader::getClassContents(name, object);
     }
@@ -55,8 +55,8 @@ struct ElementAddress {
     }
 };
 
-/// The system file as objects ask for it while they are compared with it: each asks for itself by
-/// its own name, whereas the file has it at the address that it is registered with.
+/// The system file as objects that are compared with it see it: each asks for itself by its own
+/// name, but the file has it at its registered address.
 class SystemReader : public AdvancedConfigReader {
 public:
     using AdvancedConfigReader::getClassContents;
@@ -79,7 +79,7 @@ std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::str
     if (!FileUtilities::exists(file))
         return std::make_unique<ConfigWriter>(version);
     try {
-        // What the file holds of others survives.
+        // What the file holds for others survives.
         return std::make_unique<ConfigWriter>(file, "");
     } catch (const ConfigException&) {
         if (const std::error_code problem = checkRegularFile(file))
@@ -88,7 +88,7 @@ std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::str
     }
 }
 
-/// Around what an object throws while it is written.
+/// Wraps what an object throws while it is written.
 class ObjectNotWritten : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -111,7 +111,7 @@ std::string textOf(const XMLCh* message) {
     return XercesHelperFunctions::xmlChToString(message);
 }
 
-/// What an exception says, with the object that it comes from.
+/// The message of an exception, with the object that it comes from.
 std::string describe(const std::exception_ptr& exception) {
     try {
         std::rethrow_exception(exception);
@@ -130,8 +130,7 @@ std::string describe(const std::exception_ptr& exception) {
     }
 }
 
-/// Saves to a file; whatever exception it meets leaves the file as it was. A failure is logged in
-/// one line.
+/// Saves to a file; any exception leaves the file unchanged. A failure is logged in one line.
 /// @param save puts the objects into a writer of the file and saves it
 /// @return what `save` returns, false for an exception
 template <typename Save>
@@ -297,11 +296,11 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
     const bool isAdded = added == ConfigurationAccessResult::Success;
     const auto loaded = isAdded ? ElementAddress(registration).load(reader, *registration.object)
                                 : ConfigurationAccessResult::Success;
-    // Also where no file was read: a class may unlock itself with its defaults.
+    // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
-    // A load that succeeds tells the observers by itself; one that finds nothing leaves it to us to
-    // tell of the defaults.
+    // A load that succeeds tells the observers itself; after one that finds nothing, they are told
+    // of the defaults here.
     if (loaded == ConfigurationAccessResult::Failure)
         registration.object->emitSignalsAfterConfigLoading();
 }

@@ -27,7 +27,7 @@ struct ConfigurationRegistration {
     std::optional<std::string> key = {};         ///< key of the element, if it has one
 };
 
-/// The process-wide registry of configuration objects: loads them when they are registered and
+/// The process-wide registry of configuration objects. It loads them when they are registered, and
 /// saves them.
 ///
 /// @code
@@ -40,8 +40,8 @@ struct ConfigurationRegistration {
 /// @endcode
 ///
 /// With one file, a save writes every object in full. With a system and a user file, a save writes
-/// to the user's what differs from the system's, which is never written. What the manager does not
-/// own stays in the file. Use it from one thread.
+/// to the user file what differs from the system file, which is never written. What the manager
+/// does not own stays in the file. Use it from one thread.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationManager {
 public:
     /// Copies files, versions and registrations; the objects themselves are shared.
@@ -54,42 +54,43 @@ public:
     /// @return the one instance of the process
     static ConfigurationManager& getInstance();
 
-    /// From now on, loads and saves go to one file. Nothing is loaded by this call.
-    /// @param file need not exist: the first save makes it
+    /// From now on, loads and saves use one file. Nothing is loaded by this call.
+    /// @param file need not exist: the first save creates it
     void setConfigurationFile(const FileName& file);
-    /// From now on, loads go to two files and saves to the user's. Nothing is loaded by this call.
-    /// @param systemFile the administrator's, never written; it need not exist
-    /// @param userFile   need not exist: the first save makes it
+    /// From now on, loads use both files and saves go to the user file. Nothing is loaded by this
+    /// call.
+    /// @param systemFile the administrator's file, never written; need not exist
+    /// @param userFile   need not exist: the first save creates it
     void setSystemAndUserConfigurationFile(const FileName& systemFile, const FileName& userFile);
     /// Sets the document versions that loading accepts. A file of another version is not loaded;
-    /// with an empty list, as at first, none is.
-    /// @param versions accepted values of the root's attribute version
+    /// with an empty list, the initial state, none is.
+    /// @param versions accepted values of the root's version attribute
     void setValidVersionList(const std::list<std::string>& versions);
     /// @return the document versions that loading accepts
     const std::list<std::string>& getValidVersions() const { return m_validVersions; }
 
-    /// Registers and loads objects, with the effect of addConfigurationObject() for one after the
-    /// other, but opens each file only once: the way to register what an application has at start.
-    /// What an object does to the manager while it is loaded (it sets other files or versions,
-    /// resets it, saves) takes effect on those behind it; what it writes to the files otherwise may
-    /// not be seen by them.
+    /// Registers and loads objects like addConfigurationObject() for one after the other, but opens
+    /// each file only once: use it to register an application's objects at start. What an object
+    /// does to the manager while it is loaded (sets other files or versions, resets, saves) takes
+    /// effect on the objects after it; what it writes to the files in other ways they may not see.
     /// @param registrations objects with the names and keys of their elements
     /// @throws std::invalid_argument for a null object, and whatever an object throws while it is
-    ///         loaded; those before it are registered, those behind it are not
+    ///         loaded; those before it are registered, those after it are not
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
-    /// Registers an object and loads it from the element of the name. Opens the files anew.
-    /// @param object shared with the caller; where the files do not have its element, it keeps its
+    /// Registers an object and loads it from the element of that name. Opens the files again.
+    /// @param object shared with the caller; if the files do not have its element, it keeps its
     ///               values. When the name is taken, the earlier object stays registered, and this
     ///               one is only loaded.
     /// @param name   tag of the object's element; the object is also saved there
     /// @throws std::invalid_argument for a null object
     void addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
                                 const std::string& name);
-    /// Registers an object and loads it from the element of the name and key, or, where no element
-    /// has the key, from the one without a key. It is saved in the element of the key.
+    /// Registers an object and loads it from the element of that name and key or, if no element has
+    /// the key, from the one without a key. It is saved in the element with the key.
     ///
-    /// Objects of one name and several keys are registered side by side, each once, so that all are
-    /// saved; look-ups and resets by name find the first. They have no sibling without a key.
+    /// Objects with the same name and different keys are registered side by side, each once, so
+    /// that all are saved; look-ups and resets by name find the first. An object without a key
+    /// cannot join them.
     /// @param object shared with the caller
     /// @param name   tag of the object's element
     /// @param key    key of the object's element
@@ -110,34 +111,34 @@ public:
 
     /// Forgets objects and files; the accepted versions stay.
     void reset();
-    /// Sets an object to its defaults, locked values excepted, and loads it again from one file.
+    /// Sets an object to its defaults, except locked values, and loads it again from one file.
     /// @param name         name that it is registered under; of several, the first is reset
-    /// @param fromUserFile with two files: true loads the user's alone (what only the system file
-    ///                     sets is then at its default), false the system's alone
-    /// @throws std::logic_error from the user's file, before anything is reset, when the object
+    /// @param fromUserFile with two files: true loads only the user file (what only the system file
+    ///                     sets then has its default), false only the system file
+    /// @throws std::logic_error with the user file, before anything is reset, when the object
     ///         cannot be cloned because its factory returns null
     void resetConfigurationObject(const std::string& name, bool fromUserFile);
 
-    /// Writes the objects to the file, or to the user file. What a file of a version that loading
-    /// does not accept holds for them is replaced, too.
-    /// @param version version of the document if it has to be started; that of a file stays
+    /// Writes the objects to the file, or to the user file. Their elements are replaced even in a
+    /// file whose version loading does not accept.
+    /// @param version version of a new document; an existing file keeps its own
     /// @return false when it could not be written or the file is not a configuration; the file is
-    ///         then as it was. True without doing anything when no file is set.
+    ///         then unchanged. True without doing anything when no file is set.
     bool saveConfiguration(const std::string& version) const;
     /// Writes all objects in full to a file.
     /// @param fileName UTF-8; empty: nothing is written, which counts as success
-    /// @param version  version of the document if it has to be started
+    /// @param version  version of a new document
     /// @return false when it could not be written or the file is not a configuration; the file is
-    ///         then as it was
+    ///         then unchanged
     bool saveConfigurationToFile(const std::string& fileName, const std::string& version) const;
 
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
 
-    /// Asks for the resets.
+    /// Reads the number of resets.
     friend class DisableFeaturesConfiguration;
 
-    /// Counts changes, of which being assigned to is one. May be asked from every thread.
+    /// Counts changes; an assignment counts as one. May be read from any thread.
     class Revision {
     public:
         Revision() = default;
@@ -168,13 +169,13 @@ private:
     FileName m_configurationFile;
     FileName m_systemFile;
     FileName m_userFile;
-    /// By name; the objects of one name in the order of their registration.
+    /// By name; objects of the same name in order of registration.
     std::multimap<std::string, ConfigurationRegistration> m_objects;
     /// Names and keys that are taken.
     std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
     std::list<std::string> m_validVersions;
-    mutable Revision m_revision; ///< of files, what they hold, and versions
-    Revision m_resets;           ///< of what is registered
+    mutable Revision m_revision; ///< of files, their contents and versions
+    Revision m_resets;           ///< of the registrations
 };
 
 } // namespace Orvant

@@ -17,7 +17,7 @@ namespace Orvant {
 
 namespace {
 
-/// So many have room from the first one on.
+/// Room for this many is reserved with the first one.
 constexpr std::size_t fewItems = 8;
 
 /// @throws std::invalid_argument for null
@@ -56,7 +56,7 @@ Item* findByName(const std::vector<Item*>& items, const std::string& name) {
     return found == items.end() ? nullptr : *found;
 }
 
-/// Makes an item another one's copy, if that is all that its clone would be.
+/// Makes an item a copy of another, if the other's clone would be no more than that.
 bool becomeCopy(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
     switch (original.getValueType()) {
     case ConfigurationValueBase::BoolValue:
@@ -80,8 +80,8 @@ bool becomeCopy(const ConfigurationObject&, const ConfigurationObject&) {
     return false;
 }
 
-/// Makes the items of a fresh object copies of others. Those that can be are assigned to, for
-/// making an item takes longer; the others give way to clones.
+/// Makes the items of a fresh object copies of others. They are assigned to where possible, since
+/// making an item takes longer; the rest are replaced by clones.
 template <typename Item>
 void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
     for (std::size_t i = 0; i < originals.size(); ++i) {
@@ -94,7 +94,7 @@ void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
         delete items.back();
 }
 
-/// Takes the value of another, or that it has none.
+/// Takes the value of another, or none if the other has none.
 void adoptState(ConfigurationValueBase& value, const ConfigurationValueBase& other) {
     if (other.hasValue())
         value.adoptValue(&other);
@@ -108,7 +108,7 @@ void appendLine(std::string& text, const std::string& line) {
     text += line;
 }
 
-/// @throws std::logic_error for an object whose factory makes none
+/// @throws std::logic_error when the factory of the object returns null
 std::unique_ptr<ConfigurationObject> makeFresh(const ConfigurationObject& object) {
     std::unique_ptr<ConfigurationObject> fresh(object.createConfigurationObject());
     if (fresh == nullptr)
@@ -117,10 +117,10 @@ std::unique_ptr<ConfigurationObject> makeFresh(const ConfigurationObject& object
     return fresh;
 }
 
-/// What a reader holds of an object; null: nothing is known of it.
+/// What a reader holds for an object; null: nothing is known.
 std::shared_ptr<const ConfigurationObject> referenceOf(const ConfigurationObject& object,
                                                        ConfigReader& reader) {
-    // A child's was loaded with its parent's, which keeps it.
+    // A child's was loaded with its parent's, which owns it.
     if (const ReaderBelow* const below = ReaderBelow::madeFor(object, reader))
         return {std::shared_ptr<void>(), below->reference()};
     auto reference = makeFresh(object);
@@ -160,8 +160,8 @@ private:
     std::vector<ConfigurationObject*> m_objects;
 };
 
-/// The walk of overwriteInvalidConfigValues() and restoreLocks(), which have the table of what
-/// wins.
+/// The traversal of overwriteInvalidConfigValues() and restoreLocks(). The table at the former
+/// shows what is taken.
 class ConfigurationObject::LockTransfer {
 public:
     /// Values of the other object that come with its locks.
@@ -173,7 +173,7 @@ public:
         for (std::size_t i = 0; i < object.m_values.size(); ++i)
             if (const auto* counterpart = pairs.counterpartOf(i))
                 run(*object.m_values[i], *counterpart, values);
-        // overwriteInvalidConfigValues() is called of each child, for classes override it.
+        // overwriteInvalidConfigValues() is called on each child, since classes override it.
         if (values == Values::LockedOrMissing)
             return;
         for (std::size_t i = 0; i < object.m_objects.size(); ++i)
@@ -410,7 +410,7 @@ void ConfigurationObject::saveDifferentConfigurationValues(ConfigWriter& writer,
     });
 }
 
-/// Writes the own values that differ and calls saveChild(child, its counterpart) for each child.
+/// Writes the values that differ and calls saveChild(child, its counterpart) for each child.
 template <typename SaveChild>
 void ConfigurationObject::saveDifferences(ConfigWriter& writer, const ConfigurationObject* other,
                                           SaveChild saveChild) const {
@@ -426,13 +426,13 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
         else if (child.writesContent())
             writer.putElementUnlessEmpty(child.getName(), child.getDescription(), [&] {
                 save();
-                child.keepListsReadable(writer); // among what an override wrote, too
+                child.keepListsReadable(writer); // also in what an override wrote
             });
     }
     keepListsReadable(writer);
 }
 
-/// Adds the lists that stand in the element of the object: its own and those of nameless children.
+/// Adds the lists in the element of the object: its own and those of nameless children.
 void ConfigurationObject::collectLists(std::vector<const ConfigurationValueBase*>& lists) const {
     if (!writesContent())
         return;
@@ -445,8 +445,8 @@ void ConfigurationObject::collectLists(std::vector<const ConfigurationValueBase*
             child->collectLists(lists);
 }
 
-/// A list is read from the first element of its name at any depth. Where a child's would be taken
-/// for it, because it is written after that child or does not differ, it goes to the front.
+/// A list is read from the first element of its name at any depth. If a child's would be taken for
+/// it, because it is written after that child or does not differ, it goes to the front.
 void ConfigurationObject::keepListsReadable(ConfigWriter& writer) const {
     std::vector<const ConfigurationValueBase*> lists;
     collectLists(lists);

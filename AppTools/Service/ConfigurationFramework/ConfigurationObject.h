@@ -35,7 +35,7 @@ class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationObject : public Configur
 public:
     /// @param name        tag of the object's element; empty for a child that is stored inline
     /// @param description comment before the element of a child
-    /// @param persistence which way the object goes between memory and file
+    /// @param persistence whether the object is loaded and saved
     /// @param productType products that have the object
     ConfigurationObject(const std::string& name, const std::string& description,
                         Persistence persistence, ProductType productType);
@@ -49,42 +49,41 @@ public:
     /// Loads lock, values and children from the current node of a reader. Does nothing when the
     /// object is not loadable or is locked.
     void loadContent(ConfigReader& reader) override;
-    /// Writes all values and children below the current element of a writer, unless
-    /// writesContent() denies it. A list whose name stands in a child's element, too, is written in
-    /// front of all, for a list is looked for at every depth.
+    /// Writes all values and children below the current element of a writer, unless writesContent()
+    /// returns false. A list whose name also occurs in a child's element is written before
+    /// everything else, because lists are searched for at every depth.
     void saveContent(ConfigWriter& writer) const override;
     /// @return a new instance of the concrete class with its defaults, never null; the caller owns
-    ///         it. Where the library needs one, it throws a std::logic_error for null.
+    ///         it. Where the library needs one and gets null, it throws std::logic_error.
     virtual ConfigurationObject* createConfigurationObject() const = 0;
     /// @return a deep copy of the concrete class with values, locks and warnings; the caller owns
     ///         it
     /// @throws std::logic_error when createConfigurationObject() returns null
     virtual ConfigurationObject* clone() const;
-    /// Writes the object as compared with what a reader holds for it. Where only differences are
-    /// written, this is called of the children, too, each with a reader for which the parent's
-    /// element is the current node; the element of a named child is written when anything is
-    /// written into it.
-    /// @param writer        written to below its current element
+    /// Writes the object, compared with what a reader holds for it. When only differences are
+    /// written, this is also called on the children, each with a reader whose current node is the
+    /// parent's element; the element of a named child is written when anything is written into it.
+    /// @param writer        the object is written below its current element
     /// @param reader        holds the reference, normally the system configuration
     /// @param onlyDifferent true: only what differs from the reference; false: everything
     /// @throws std::logic_error when createConfigurationObject() returns null
     virtual void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const;
-    /// @return true when the object has something for the user's file: as compared with what the
-    ///         reader holds, atLeastOneSavedValueIsDifferent()
+    /// @return true when the object has something for the user's file:
+    ///         atLeastOneSavedValueIsDifferent() compared with what the reader holds
     /// @throws std::logic_error when createConfigurationObject() returns null
     virtual bool canBeSavedToUserConfig(ConfigReader& reader) const;
     /// Resets every value that may be edited, in children too. What is locked keeps its value (in a
-    /// locked object, everything does): a reset is no way around a lock.
+    /// locked object, everything does): a reset does not get around locks.
     virtual void setDefaultValues();
     /// @return true when the object, a value or something in a child is locked
     virtual bool hasNonEditableEntries() const;
     /// Repairs the object after a user's document was loaded over the system's.
     ///
-    /// What the system locks gets the system's value; so does a value that the user's document does
-    /// not hold or holds unreadably. Locks become exactly those of the system: a user's document
-    /// neither locks nor unlocks. Children are repaired likewise, named and nameless. Values and
-    /// children that `other` does not have are left alone. Values are paired by name, children as
-    /// getCounterpart() tells. What is taken, here and by restoreLocks():
+    /// What the system locks gets the system's value; so does a value that is missing or unreadable
+    /// in the user's document. Locks become exactly those of the system: a user's document neither
+    /// locks nor unlocks. Children, named and nameless, are repaired in the same way. Values and
+    /// children that `other` does not have are left alone. Values are paired by name, children by
+    /// getCounterpart(). What is taken, here and by restoreLocks():
     ///
     /// | There, the value is           | Here, it has | Repair takes   | restoreLocks() takes |
     /// |-------------------------------|--------------|----------------|----------------------|
@@ -95,27 +94,27 @@ public:
     ///
     /// @param other the object as the system's document left it; null does nothing
     virtual void overwriteInvalidConfigValues(const ConfigurationObject* other);
-    /// Gives the object the locks of an earlier state of it and, where these lock, its values: for
-    /// loads that must not change locks. The table at overwriteInvalidConfigValues() tells what is
+    /// Restores the locks of an earlier state of the object and the values that they lock, for
+    /// loads that must not change locks. The table at overwriteInvalidConfigValues() shows what is
     /// taken.
     void restoreLocks(const ConfigurationObject& former);
-    /// Tells observers that loading is complete. Here it calls each child's; derived classes add
-    /// their signals.
+    /// Tells observers that loading is complete. By default it calls each child's; derived classes
+    /// add their signals.
     virtual void emitSignalsAfterConfigLoading();
-    /// @return own warnings and those of the children, a line each; empty when there are none
+    /// @return own warnings and those of the children, one per line; empty when there are none
     virtual std::string getUserWarningMessages() const;
     /// Adds a line to the object's own warnings; an empty message adds none.
     virtual void addUserWarningMessage(const std::string& message);
-    /// @return false when, by its definition, the object writes nothing in this run: it is
-    ///         NotPersistent or not of the running product. Saves then leave whatever element of
-    ///         its name stands in the file. Override it with saveContent() in a class that never
-    ///         writes.
+    /// @return false when the object, by its definition, writes nothing in this run: it is
+    ///         NotPersistent or does not belong to the running product. Saves then leave any
+    ///         element of its name in the file. Override it together with saveContent() in a class
+    ///         that never writes.
     virtual bool writesContent() const;
-    /// Which child of another object of the class stands for a child of this one: what the locks
-    /// and values of the system's document are taken from, those of a former state are put back
-    /// from, and a difference save compares with. Here it is the one at the same position if that
-    /// has the same name, else the first of that name. A class whose children have one name and are
-    /// told apart by keys overrides this and pairs them by key.
+    /// Finds the child of another object of the same class that corresponds to a child of this one.
+    /// The locks and values of the system's document are taken from it, those of an earlier state
+    /// are restored from it, and a difference save compares with it. By default it is the one at
+    /// the same position if that has the same name, else the first of that name. A class whose
+    /// children share a name and are told apart by keys overrides this and pairs them by key.
     /// @param child    a child of this object
     /// @param position of the child among those of this object
     /// @param other    the object to look in
@@ -124,7 +123,7 @@ public:
                                                       std::size_t position,
                                                       const ConfigurationObject& other) const;
 
-    /// @return first value of that name, not looking into children; null when there is none
+    /// @return first value of that name, without searching children; null when there is none
     ConfigurationValueBase* getConfigurationValue(const std::string& name) const;
     /// @return first child of that name; null when there is none
     ConfigurationObject* getConfigurationObject(const std::string& name) const;
@@ -135,9 +134,9 @@ public:
     /// @return number of children
     std::size_t getConfigurationObjectsSize() const { return m_objects.size(); }
 
-    /// Goes through the values.
+    /// Iterator over the values.
     using ValueIterator = std::vector<ConfigurationValueBase*>::const_iterator;
-    /// Goes through the children.
+    /// Iterator over the children.
     using ObjectIterator = std::vector<ConfigurationObject*>::const_iterator;
     /// @return first value, in the order in which they were added
     ValueIterator beginValueIterator() const { return m_values.begin(); }
@@ -151,23 +150,24 @@ public:
     /// @return true when both objects have a value of that name and the two are equal
     bool compareWithOtherConfigValue(const ConfigurationObject* other,
                                      const std::string& name) const;
-    /// @return true when numbers of values or children differ, or a pair of values at the same
-    ///         position does. Differences inside children do not count. A null `other` differs.
+    /// @return true when the numbers of values or children differ, or two values at the same
+    ///         position do. Differences inside children do not count. A null `other` counts as
+    ///         different.
     bool atLeastOneValueIsDifferent(const ConfigurationObject* other) const;
-    /// As atLeastOneValueIsDifferent(), but a pair counts only when both its values are savable,
-    /// and an object with children always differs.
+    /// Like atLeastOneValueIsDifferent(), but a pair counts only when both values are savable, and
+    /// an object with children always differs.
     /// @return true when there is something to save
     bool atLeastOneSavedValueIsDifferent(const ConfigurationObject* other) const;
-    /// @return values that differ from the value of their name in `other`, or have none there, in
-    ///         order. A null `other` has no values.
+    /// @return values that differ from the value of the same name in `other`, or have none there,
+    ///         in order. A null `other` has no values.
     std::vector<const ConfigurationValueBase*>
     getDifferentConfigurationValues(const ConfigurationObject* other) const;
-    /// Writes what differs from `other`: values (LoadOnly ones too, as a full save does) and, for
-    /// each named child with a difference somewhere below it, its element holding only what
-    /// differs. Nameless children are written inline. A list whose name stands in the element of a
-    /// child with differences is written though it does not differ. No override of a child's
-    /// saveContent() is asked: there is no reader for it.
-    /// @param writer written to below its current element
+    /// Writes what differs from `other`: values (including LoadOnly ones, as in a full save) and,
+    /// for each named child with a difference somewhere below it, its element with only what
+    /// differs. Nameless children are written inline. A list whose name occurs in the element of a
+    /// child with differences is written even if it does not differ. A child's override of
+    /// saveContent() is not called: there is no reader for it.
+    /// @param writer the differences are written below its current element
     /// @param other  the reference; null: everything differs
     void saveDifferentConfigurationValues(ConfigWriter& writer,
                                           const ConfigurationObject* other) const;
@@ -183,8 +183,7 @@ protected:
     void clearConfigurationItems();
 
 private:
-    friend class ConfigWriter; // which has the lists kept readable when an object has written
-                               // itself
+    friend class ConfigWriter; // calls keepListsReadable() when an object has written itself
     class OwnedItems;
     class LockTransfer;
 

@@ -20,7 +20,7 @@ ConfigurationAccessResult getStrings(ConfigReader& reader, const std::string& na
 template <typename T>
 using Getter = ConfigurationAccessResult (ConfigReader::*)(const std::string&, T&, bool&);
 
-/// What differs by the type of a value.
+/// What depends on the type of a value.
 template <typename T>
 struct TypeOf;
 

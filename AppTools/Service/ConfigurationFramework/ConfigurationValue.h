@@ -27,7 +27,7 @@ public:
     /// @param description   label in dialogues and comment before the element
     /// @param defaultValue  what the value is until it is set or loaded
     /// @param guiVisibility whether a dialogue shows the value
-    /// @param persistence   which way the value goes between memory and file
+    /// @param persistence   whether the value is loaded and saved
     /// @param productType   products that have the value
     ConfigurationValue(const std::string& name, const std::string& description,
                        const T& defaultValue, GuiVisibility guiVisibility, Persistence persistence,
@@ -44,14 +44,14 @@ public:
     const T& getValue() const;
     /// @return the default
     const T& getDefaultValue() const { return m_defaultValue; }
-    /// Sets the value; one that equals the default is a value all the same.
-    /// Does not ask for locks: it is for the application, too, to honour them.
+    /// Sets the value; one that equals the default is still a value. Does not check locks: the
+    /// application must honour them as well.
     void setValue(const T& value) { m_value = value; }
 
     void loadContent(ConfigReader& reader) override;
     void saveContent(ConfigWriter& writer) const override;
     /// @copydoc ConfigurationValueBase::comapreValue
-    /// Floating-point values compare without tolerance.
+    /// Floating-point values are compared without tolerance.
     bool comapreValue(const ConfigurationValueBase* other) const override;
     ConfigurationValueBase* clone() const override;
     bool hasValue() const override { return m_value.has_value(); }

@@ -4,7 +4,7 @@
 
 namespace Orvant {
 
-/// Type-free face of a configuration value: what a configuration object keeps in its list.
+/// Type-independent interface of a configuration value, as a configuration object stores it.
 ///
 /// @code
 /// if (value.isGuiVisible())
@@ -12,7 +12,7 @@ namespace Orvant {
 /// @endcode
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationValueBase : public ConfigurationItemBase {
 public:
-    /// Type of a value. The number 4 is not in use.
+    /// Type of a value. The number 4 is not used.
     enum ValueType : std::uint32_t {
         BoolValue = 0,        ///< bool
         IntValue = 1,         ///< int
@@ -27,12 +27,12 @@ public:
     /// @param description   label in dialogues and comment before the element
     /// @param guiVisibility whether a dialogue shows the value
     /// @param valueType     type of the value
-    /// @param persistence   which way the value goes between memory and file
+    /// @param persistence   whether the value is loaded and saved
     /// @param productType   products that have the value
     ConfigurationValueBase(const std::string& name, const std::string& description,
                            GuiVisibility guiVisibility, ValueType valueType,
                            Persistence persistence, ProductType productType);
-    /// Copies everything, the lock too.
+    /// Copies everything, including the lock.
     /// @{
     ConfigurationValueBase(const ConfigurationValueBase&) = default;
     ConfigurationValueBase& operator=(const ConfigurationValueBase&) = default;
@@ -49,7 +49,7 @@ public:
     virtual bool comapreValue(const ConfigurationValueBase* other) const = 0;
     /// @return a copy that the caller owns
     virtual ConfigurationValueBase* clone() const = 0;
-    /// @return true when the value is more than its default: it was set or loaded
+    /// @return true when there is a value besides the default: it was set or loaded
     virtual bool hasValue() const = 0;
     /// Goes back to the default, locked or not.
     virtual void resetValue() = 0;

@@ -45,8 +45,8 @@ DisableFeaturesConfiguration* DisableFeaturesConfiguration::getRegisteredInstanc
 
     const std::lock_guard lock(s_mutex);
     auto& manager = ConfigurationManager::getInstance();
-    // Nothing else is asked of the manager, which another thread may be using. Whether it took the
-    // instance does not count either: loading it again would change switches that threads read.
+    // Nothing else is read from the manager, which another thread may be using. Whether it took the
+    // instance does not matter either: loading it again would change switches that threads read.
     const unsigned int resets = manager.m_resets.number();
     if (s_registeredAt != resets) {
         s_instance->forgetFiles();

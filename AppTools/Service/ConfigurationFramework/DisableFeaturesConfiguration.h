@@ -5,7 +5,7 @@
 
 namespace Orvant {
 
-/// The switches that turn features of the suite's applications off. They are read from the
+/// The switches that turn off features of the suite's applications. They are read from the
 /// configuration files and never written; users cannot edit them.
 ///
 /// @code
@@ -29,7 +29,7 @@ public:
 
     /// Makes the object with all switches at false.
     DisableFeaturesConfiguration();
-    /// Copies; so does a move, since an object without its values would answer nothing.
+    /// Copies; so does a move, since an object without its values could not answer.
     /// @{
     DisableFeaturesConfiguration(const DisableFeaturesConfiguration&) = default;
     DisableFeaturesConfiguration(DisableFeaturesConfiguration&&) = default;
@@ -38,10 +38,10 @@ public:
     /// @}
     ~DisableFeaturesConfiguration() override;
 
-    /// The instance that is registered with the configuration manager. It is made and registered,
-    /// and with that loaded, by the first call, and registered again by the first call after
-    /// ConfigurationManager::reset(), as if it were new. Where another object has taken its name,
-    /// it is only loaded, as often. May be called from several threads.
+    /// The instance that is registered with the configuration manager. The first call makes,
+    /// registers and thereby loads it; the first call after each ConfigurationManager::reset()
+    /// registers it again as if it were new. If another object has taken its name, these calls only
+    /// load it. May be called from several threads.
     /// @return always the same pointer, valid for the life of the process
     static DisableFeaturesConfiguration* getRegisteredInstance();
 

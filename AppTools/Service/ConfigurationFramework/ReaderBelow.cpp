@@ -10,7 +10,7 @@ namespace Orvant {
 
 namespace {
 
-/// Takes nothing but its lock from an element.
+/// Loads only its lock from an element.
 class EmptyObject : public ConfigurationObject {
 public:
     EmptyObject() : ConfigurationObject("", "", LoadAndSave, AllProducts) {}
@@ -19,7 +19,7 @@ public:
 };
 
 /// Is loaded in place of an object: runs an operation on each reader that is on the element, and
-/// lets the object have all else that belongs to a load.
+/// passes all other steps of a load on to the object.
 class Probe : public ConfigurationObject {
 public:
     using Operation = std::function<ConfigurationAccessResult(ConfigReader&)>;
@@ -32,7 +32,7 @@ public:
     Probe& operator=(const Probe&) = delete;
     ~Probe() override = default;
 
-    /// @return Success when the operation succeeded on one reader
+    /// @return Success when the operation succeeded on at least one reader
     ConfigurationAccessResult result() const { return m_result; }
 
     void loadContent(ConfigReader& reader) override {
@@ -73,11 +73,11 @@ const ReaderBelow* ReaderBelow::madeFor(const ConfigurationObject& object,
     return below != nullptr && &below->m_child == &object ? below : nullptr;
 }
 
-/// Runs an operation on whatever the outer reader puts on the parent's element.
+/// Runs an operation on every reader that the outer reader puts on the parent's element.
 /// @param object what the operation loads
 ConfigurationAccessResult ReaderBelow::ask(ConfigurationObject& object,
                                            const Operation& operation) {
-    // Asked by a callback of another operation, whose place counts.
+    // Called by a callback of another operation, whose place counts.
     if (m_source != nullptr)
         return operation(*m_source);
     Probe probe(object, [&](ConfigReader& source) {

@@ -6,13 +6,12 @@
 
 namespace Orvant {
 
-/// What a child object of a difference save asks for its reference: a reader, and perhaps several
-/// documents behind it, as it stands on the element of the child's parent. It holds the child's
-/// reference that was loaded with the parent's, too.
+/// What a child object asks for its reference in a difference save: a reader, perhaps of several
+/// documents, positioned on the element of the child's parent. It also holds the child's reference,
+/// which was loaded with the parent's.
 ///
-/// Whatever is asked is answered while the outer reader loads an object from the parent's element,
-/// so that documents are layered as in every load; where there is no such element, everything
-/// fails.
+/// Every operation runs while the outer reader loads an object from the parent's element, so that
+/// documents are layered as in every load; if there is no such element, every operation fails.
 class ReaderBelow : public ConfigReader {
 public:
     /// @param outer     reader that the parent is compared with
@@ -25,7 +24,7 @@ public:
     ReaderBelow(const ReaderBelow& parent, const ConfigurationObject& child,
                 const ConfigurationObject* reference);
 
-    /// @return a reader as one that was made for an object; null when it is none
+    /// @return the reader as a ReaderBelow if it was made for the object, else null
     static const ReaderBelow* madeFor(const ConfigurationObject& object,
                                       const ConfigReader& reader);
     const ConfigurationObject* reference() const { return m_reference; }
@@ -59,7 +58,7 @@ public:
     ConfigurationAccessResult getStringVector(const std::string& name,
                                               std::vector<std::string>& values, bool& editable,
                                               std::map<std::string, bool>& itemEditable) override;
-    /// Moves this reader alone: the outer one stays for those that are saved after the child.
+    /// Moves only this reader: the outer one stays in place for what is saved after the child.
     ConfigurationAccessResult tagExists(const std::string& name) override;
     ConfigurationAccessResult getEditable(bool& editable) override;
     ConfigurationAccessResult getKeys(const std::string& name,

@@ -78,7 +78,7 @@ ConfigurationAccessResult SimpleConfigReader::getDouble(const std::string& name,
 ConfigurationAccessResult SimpleConfigReader::getDoubleScientific(const std::string& name,
                                                                   const int& /*precision*/,
                                                                   double& value, bool& editable) {
-    // Extraction takes both notations, whichever the stream is set to.
+    // Extraction accepts both notations, whichever the stream is set to.
     return m_impl->getNumber(name, value, editable);
 }
 

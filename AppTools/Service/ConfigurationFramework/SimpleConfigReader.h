@@ -20,50 +20,49 @@ class SimpleConfigReaderImpl;
 /// reader.getDouble("Zoom", zoom, editable);
 /// @endcode
 ///
-/// The document: the root element is Configuration with an attribute version; below it, an element
-/// for each object, in it one for each value and each child object. Objects of one tag are told
-/// apart by the attribute key; one without a key is the default entry of its tag. Values are the
-/// text of their elements, lists of strings are "item" elements. The attribute editable="false"
-/// locks an element.
+/// The document: the root element is Configuration, with a version attribute. It holds an element
+/// for each object, which holds one for each value and each child object. Objects with the same tag
+/// are told apart by the key attribute; one without a key is the default entry of its tag. Values
+/// are the text of their elements; lists of strings are "item" elements. The attribute
+/// editable="false" locks an element.
 ///
 /// Opening a document opens nothing else: external entities and DTDs resolve to nothing.
 ///
-/// A document may be nested to any depth, but one that is made to fill the memory is a parse error,
-/// for readers and for ConfigWriter alike: neither takes more than 64 MiB beside 16 times the
-/// document to open it. The bounds, which no application's settings come near:
-///   - 10,000 entity references, 32 within one another; 10 million characters that they expand to
+/// A document may be nested to any depth, but one designed to exhaust memory is a parse error, for
+/// readers and ConfigWriter alike: neither takes more than 64 MiB plus 16 times the document's size
+/// to open it. The limits, which no application's settings come near:
+///   - 10,000 entity references, nested at most 32 deep; 10 million characters that they expand to
 ///     in content, and half a million in attributes and a DTD, where each counts as the longest
 ///     entity and the last does not count;
-///   - 1,000 attributes of an element, given or declared; 50,000 different tags, and as many names
-///     of attributes; 10,000 attributes of type ID; ten million comparisons of names, and ten for
-///     each byte, which only names that were chosen for having one hash come to;
-///   - 4 MiB, and four times the document, that a DTD takes: a few thousand declarations;
-///   - 52 MiB, and 14 times the document, that a DOM of the document takes. An element counts
-///     with 208 bytes, an attribute with 304 (a default attribute twice), a text, comment or
-///     instruction with 160, a level of depth with 400, a new tag with 560, a character with two.
+///   - 1,000 attributes per element, given or declared; 50,000 different tags, and as many
+///     attribute names; 10,000 attributes of type ID; ten million name comparisons plus ten per
+///     byte, which only names chosen to have the same hash reach;
+///   - 4 MiB plus four times the document's size for a DTD: a few thousand declarations;
+///   - 52 MiB plus 14 times the document's size for a DOM of the document. An element counts as 208
+///     bytes, an attribute as 304 (a default attribute twice), a text, comment or instruction as
+///     160, a level of depth as 400, a new tag as 560, a character as two.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT SimpleConfigReader : public ConfigReader {
 public:
     /// Parses and checks a document; the current node is then its root.
-    /// @param file          file to read; where it is empty, `content` is the document
+    /// @param file          file to read; if empty, `content` is the document
     /// @param content       document in memory, up to its first NUL; ignored when there is a file
-    /// @param validVersions accepted values of the root's attribute version (an absent one is "")
+    /// @param validVersions accepted values of the root's version attribute (an absent one is "")
     /// @throws ConfigException of type
     ///   - SourceNotFound: no such file, or neither file nor content;
-    ///   - InvalidDocument: not a readable file, a version of XML other than 1.0 and 1.1, a
-    ///   document
+    ///   - InvalidDocument: not a readable file, an XML version other than 1.0 and 1.1, a document
     ///     type whose name has two colons, or the root is not Configuration;
-    ///   - ParserReportedErrors: not well-formed, or beyond the bounds above;
+    ///   - ParserReportedErrors: not well-formed, or beyond the limits above;
     ///   - InvalidVersion: the version is not accepted
     SimpleConfigReader(const FileName& file, const std::string& content,
                        const std::list<std::string>& validVersions);
     ~SimpleConfigReader() override;
 
     /// Makes the first child of that name the current node. There is no way back up.
-    /// @return Failure when there is none; the current node is then as it was
+    /// @return Failure when there is none; the current node is then unchanged
     ConfigurationAccessResult setCurrentNode(const std::string& name);
-    /// Makes the first child of that name and key the current node; where no child has the key, the
+    /// Makes the first child of that name and key the current node; if no child has the key, the
     /// last one of that name without a key, the default entry.
-    /// @return Failure when there is neither; the current node is then as it was
+    /// @return Failure when there is neither; the current node is then unchanged
     ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
     /// Reads the text of the current node itself.
     ConfigurationAccessResult getString(std::string& value, bool& editable);

@@ -29,7 +29,7 @@ ConfigurationAccessResult successIf(bool condition) {
     return condition ? ConfigurationAccessResult::Success : ConfigurationAccessResult::Failure;
 }
 
-/// The text of an element, empty where it has no child; nothing where its first child is no text.
+/// The text of an element, empty if it has no child; nothing if its first child is not text.
 std::optional<std::string> optionalText(const DocumentTree& tree, Element element) {
     if (!tree.hasChildren(element))
         return std::string();
@@ -37,8 +37,8 @@ std::optional<std::string> optionalText(const DocumentTree& tree, Element elemen
     return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
-/// With the place of its call, which is that of the throw statement. GCC counts the column to the
-/// parenthesis behind the name: with another name, or another indentation of a call, it is another.
+/// Has the place of its call, which is that of the throw statement. GCC counts the column up to the
+/// parenthesis after the name: it changes with the name and with the indentation of the call.
 ConfigException refusedDocument(ConfigException::ExceptionType type,
                                 std::source_location place = std::source_location::current()) {
     return ConfigException(type, place);
@@ -63,7 +63,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentNode(const std::stri
     return makeCurrent(m_tree->findChild(m_current, name));
 }
 
-/// The child of that key or the default entry.
+/// The child with that key or the default entry.
 Element SimpleConfigReaderImpl::findKeyed(const std::string& name, const std::string& key) {
     const Element keyed = m_tree->findChild(m_current, name, throughDocument(key));
     return keyed != DocumentTree::none ? keyed : m_tree->findChildWithoutKey(m_current, name);
@@ -74,7 +74,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentKeyedNode(const std:
     return makeCurrent(findKeyed(name, key));
 }
 
-/// The text of a child, with its lock; nothing, and no lock, where its first child is no text.
+/// The text of a child, with its lock; nothing, and no lock, if its first child is not text.
 std::optional<std::string_view> SimpleConfigReaderImpl::requiredText(const std::string& name,
                                                                      bool& editable) {
     const Element element = m_tree->findChild(m_current, name);
@@ -218,10 +218,10 @@ ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
     return successIf(called);
 }
 
-// Support finds a refusal in the field's logs by line and column, so each place that reports one
+// Support finds a refusal in customers' logs by line and column, so each place that reports one
 // keeps both whatever is edited around it: the line by the directive above it, the column by the
 // length of the name refusedDocument and the depth of the blocks around the throw. The function is
-// the last of the file because the numbers are not those of the text from here on.
+// the last in the file because the line numbers from here on are not those of the text.
 void SimpleConfigReaderImpl::init(const FileName& file, const std::string& content,
                                   const std::list<std::string>& validVersions) {
 #line 63

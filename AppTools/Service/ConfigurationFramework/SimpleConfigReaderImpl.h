@@ -22,8 +22,8 @@ class ConfigReader;
 class ConfigurationObject;
 class FileName;
 
-/// The parsed document of a SimpleConfigReader and the place in it. The operations are those of the
-/// reader; objects are loaded through `reader`, the reader that owns this.
+/// The parsed document of a SimpleConfigReader and its current node. The operations are those of
+/// the reader; objects are loaded through `reader`, the reader that owns this.
 class SimpleConfigReaderImpl {
 public:
     SimpleConfigReaderImpl(ConfigReader& reader, const FileName& file, const std::string& content,

@@ -19,9 +19,9 @@ void replacePrefix(const FileName& file, const std::string& from, const std::str
 }
 
 /// @return the name of the copy to sanitise
-/// @throws ConfigException of type SourceNotFound when there is none to be had
+/// @throws ConfigException of type SourceNotFound when it cannot be made
 FileName makeCopy(const FileName& file) {
-    // What has the copy's name is taken away, which must not be the file.
+    // Whatever has the copy's name is removed, which must not be the file itself.
     const auto bytes = SchemaFiles::isScratchFile(file) ? std::nullopt : readRegularFile(file);
     const FileName copy = SchemaFiles::sanitisingCopy(file);
     if (!bytes || !SchemaFiles::makePlace(copy))
@@ -30,7 +30,7 @@ FileName makeCopy(const FileName& file) {
     return copy;
 }
 
-/// Whether a schema can be written to a file; what has its name is gone then.
+/// Whether a schema can be written to a file; whatever had its name is then removed.
 bool isPlaceForSchema(const FileName& file) {
     try {
         return !SchemaFiles::isScratchFile(file) && SchemaFiles::makePlace(file);
@@ -125,7 +125,7 @@ void XsdConfigReader::writeXSD(const FileName& file, bool fixOutput) {
         return;
     if (!isPlaceForSchema(file))
         throw ConfigException(ConfigException::SourceNotFound);
-    // What fails here has made no file; what stands there then is somebody else's.
+    // If this fails, it has made no file; one that is there is somebody else's.
     SchemaFiles::write(*m_tree->getSchema(), file);
     if (!fixOutput)
         return;
@@ -160,7 +160,7 @@ void XsdConfigReader::fixXsdOutputFile(const FileName& file) {
     replaceInFile(file, LineRewriting::modelHeader(), header);
     SchemaFiles::rewriteLines(file, LineRewriting::endLineOfDocumentation);
     replacePrefix(file, "p1:", "xs:");
-    // Where a name of a built-in type has lost its prefix.
+    // Restores the prefix where the name of a built-in type has lost it.
     replaceInFile(file, "type=\"int\"", "type=\"xs:int\"");
     replaceInFile(file, "type=\"double\"", "type=\"xs:double\"");
     replaceInFile(file, "type=\"string\"", "type=\"xs:string\"");

@@ -28,7 +28,7 @@ bool isListed(const Item& name, const Names& names) {
     return name.present() && names.contains(name.get());
 }
 
-/// @return the sequence of a complex type and that of its extension, as far as there are any
+/// @return the sequence of a complex type and that of its extension, if any
 template <typename ComplexType>
 auto sequencesOf(ComplexType& type) {
     std::vector<decltype(&type.sequence().get())> sequences;
@@ -57,7 +57,7 @@ void forTypeAndInlineTypes(ov_complexType& type, const Action& action) {
         descend(type.choice().get());
 }
 
-/// Takes items out of a sequence of the model in one pass: erasing them one by one would move the
+/// Removes items from a sequence of the model in one pass: erasing them one by one would move the
 /// rest each time.
 template <typename Sequence, typename Predicate>
 void removeIf(Sequence& sequence, const Predicate& goes) {
@@ -100,7 +100,7 @@ void deleteTypes(Sequence& types, const std::vector<std::string>& names, bool ke
              [&listed, keep](const auto& type) { return isListed(type.name(), listed) != keep; });
 }
 
-/// The complex type that a name means: the first one.
+/// The complex type that a name refers to: the first one.
 template <typename Schema>
 auto findComplexType(Schema& schema, const std::string& name) {
     auto& types = schema.complexType();
@@ -110,14 +110,14 @@ auto findComplexType(Schema& schema, const std::string& name) {
     return found == types.end() ? nullptr : &*found;
 }
 
-/// @return the name without the prefix of the suite's own namespace, which says where it stands and
-///         is not part of a type's name
+/// @return the name without the prefix of the suite's own namespace, which is not part of a type's
+///         name
 std::string withoutPrefix(const std::string& typeName) {
     constexpr std::string_view prefix = "ov:";
     return typeName.starts_with(prefix) ? typeName.substr(prefix.size()) : typeName;
 }
 
-/// The names of all types. Those without a name cannot be named by anything.
+/// The names of all types. Those without a name cannot be referred to.
 Names declaredTypes(const ov_schema& schema) {
     Names names;
     const auto addNames = [&names](const auto& types) {
@@ -139,7 +139,7 @@ std::vector<std::string> namesOf(const Types& types) {
     return names;
 }
 
-/// Takes the optional children and the root elements whose types are written so.
+/// Removes the optional children and the root elements whose types are written this way.
 void removeUsersOf(const Names& typesAsWritten, ov_schema& schema) {
     const auto isUser = [&typesAsWritten](const auto& element) {
         return isListed(element.type(), typesAsWritten);
@@ -217,7 +217,7 @@ public:
         if (m_follow == Follow::AllChildren || !isOptional(child))
             addNeedsOfMember(child);
         else if (child.complexType().present())
-            // An optional child, too, stays whatever its inline type names.
+            // Even an optional child stays, whatever its inline type names.
             addNeedsOf(child.complexType().get());
     }
 
@@ -258,7 +258,7 @@ private:
     DiscoveredNames m_names;
 };
 
-/// Types of one kind under their names; of those with one name, a std::unordered_map has the first.
+/// Types of one kind by name; of those with the same name, a std::unordered_map has the first.
 template <template <typename...> typename Map, typename Types>
 auto byName(const Types& types) {
     Map<std::string, const typename Types::value_type*> index;
@@ -274,7 +274,7 @@ void addNeedsOfTypes(NeededTypes& needed, const Index& index, const std::string&
     std::for_each(first, last, [&needed](const auto& type) { needed.addNeedsOf(*type.second); });
 }
 
-/// @return names with those of all types that these need, directly or through others
+/// @return the names, with those of all types that they need, directly or through others
 std::vector<std::string> withNeededTypes(const std::vector<std::string>& names, Follow follow,
                                          const ov_schema& schema) {
     const auto complexTypes = byName<std::unordered_multimap>(schema.complexType());
@@ -436,7 +436,7 @@ std::vector<std::string> XsdElement::requiredTypesOfRoots() const {
         for (const ov_sequence* sequence : sequencesOf(*type->second))
             for (const ov_element& child : sequence->element())
                 if (!isOptional(child)) {
-                    // Also one without a type: it keeps the list from being empty.
+                    // Even one without a type: it keeps the list from being empty.
                     needed.add(textOf(child.type()));
                     needed.addNeedsOf(child);
                 }

@@ -21,13 +21,13 @@ namespace Orvant {
 /// @endcode
 struct XsdChildElementProperty {
     std::string name;           ///< name of the element
-    std::string type;           ///< name of its type as the document writes it; may be empty
-    std::int32_t minOccurs = 0; ///< 1 where the document says nothing
-    /// Text of the document; "Unbounded" where it says nothing.
+    std::string type;           ///< name of its type as the document has it; may be empty
+    std::int32_t minOccurs = 0; ///< 1 if the document gives none
+    /// As the document has it; "Unbounded" if it gives none.
     std::string maxOccurs = "Unbounded";
 };
 
-/// One type of a schema, by which a root element may be declared.
+/// One type of a schema, with which a root element may be declared.
 ///
 /// @code
 /// const auto axis = tree.getXsdTree().at("Axis");
@@ -36,8 +36,8 @@ struct XsdChildElementProperty {
 ///     std::cout << "  @" << attribute << '\n';
 /// @endcode
 struct XsdElementProperty {
-    /// Name of the root element of this type, the last one where there are several; without one,
-    /// the type's name for a simple type, empty for a complex type.
+    /// Name of the root element of this type, the last one if there are several; without one, the
+    /// type's name for a simple type, empty for a complex type.
     std::string name;
     std::string type; ///< name of the type
     /// Child elements in document order, those of the type's sequence before those of its
@@ -49,7 +49,7 @@ struct XsdElementProperty {
     std::vector<std::string> attributes;
 };
 
-/// The types and root elements of a schema, and filters that take out of it what is not wanted.
+/// The types and root elements of a schema, and filters that remove what is not wanted.
 ///
 /// @code
 /// XsdElement tree(*OV_XsdReader::schema_(in, xml_schema::flags::dont_validate));
@@ -59,11 +59,11 @@ struct XsdElementProperty {
 /// OV_XsdReader::schema_(out, *tree.getSchema(), {}, "UTF-8");
 /// @endcode
 ///
-/// A name of a type with the prefix ov: means the declared type without it. Filters go by that;
-/// what is answered, and compared with given names, are names as the document writes them.
+/// A type name with the prefix ov: means the declared type without the prefix. Filters follow this;
+/// names that are returned, or compared with given names, are as the document has them.
 ///
-/// Copies share the document. The types and root elements that a copy answers are those from before
-/// the last filter that was applied through another copy.
+/// Copies share the document. The types and root elements that a copy returns do not show filters
+/// that have since been applied through another copy.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdElement {
 public:
     /// An empty tree without a document; filters have no effect on it.
@@ -78,10 +78,10 @@ public:
     virtual ~XsdElement();
 
     /// @return the types of the root elements in document order; a root element whose type is not
-    ///         declared is left out, a type comes once for each of its root elements
+    ///         declared is left out; a type appears once for each of its root elements
     std::vector<std::shared_ptr<XsdElementProperty>> getRootElements();
 
-    /// @return the declared types under their names; of two with one name, the first complex type
+    /// @return the declared types by name; of two with the same name, the first complex type
     std::map<std::string, std::shared_ptr<XsdElementProperty>> getXsdTree();
 
     /// @return the type of that name; null when it is not declared
@@ -90,29 +90,29 @@ public:
     /// @return the document, shared with this tree; null for an empty tree
     std::shared_ptr<OV_XsdReader::ov_schema> getSchema() const;
 
-    /// Takes away the types that are not wanted, and the optional children and root elements of
-    /// these types.
+    /// Removes the types that are not wanted, and the optional children and root elements of these
+    /// types.
     ///
-    /// What stays beside the listed types: the types of the required children of root elements;
-    /// and, for every type that stays, those of its required children and of its choices, its
-    /// base, and the types of its attributes. A root element does not keep its own type.
-    /// With no names at all, and no required child of a root element, just the first complex and
-    /// the first simple type go.
+    /// What stays besides the listed types: the types of the required children of root elements;
+    /// and, for every type that stays, those of its required children and of its choices, its base,
+    /// and the types of its attributes. A root element does not keep its own type. With no names at
+    /// all, and no required child of a root element, only the first complex and the first simple
+    /// type are removed.
     /// @param names names of the types to keep, with or without the prefix ov:
     void keepElements(const std::vector<std::string>& names);
 
-    /// Takes optional children (minOccurs="0") out of the first complex type of a name. Only the
-    /// children of its sequence and of its extension's sequence are looked at. No such type, no
-    /// effect.
+    /// Removes optional children (minOccurs="0") from the first complex type of a name. Only the
+    /// children of its sequence and of its extension's sequence are considered. Without such a
+    /// type, it has no effect.
     /// @param typeName   name of the complex type
     /// @param names      what to keep
     /// @param byType     whether `names` are those of the children's types, not of the children
-    /// @param pruneTypes whether to take away the types that are then not reachable any more,
-    ///                   through children, attributes and bases, from a root element or this type
+    /// @param pruneTypes whether to remove the types that are then no longer reachable, through
+    ///                   children, attributes and bases, from a root element or this type
     void keepChildElement(const std::string& typeName, const std::vector<std::string>& names,
                           bool byType, bool pruneTypes);
 
-    /// Takes the attributes with use="optional" out of the first complex type of a name and its
+    /// Removes attributes with use="optional" from the first complex type of a name and its
     /// extension.
     /// @param typeName name of the complex type
     /// @param names    names of the attributes to keep

@@ -6,8 +6,8 @@
 namespace Orvant {
 
 /// Follows a link from name to name.
-/// @return the given name and then, each after the link that leads to it, all others. The last is
-///         no link, unless there are more links than Linux follows.
+/// @return the given name, then the target of each link in turn. The last is not a link, unless
+///         there are more links than Linux follows.
 std::vector<std::filesystem::path> followLinks(const std::filesystem::path& path);
 
 } // namespace Orvant

@@ -22,7 +22,7 @@ std::error_code overwrite(const FileName& file, const std::string& bytes,
     out.close();
     if (!out.fail())
         return {};
-    // A suite's stream need not leave the system's reason.
+    // A suite's stream need not set errno.
     return {errno != 0 ? errno : EIO, std::generic_category()};
 }
 

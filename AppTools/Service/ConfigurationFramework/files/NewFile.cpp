@@ -9,8 +9,8 @@ namespace Orvant {
 
 namespace {
 
-/// Makes a file and opens it for writing. The mode fails for a name that is taken, even by a link
-/// (x), and keeps the stream from programs that the application starts (e, N).
+/// Creates a file and opens it for writing. The mode fails for a name that is taken, even by a link
+/// (x), and keeps programs that the application starts from inheriting the stream (e, N).
 std::FILE* makeFile(const std::filesystem::path& path) {
 #ifdef _WIN32
     return _wfopen(path.c_str(), L"wbxN");

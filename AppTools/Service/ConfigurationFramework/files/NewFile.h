@@ -10,8 +10,8 @@ namespace Orvant {
 
 class FileName;
 
-/// A file that this object makes and, unless it is finished, removes. What already has its name
-/// stays as it is, even a link that leads nowhere: links are never followed.
+/// A file that this object creates, and removes unless it is finished. Whatever already has its
+/// name stays as it is, even a link that leads nowhere: links are never followed.
 ///
 /// @code
 /// NewFile made(file);
@@ -20,7 +20,7 @@ class FileName;
 /// @endcode
 class NewFile {
 public:
-    /// Makes the file; ask isMade() whether that went well.
+    /// Creates the file; isMade() tells whether that succeeded.
     /// @throws FileNameException for a name that no file system could hold
     explicit NewFile(const FileName& file);
     explicit NewFile(std::filesystem::path path);
@@ -36,11 +36,11 @@ public:
     /// @return false when these or earlier bytes could not be written, or no file was made
     bool write(std::string_view bytes);
 
-    /// Closes the file, which then stays. One that does not hold all bytes is removed.
+    /// Closes the file and keeps it. One that does not hold all bytes is removed.
     /// @return false when the file was removed, or none was made
     bool finish();
 
-    /// @return the first failure, as the system reported it; none when all went well
+    /// @return the first failure, as the system reported it; no error when all went well
     const std::error_code& error() const { return m_error; }
 
 private:

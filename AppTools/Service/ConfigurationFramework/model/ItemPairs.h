@@ -8,8 +8,8 @@
 
 namespace Orvant {
 
-/// Finds for the items of an object those of the same name in another object (null: none). Objects
-/// of one class have them at the same positions.
+/// Finds, for the items of an object, those of the same name in another object (null: none).
+/// Objects of the same class have them at the same positions.
 template <typename Item>
 class ItemPairs {
 public:
@@ -17,8 +17,8 @@ public:
 
     ItemPairs(const Items& items, const Items* others) : m_items(items), m_others(others) {}
 
-    /// @return first other item of the name that the item at a position has; null when there is
-    ///         none
+    /// @return first item of the other object with the name of the item at a position; null when
+    ///         there is none
     const Item* counterpartOf(std::size_t position) {
         if (m_others == nullptr)
             return nullptr;

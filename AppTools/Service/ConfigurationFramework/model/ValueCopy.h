@@ -4,8 +4,8 @@
 
 namespace Orvant {
 
-/// Makes a value a copy of another, where both are exactly of a class: one that derives from it may
-/// be more than what it inherits.
+/// Makes a value a copy of another if both are of exactly this class: a derived class may hold more
+/// than it inherits.
 /// @return false when they are not, and nothing was done
 template <typename Class, typename Value>
 bool copyAs(const Value& original, Value& value) {

@@ -14,10 +14,10 @@ namespace {
 /// Entity references have no tag that could be asked for.
 constexpr DocumentTree::Name noName = std::numeric_limits<DocumentTree::Name>::max();
 
-/// Up to here, comparing tags letter by letter is faster than finding the number of one.
+/// Up to this many, comparing tags as text is faster than looking up the number of one.
 constexpr std::uint32_t mostChildrenToCompareByText = 4;
 
-/// As mostChildrenWithoutIndex, for a walk along all elements: it takes shorter steps.
+/// Like mostChildrenWithoutIndex, for a walk along all elements: its steps are shorter.
 constexpr DocumentTree::Element mostElementsWithoutIndex = 2 * mostChildrenWithoutIndex;
 
 /// @return first element of a name and key among sorted ones, or `none`
@@ -220,7 +220,7 @@ DocumentTree::Element DocumentTree::findBelow(Element ancestor, const std::strin
     return wanted ? nextBelow(ancestor, ancestor, *wanted) : none;
 }
 
-/// The next element of a name behind another and below an ancestor, or `none`.
+/// The next element of a name after another and below an ancestor, or `none`.
 DocumentTree::Element DocumentTree::nextBelow(Element ancestor, Element element, Name name) {
     const Element end = m_nodes[ancestor].end;
     const Element stop = std::min(end, element + mostElementsWithoutIndex);

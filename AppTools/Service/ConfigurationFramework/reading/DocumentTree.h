@@ -15,11 +15,11 @@
 namespace Orvant {
 
 /// What a reader can see of a configuration document, and no more: its elements in document order
-/// with their tags, keys and locks, and of each the first child: text, or something else, or none.
+/// with their tags, keys and locks, and the first child of each: text, something else, or none.
 ///
-/// The elements stand in one row, each before its descendants, so that a walk through a subtree is
-/// a walk along the row. Where there are many to search, an index is made when it is first needed.
-/// Not for use from several threads.
+/// The elements are in one array, each before its descendants, so that a traversal of a subtree is
+/// a walk along the array. Where there are many to search, an index is built when first needed. Not
+/// thread-safe.
 class DocumentTree {
 public:
     /// Position of an element in document order.
@@ -40,7 +40,7 @@ public:
     bool isOpen() const { return !m_open.empty(); }
     /// @return true when the open element has no child yet
     bool awaitsFirstChild() const;
-    /// Tells that the open element has a child that is neither element nor first text.
+    /// Records that the open element has a child that is neither an element nor its first text.
     void addOtherChild();
     /// Gives the open element its first child, a text.
     void addFirstText(std::u16string_view text);
@@ -48,7 +48,7 @@ public:
 
     bool empty() const { return m_nodes.empty(); }
     bool hasName(Element element, const std::string& name) const;
-    /// @return attribute key, empty when there is none
+    /// @return key attribute, empty when there is none
     const std::string& key(Element element) const { return *m_keyTexts[m_nodes[element].key]; }
     /// @return false when the attribute editable is "false"
     bool isEditable(Element element) const { return m_nodes[element].editable; }
@@ -70,7 +70,7 @@ public:
     Element findInDocument(const std::string& name, const std::string& key);
 
     /// Calls back with each element of that tag below another, in order, until false is returned.
-    /// @return false when the callback returned it
+    /// @return false when the callback returned false
     template <typename Callback>
     bool forEachBelow(Element ancestor, const std::string& name, Callback callback) {
         const auto wanted = findName(name);
@@ -110,30 +110,30 @@ private:
         std::size_t textLength = 0; ///< length of the first text
         Name name = 0;
         Key key = 0;
-        Element end = 0; ///< behind the last descendant; 0 while it is open
+        Element end = 0; ///< after the last descendant; 0 while it is open
         std::uint32_t children = 0;
         FirstChild firstChild = FirstChild::None;
         bool editable = true;
-        bool isFirstOfName = false; ///< surely the first of its name among its siblings
+        bool isFirstOfName = false; ///< certainly the first of its name among its siblings
     };
 
     /// Stands on the child that is likely to be asked for next: the one after the child that was
-    /// found last, for most are asked for in the order in which they stand.
+    /// found last, since most are asked for in document order.
     ///
     ///     <View> <Width>5</Width> <Zoom>2</Zoom> <Width>7</Width> </View>
     ///
     /// After the first Width, the cursor stands on Zoom. If that is asked for now, one comparison
-    /// finds it, and the cursor goes on to the second Width. There it does not help: who asks for
-    /// Width gets the first one, by a search. So a child is taken from the cursor only where it is
-    /// the first of its name (Node::isFirstOfName).
+    /// finds it, and the cursor goes on to the second Width. There it does not help: a request for
+    /// Width gets the first one, by a search. So a child is taken from the cursor only if it is the
+    /// first of its name (Node::isFirstOfName).
     class Cursor {
     public:
         void moveTo(Element parent, Element child) {
             m_parent = parent;
             m_child = child;
         }
-        /// @return the child of a parent that it stands on; past the last one the end of the
-        ///         parent; `none` when it stands below another parent
+        /// @return the child of the parent that it stands on; the end of the parent after the last
+        ///         child; `none` when it stands below another parent
         Element below(Element parent) const { return m_parent == parent ? m_child : none; }
 
     private:
@@ -141,16 +141,16 @@ private:
         Element m_child = none;
     };
 
-    /// Follows the elements of one tag as they are opened, to tell which is surely the first of the
-    /// tag among its siblings. Where that would take a search, it says no.
+    /// Tracks the elements of one tag as they are opened, to tell which is certainly the first of
+    /// the tag among its siblings. If that would take a search, the answer is no.
     class Openings {
     public:
         /// @param parent      of the element that is opened
         /// @param isStillOpen tells whether a former parent is open
-        /// @return true when the element is surely the first of the tag below its parent
+        /// @return true when the element is certainly the first of the tag below its parent
         template <typename IsStillOpen>
         bool add(Element parent, IsStillOpen isStillOpen) {
-            // The last parent is known, not those before it. One that is open still will get
+            // Only the last parent is known, not those before it. If it is still open, it will get
             // further children, which must not be taken for the first.
             if (m_lastParent != none && m_lastParent != parent && isStillOpen(m_lastParent))
                 m_isNested = true;
@@ -169,7 +169,7 @@ private:
         std::size_t occurrences = 0;
     };
 
-    /// An element by its tag and, as far as it counts, its key.
+    /// An element by its tag and, where it matters, its key.
     using Entry = std::tuple<Name, Key, Element>;
     /// The children of one element, sorted.
     struct ChildIndex {

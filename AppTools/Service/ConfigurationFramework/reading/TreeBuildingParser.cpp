@@ -34,8 +34,8 @@ void TreeBuildingParser::startDocument() {
 }
 
 DocumentTree::Name TreeBuildingParser::nameOf(const xercesc::XMLElementDecl& declaration) {
-    // The scanner has one declaration for each name, declared or not, and gives them numbers from 1
-    // on, where declared ones and others can have the same.
+    // The scanner has one declaration for each name, declared or not, and numbers them from 1; a
+    // declared one and another can have the same number.
     const XMLSize_t number = declaration.getId();
     if (number == m_names.size())
         m_names.resize(number + 1);
@@ -73,7 +73,7 @@ void TreeBuildingParser::startElement(const xercesc::XMLElementDecl& declaration
         endOpenElement();
 }
 
-/// Has the DOM refuse the names that it does not take for default attributes.
+/// Lets the DOM refuse the names that it does not accept for default attributes.
 void TreeBuildingParser::checkDefaults(const xercesc::XMLAttDefList& definitions) {
     for (XMLSize_t i = 0; i < definitions.getAttDefCount(); ++i) {
         const xercesc::XMLAttDef& definition = definitions.getAttDef(i);
@@ -101,7 +101,7 @@ void TreeBuildingParser::startEntityReference(const xercesc::XMLEntityDecl& decl
 }
 
 void TreeBuildingParser::endEntityReference(const xercesc::XMLEntityDecl&) {
-    // No first text begins in a reference.
+    // A first text never begins in a reference.
     m_tree->end();
 }
 
@@ -139,7 +139,7 @@ void TreeBuildingParser::addOtherChild() {
         m_tree->addOtherChild();
 }
 
-/// Only the end of a text tells that it is complete: it arrives in pieces, and a piece may end
+/// Only the end of a text shows that it is complete: it arrives in pieces, and a piece may end
 /// within a character.
 void TreeBuildingParser::endFirstText() {
     if (!m_inFirstText)

@@ -12,17 +12,17 @@
 
 namespace Orvant {
 
-/// The Xerces DOM parser with another tree to fill: its scanner, defaults and error handling stay,
-/// and what it reports becomes a DocumentTree instead of a DOM, whose nodes cost six times the time
-/// of the scanning. An empty DOM stays, for what it refuses (versions of XML, names of document
-/// types) and for what it takes: whoever edits the document needs a whole one.
+/// The Xerces DOM parser, filling another tree: its scanner, defaults and error handling stay, but
+/// what it reports becomes a DocumentTree instead of a DOM, whose nodes take six times as long as
+/// the scanning. An empty DOM stays, for what it refuses (XML versions, names of document types)
+/// and for what it takes: editing the document needs a whole one.
 class TreeBuildingParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;
 
-    /// @return what the last parse gave, null when it came to no document
+    /// @return result of the last parse, null when it gave no document
     DocumentTree* getTree() { return m_tree ? &*m_tree : nullptr; }
-    /// @return attribute version of the root, empty when there is none
+    /// @return version attribute of the root, empty when there is none
     const std::string& getVersion() const { return m_version; }
 
     void resetDocument() override;

@@ -80,7 +80,7 @@ void skipText(std::string_view& text) {
     }
 }
 
-/// What a line consists of, beside text.
+/// What a line consists of, besides text.
 enum class Content {
     Element, ///< both tags of an element that holds nothing but text
     EndTag,
@@ -90,10 +90,10 @@ enum class Content {
 /// A line with a prefix in its tags.
 struct ClassifiedLine {
     Content content;
-    std::size_t endTagPrefix = 0; ///< where the prefix of the end tag stands, if it has one
+    std::size_t endTagPrefix = 0; ///< position of the end tag's prefix, if it has one
 };
 
-/// @return Other, too, for an element whose start tag does not hold the first occurrence of the
+/// @return Other also for an element whose start tag does not hold the first occurrence of the
 ///         prefix, and for tags without the prefix
 ClassifiedLine classify(std::string_view line, std::string_view prefix) {
     constexpr ClassifiedLine other{Content::Other};

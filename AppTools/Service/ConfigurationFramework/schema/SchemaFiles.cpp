@@ -32,8 +32,8 @@ FileName beside(const FileName& file, const std::string& name) {
     return neighbour /= name;
 }
 
-/// Whether XML can hold every text of a schema. The model's serialiser would cut a text at its
-/// first NUL without a word, and lets an exception of Xerces through for most others.
+/// Whether XML can hold every text of a schema. The model's serialiser would silently cut a text at
+/// its first NUL, and lets a Xerces exception through for most others.
 bool fitsIntoXml(const OV_XsdReader::ov_schema& schema) {
     std::ostringstream texts;
     texts << schema;

@@ -37,8 +37,8 @@ public:
     void docPI(const XMLCh*, const XMLCh*) override {}
 };
 
-/// Measures a document instead of making one. It does so without namespaces: Xerces resolves the
-/// prefixes of an element in quadratic time, and before it reports the element.
+/// Measures a document instead of building one. It does so without namespaces: Xerces resolves the
+/// prefixes of an element in quadratic time, before it reports the element.
 class MeasuringParser : public ContentParser {
 public:
     using ContentParser::ContentParser;
@@ -69,7 +69,7 @@ public:
     void docPI(const XMLCh*, const XMLCh* data) override { add(data); }
 
 private:
-    /// Ends the parse: the scanner makes a parse error of the exception.
+    /// Ends the parse: the scanner turns the exception into a parse error.
     static void refuseIf(bool isTooLarge) {
         if (isTooLarge)
             ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);

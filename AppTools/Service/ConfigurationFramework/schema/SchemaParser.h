@@ -9,12 +9,12 @@ namespace Orvant {
 
 class FileName;
 
-/// What a schema file may hold at most. Real schemas are far below. Without the limits, a file of
-/// some kilobytes could keep the application busy for hours or fill its memory.
+/// The limits of a schema file. Real schemas are far below them. Without them, a file of a few
+/// kilobytes could keep the application busy for hours or fill its memory.
 struct SchemaLimits {
     static constexpr std::size_t attributes = 100; ///< of one element, or declared for one
     static constexpr std::size_t depth = 1'000;    ///< of elements
-    /// Different tags, and names of attributes: Xerces searches them one by one.
+    /// Different tags, and attribute names: Xerces searches them one by one.
     static constexpr std::size_t names = 10'000;
     /// Characters of a document whose references are expanded. One without references may be
     /// longer.

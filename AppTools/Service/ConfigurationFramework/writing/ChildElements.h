@@ -19,7 +19,7 @@ constexpr const XMLCh* keyAttribute = u"key";
 /// Which children of an element are meant.
 struct ChildSelection {
     XmlString tag;
-    /// An element without a key counts as one with an empty key. Nothing stands for any key.
+    /// An element without a key counts as one with an empty key. std::nullopt means any key.
     std::optional<XmlString> key;
 
     bool includes(const xercesc::DOMElement& child) const;
@@ -34,7 +34,7 @@ public:
     /// @return the first of the selected children; null when there is none
     xercesc::DOMElement* find(const ChildSelection& selection) const;
 
-    /// Takes the selected children out.
+    /// Removes the selected children.
     /// @return the children, in order
     std::vector<xercesc::DOMElement*> take(const ChildSelection& selection);
 

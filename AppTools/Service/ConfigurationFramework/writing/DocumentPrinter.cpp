@@ -22,22 +22,23 @@ namespace {
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
-/// Deepest nesting of elements that is printed: the printer walks them by recursion.
+/// Deepest nesting of elements that is printed: the printer visits them by recursion.
 constexpr std::size_t maxDepth = 4'000;
-/// Most indentation that is printed, that of one chain of so many elements. It grows with the depth
-/// of every element and would fill the disk.
+/// Maximum indentation that is printed, that of one chain of maxDepth elements. It grows with the
+/// depth of every element and would fill the disk.
 constexpr std::size_t maxIndentation = 2 * maxDepth * maxDepth;
-/// Most comments without an element between them that are printed.
+/// Maximum number of comments without an element between them that are printed.
 constexpr std::size_t maxCommentsInARow = 10'000;
-/// Most steps of the printer beside comments: those that so many comments in a row take. It looks
-/// for an element beside each and walks over all else on its way, which would take minutes.
+/// Maximum number of steps of the printer beside comments: as many as maxCommentsInARow comments
+/// take. It looks for an element beside each and passes everything else on the way, which would
+/// take minutes.
 constexpr std::size_t maxStepsBesideComments = maxCommentsInARow * maxCommentsInARow;
 
 /// How a document is laid out when it is printed.
 struct Layout {
     std::size_t nodes = 0;
     std::size_t depth = 0;               ///< of elements, 1 for a root without children
-    std::size_t indentation = 0;         ///< at most so many blanks
+    std::size_t indentation = 0;         ///< number of blanks at most
     std::size_t stepsBesideComments = 0; ///< from comments to the elements beside them
 };
 
@@ -59,7 +60,7 @@ std::size_t stepsBesideComments(const DOMNode& element) {
 }
 
 Layout layoutOf(const DOMElement& root) {
-    constexpr std::size_t step = 2; // of the printer, for each level
+    constexpr std::size_t step = 2; // of the printer, per level
     Layout layout;
     std::size_t depth = 1;
     const DOMNode* node = &root;
@@ -95,7 +96,7 @@ struct OutputRelease {
 };
 using Output = std::unique_ptr<xercesc::DOMLSOutput, OutputRelease>;
 
-/// Takes what is printed. A string of Xerces' would take four times the memory.
+/// Receives what is printed. A Xerces string would take four times the memory.
 class StringTarget : public xercesc::XMLFormatTarget {
 public:
     explicit StringTarget(std::size_t expectedSize) { m_text.reserve(expectedSize); }
@@ -116,13 +117,13 @@ Serializer makeSerializer(xercesc::DOMImplementation& implementation) {
     if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTBOM, true))
         configuration.setParameter(xercesc::XMLUni::fgDOMWRTBOM, false);
     configuration.setParameter(xercesc::XMLUni::fgDOMXMLDeclaration, false);
-    // The DTD that declares default attributes is not written, so they are.
+    // The DTD that declares default attributes is not written, so the attributes are.
     if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false))
         configuration.setParameter(xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false);
     return serializer;
 }
 
-/// @return nothing when XML cannot hold what stands in the element
+/// @return nothing when XML cannot hold what is in the element
 std::optional<std::string> serialize(const DOMElement& root, std::size_t expectedSize) {
     xercesc::DOMImplementation& implementation = *root.getOwnerDocument()->getImplementation();
     const Serializer serializer = makeSerializer(implementation);

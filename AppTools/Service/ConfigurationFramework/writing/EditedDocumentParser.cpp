@@ -11,7 +11,7 @@ namespace {
 
 using xercesc::DOMNode;
 
-/// @return how much of a text is before the line break and indentation at its end
+/// @return length of a text without the line break and indentation at its end
 std::size_t lengthBeforeFormatting(XmlStringView text) {
     const auto lastOther = text.find_last_not_of(formattingSpace);
     return lastOther == text.npos ? 0 : std::min(text.find(u'\n', lastOther), text.size());
@@ -45,7 +45,7 @@ void EditedDocumentParser::endDocument() {
     m_text.shrink_to_fit();
 }
 
-/// Makes a node of the text that has come to its end, if anything of it stays.
+/// Makes a node of the text that has ended, if anything of it is left.
 void EditedDocumentParser::endText() {
     if (m_hasLines)
         m_text.resize(lengthBeforeFormatting(m_text));
@@ -54,9 +54,9 @@ void EditedDocumentParser::endText() {
     m_text.clear();
 }
 
-/// Makes ready for a child with a line of its own.
+/// Prepares for a child with a line of its own.
 void EditedDocumentParser::startLine() {
-    // Only now it is known that what stands before the comments that come first is formatting.
+    // Only now is it known that the text before the leading comments is formatting.
     if (!m_hasLines)
         cutFormatting(*fCurrentParent);
     m_hasLines = true;

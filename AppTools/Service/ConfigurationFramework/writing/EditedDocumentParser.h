@@ -6,10 +6,10 @@
 
 namespace Orvant {
 
-/// The parser of a document that is edited and printed, any number of times. It refuses what takes
-/// too much memory, and leaves out what the printer makes anew: the line breaks and indentation
-/// before the tags and instructions that have lines of their own. Left in, they would grow with
-/// each printing.
+/// Parser for a document that is edited and printed any number of times. It refuses what takes too
+/// much memory, and leaves out what the printer adds again: the line breaks and indentation before
+/// the tags and instructions that have lines of their own. Otherwise they would grow with each
+/// printing.
 ///
 /// The document becomes one of XML 1.0, since no XML declaration is printed.
 class EditedDocumentParser : public ConfinedParser {
@@ -32,7 +32,7 @@ private:
     void startLine();
 
     DocumentMeasure m_measure;
-    XmlString m_text;        ///< that is open: no node is made of it yet
+    XmlString m_text;        ///< not yet made into a node
     bool m_hasLines = false; ///< the open element has a child with a line of its own
 };
 

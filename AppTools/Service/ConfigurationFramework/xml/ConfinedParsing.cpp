@@ -56,15 +56,15 @@ void ParserConfinement::parse(ConfinedParser& parser, const char* bytes, std::si
         else
             ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Out_Of_Memory);
     }
-    // What is added to the document from now on is the application's.
+    // What is added to the document from now on comes from the application.
     m_memory.endLimits();
 }
 
 void ParserConfinement::parseFile(ConfinedParser& parser, const FileName& file) {
     const std::wstring widePath = UnicodeTools::utf8_to_wstring(file.toNativeString());
     const auto systemId = transcode<XMLCh>(std::wstring_view(widePath));
-    // The bytes are read here because Xerces would take the name apart as a URL, spell it in the
-    // locale's encoding, and leak when it is that of a directory.
+    // The bytes are read here because Xerces would parse the name as a URL, convert it to the
+    // locale's encoding, and leak if it names a directory.
     const auto bytes = readRegularFile(file);
     if (!bytes)
         ThrowXML1(xercesc::RuntimeException, xercesc::XMLExcepts::Scan_CouldNotOpenSource,

@@ -15,24 +15,24 @@ namespace Orvant {
 class ConfinedParser;
 class FileName;
 
-/// Keeps a parser to the document that it is given: whatever is external (entities, a DTD) resolves
-/// to nothing, so that no file is read and no connection made. What the document makes of its size
-/// is limited: the number of entity references, wherever they stand, and how far they nest and
-/// expand; what its DTD holds; and the memory in all. Beyond a limit there is a parse error. What
-/// is not opened is told in the error log. Must outlive the parser.
+/// Confines a parser to the document that it is given: everything external (entities, a DTD)
+/// resolves to nothing, so that no file is read and no connection is made. What the document may
+/// expand to is limited: the number of entity references, wherever they are, and how far they nest
+/// and expand; what its DTD holds; and the total memory. Exceeding a limit is a parse error. What
+/// is not opened is reported in the error log. Must outlive the parser.
 class ParserConfinement : public xercesc::EntityResolver {
 public:
     static constexpr std::size_t maxEntityReferences = 10'000;
-    /// Most characters that references in content expand to.
+    /// Maximum number of characters that references in content expand to.
     static constexpr std::size_t maxCharacters = 10'000'000;
 
-    /// What differs by the kind of document.
+    /// Limits that depend on the kind of document.
     struct Limits {
-        /// Most characters that references in attributes and in a DTD expand to, but for the last
-        /// of them. What they are is not told, so each counts as the longest entity.
+        /// Maximum number of characters that references in attributes and in a DTD expand to,
+        /// except the last. Xerces does not report their entities, so each counts as the longest.
         std::size_t untoldCharacters;
-        /// Bytes of memory for each byte of a document, above the 64 MiB that any may take. A DTD
-        /// may take a quarter of that, above 4 MiB.
+        /// Bytes of memory per byte of a document, on top of the 64 MiB that any may take. A DTD
+        /// may take a quarter of that, on top of 4 MiB.
         std::size_t memoryFactor;
     };
     static constexpr Limits configurations{500'000, 16};
@@ -54,10 +54,10 @@ public:
 
     /// Parses a document in memory with the confined parser.
     /// @param content the document, up to its first NUL
-    /// @throws xercesc::XMLException for a passed limit where the parser has no error handler to
-    ///         tell of it, and for a document that the memory cannot hold
-    /// @throws xercesc::DOMException for a version of XML or a name of a document type that a DOM
-    ///         does not take
+    /// @throws xercesc::XMLException for an exceeded limit if the parser has no error handler to
+    ///         report it to, and for a document that does not fit into memory
+    /// @throws xercesc::DOMException for an XML version or a name of a document type that a DOM
+    ///         does not accept
     void parseString(ConfinedParser& parser, const std::string& content);
 
     /// Parses a document in memory with the confined parser.
@@ -75,17 +75,17 @@ private:
 
     void parse(ConfinedParser& parser, const char* bytes, std::size_t size, const XMLCh* systemId);
 
-    // Counts the references in content and attributes, and reports them as any other error.
+    // Counts the references in content and attributes, and reports an excess like any other error.
     xercesc::SecurityManager m_securityManager;
-    // Counts all of them, those within a DTD too.
+    // Counts all references, also those within a DTD.
     ParserMemory m_memory;
     std::size_t m_memoryFactor; ///< bytes for each byte of a document
     std::size_t m_documentSize = 0;
 };
 
-/// The Xerces DOM parser, confined. Of an entity reference it keeps what it stands for and no more,
-/// of a DTD the name alone: what a DTD declares takes effect in the scanner, and a DOM would hold
-/// it a second time and give default attributes to new elements.
+/// The Xerces DOM parser, confined. It keeps only the replacement of an entity reference and only
+/// the name of a DTD: what a DTD declares takes effect in the scanner, and a DOM would hold it a
+/// second time and give default attributes to new elements.
 class ConfinedParser : public xercesc::XercesDOMParser {
 public:
     explicit ConfinedParser(ParserConfinement& confinement);

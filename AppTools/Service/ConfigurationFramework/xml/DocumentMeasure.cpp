@@ -12,7 +12,7 @@ namespace Orvant {
 
 namespace {
 
-// Bytes that Xerces-C++ 3.2 takes on a 64-bit machine, as measured, with what the printer adds.
+// Bytes that Xerces-C++ 3.2 takes on a 64-bit machine, as measured, plus what the printer adds.
 constexpr std::size_t elementBytes = 208;
 constexpr std::size_t levelBytes = 400; // of the scanner's stack
 constexpr std::size_t nameBytes = 560;
@@ -108,7 +108,7 @@ void DocumentMeasure::endElement() {
 }
 
 void DocumentMeasure::addText(const XMLCh* text, XMLSize_t length, bool isCData) {
-    // Indentation is no node of a document that is edited; a blank value is one, as its end tells.
+    // Indentation is no node in an edited document; a blank value is one, as its end tag shows.
     m_endsWithSpace =
         !isCData && std::all_of(text, text + length, [](XMLCh c) { return c <= u' '; });
     if (m_endsWithSpace)

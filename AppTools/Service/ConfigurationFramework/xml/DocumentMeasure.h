@@ -14,30 +14,30 @@
 
 namespace Orvant {
 
-/// Adds up, while a configuration document is parsed, what a DOM of it takes, and ends the parse
-/// when that is too much, before the memory is filled. Readers make no DOM, but measure all the
-/// same: what is read can then be written, too.
+/// Adds up what a DOM of a configuration document takes while the document is parsed, and ends the
+/// parse when that is too much, before memory runs out. Readers build no DOM, but measure all the
+/// same, so that what is read can also be written.
 ///
-/// What an application's settings take is far below: it needs default attributes of a DTD, entities
-/// or megabytes of empty elements to get there.
+/// An application's settings stay far below: it takes default attributes of a DTD, entities or
+/// megabytes of empty elements to get there.
 ///
-/// All operations that add throw xercesc::RuntimeException when a limit is passed; the scanner
-/// makes a parse error of it.
+/// All operations that add throw xercesc::RuntimeException when a limit is exceeded; the scanner
+/// turns it into a parse error.
 class DocumentMeasure {
 public:
-    /// Most attributes of an element, given or declared. Xerces compares each with the others.
+    /// Maximum attributes of an element, given or declared. Xerces compares each with the others.
     static constexpr std::size_t maxAttributes = 1'000;
-    /// Most tags, and most names of attributes.
+    /// Maximum number of tags, and of attribute names.
     static constexpr std::size_t maxNames = 50'000;
-    /// Most attributes of type ID, which a DOM compares with one another.
+    /// Maximum number of attributes of type ID, which a DOM compares with one another.
     static constexpr std::size_t maxIds = 10'000;
 
-    /// @return most bytes that the nodes of a DOM may take
+    /// @return maximum number of bytes that the nodes of a DOM may take
     static constexpr std::size_t maxNodeBytes(std::size_t documentSize) {
         return (std::size_t{52} << 20U) + 14 * documentSize;
     }
-    /// @return most comparisons of names. A DOM finds each name among those with the same hash,
-    ///         which other documents than hostile ones have few of.
+    /// @return maximum number of name comparisons. A DOM finds each name among those with the same
+    ///         hash, of which only hostile documents have many.
     static constexpr std::size_t maxComparisons(std::size_t documentSize) {
         return 10'000'000 + 10 * documentSize;
     }
@@ -55,7 +55,7 @@ public:
     void addInstruction(const XMLCh* target, const XMLCh* data);
 
 private:
-    /// Number of a hash that a DOM files names under.
+    /// Hash by which a DOM stores names.
     using Hash = std::uint16_t;
     static constexpr std::size_t hashes = 257;
     struct Tag {
@@ -75,9 +75,9 @@ private:
     std::size_t m_depth = 0;
     std::size_t m_deepest = 0;
     std::vector<Tag> m_tags; ///< by the number that the scanner gives each
-    /// Of two tags with one number, the later: declared ones and others are numbered apart.
+    /// Of two tags with one number, the later: declared ones and others are numbered separately.
     std::unordered_map<const xercesc::XMLElementDecl*, Hash> m_otherTags;
-    std::unordered_map<XmlString, Hash> m_attributeNames; ///< but for those that are everywhere
+    std::unordered_map<XmlString, Hash> m_attributeNames; ///< except those that are everywhere
     std::array<std::size_t, hashes> m_namesOfHash{};
     std::size_t m_maxComparisons;
     std::size_t m_comparisons = 0;

@@ -2,7 +2,7 @@
 
 #include <xercesc/dom/DOMElement.hpp>
 
-// Walks follow links and do not recurse: a document may be nested deeper than the stack.
+// Walks follow links and do not recurse: a document may be nested deeper than the stack allows.
 
 namespace Orvant {
 
@@ -13,7 +13,7 @@ inline xercesc::DOMElement* asElement(xercesc::DOMNode* node) {
                : nullptr;
 }
 
-/// The node after another in document order below a root; null at the end.
+/// The node after another, in document order, below a root; null at the end.
 inline xercesc::DOMNode* nextBelow(const xercesc::DOMNode& root, const xercesc::DOMNode* node) {
     if (xercesc::DOMNode* const child = node->getFirstChild())
         return child;

@@ -4,7 +4,7 @@
 
 namespace Orvant {
 
-/// Up to here, comparing one child of an element after the other is faster than an index of them.
+/// Up to this many, comparing the children of an element one by one is faster than an index.
 constexpr std::uint32_t mostChildrenWithoutIndex = 32;
 
 } // namespace Orvant

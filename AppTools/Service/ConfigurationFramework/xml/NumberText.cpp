@@ -53,8 +53,8 @@ std::string format(Number number, Notation... notation) {
     return {buffer.data(), end};
 }
 
-/// Without the plus that std::from_chars does not take; another sign may not follow it.
-/// @return an empty text when one does
+/// Removes the plus, which std::from_chars does not accept; another sign may not follow it.
+/// @return an empty text if one does
 std::string_view withoutPlus(std::string_view text) {
     if (!text.starts_with('+'))
         return text;
@@ -75,7 +75,7 @@ bool extractNumber(std::string_view text, double& number) {
     double result = 0.0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
     if (error == std::errc::result_out_of_range) {
-        // Too large, or too small: here the standard leaves open what the stream decides.
+        // Too large or too small: the standard leaves this open, and the stream decides.
         std::istringstream stream{std::string(prefix)};
         stream.imbue(std::locale::classic());
         if (!(stream >> result))

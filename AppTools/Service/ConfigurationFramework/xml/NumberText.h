@@ -7,8 +7,8 @@
 
 namespace Orvant {
 
-/// Reads a number off the front of a text, as a stream extracts it: white space before it is
-/// skipped, anything after it ignored. An overflow is no number; an underflow is.
+/// Reads a number from the front of a text, as a stream does: white space before it is skipped,
+/// anything after it is ignored. An overflow is not a number; an underflow is.
 /// @param number written on success only
 /// @return true when there was a number
 bool extractNumber(std::string_view text, int& number);

@@ -32,8 +32,8 @@ void ParserMemory::refuseIf(bool isTooMuch) {
     throw xercesc::OutOfMemoryException();
 }
 
-/// For the document and for each entity that it expands, the scanner makes a reader, whose size
-/// nothing else has.
+/// The scanner makes a reader for the document and for each entity that it expands; nothing else
+/// has the size of a reader.
 bool ParserMemory::isReader(XMLSize_t size) {
     // In Xerces, a block made with a memory manager carries a header.
     static const XMLSize_t header =

@@ -7,11 +7,11 @@
 
 namespace Orvant {
 
-/// The memory of a parser, from Xerces' own. Limits how much of it the parser holds at a time and
-/// how far entity references expand, and frees at its end what the parser leaves behind.
+/// The memory of a parser, taken from Xerces' own. Limits how much the parser holds at a time and
+/// how far entity references expand, and finally frees what the parser leaves behind.
 class ParserMemory : public xercesc::MemoryManager {
 public:
-    /// Most entity references that are expanded within one another: each takes a hundred kilobytes.
+    /// Maximum nesting of entity references that are expanded: each takes a hundred kilobytes.
     static constexpr std::size_t maxNestedExpansions = 32;
 
     /// @param maxExpansions how many references may be expanded in all
@@ -20,33 +20,33 @@ public:
     ParserMemory& operator=(const ParserMemory&) = delete;
     ~ParserMemory() override;
 
-    /// @return true when a limit was passed
+    /// @return true when a limit was exceeded
     bool isExceeded() const { return m_isExceeded; }
 
     /// Limits what is held at a time.
     void limitBytes(std::size_t bytes) { m_maxBytes = bytes; }
-    /// Limits by how much what is held now may grow until endGrowth().
+    /// Limits how much more may be held until endGrowth().
     void limitGrowth(std::size_t bytes) { m_maxBytesOfGrowth = m_bytes + bytes; }
     void endGrowth() { m_maxBytesOfGrowth = unlimited; }
     void endLimits() { m_maxBytes = m_maxBytesOfGrowth = unlimited; }
 
     /// Limits the characters that references expand to.
-    /// @param told   in content, where the scanner tells of each
-    /// @param untold in a DTD and in attributes, where each is taken for the longest there is; the
-    ///               last is not counted
+    /// @param told   in content, where the scanner reports each
+    /// @param untold in a DTD and in attributes, where each counts as the longest entity; the last
+    ///               is not counted
     void limitCharacters(std::size_t told, std::size_t untold) {
         m_maxTold = told;
         m_maxUntold = untold;
     }
-    /// Tells of a declared entity: every expansion from now on may be its.
+    /// Reports a declared entity: every expansion from now on may be of it.
     /// @param length characters of its replacement text
     void addEntity(std::size_t length);
-    /// Tells what the last expansion is of.
+    /// Reports the text of the last expansion.
     /// @param length characters of the replacement text
-    /// @throws xercesc::OutOfMemoryException when a limit is passed
+    /// @throws xercesc::OutOfMemoryException when a limit is exceeded
     void tellExpansion(std::size_t length);
 
-    /// @throws xercesc::OutOfMemoryException when a limit is passed: what it takes to end the
+    /// @throws xercesc::OutOfMemoryException when a limit is exceeded: the exception that ends the
     /// parse
     void* allocate(XMLSize_t size) override;
     void deallocate(void* memory) override;
@@ -55,7 +55,7 @@ public:
 private:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    /// Stands before each block and links it with the others.
+    /// Precedes each block and links it with the others.
     struct alignas(std::max_align_t) Block {
         Block* previous = this;
         Block* next = this;
@@ -78,7 +78,7 @@ private:
     std::size_t m_maxTold = unlimited;
     std::size_t m_untold = 0;
     std::size_t m_maxUntold = unlimited;
-    bool m_awaitsTelling = false; ///< the last expansion may be told yet
+    bool m_awaitsTelling = false; ///< the last expansion may still be reported
     bool m_isExceeded = false;
 };
 

@@ -2,7 +2,7 @@
 
 namespace Orvant {
 
-/// Puts a reader's or writer's place in its document back at the end of the scope, also when an
+/// Restores a reader's or writer's place in its document at the end of the scope, even when an
 /// object throws while it is loaded or saved.
 /// @tparam Place an element, or whatever stands on one
 template <typename Place>

@@ -8,14 +8,14 @@ class Logging;
 
 /// Initialises Xerces-C++ under the suite-wide mutex.
 ///
-/// One initialisation more than is asked for is kept for the life of the process: building Xerces
-/// up from nothing costs over a millisecond, and the last Terminate() would throw that away.
+/// One extra initialisation is kept for the life of the process: setting up Xerces from scratch
+/// takes over a millisecond, and the last Terminate() would throw that away.
 /// @param log   where a failure is reported; it is not thrown
 /// @param place what the report names as its place
 /// @return false when Xerces reported a failure
 bool initializeXerces(const Logging& log, const std::source_location& place);
 
-/// An initialisation of Xerces-C++ that is given back at the end of the scope.
+/// An initialisation of Xerces-C++ that is released at the end of the scope.
 class XercesSession {
 public:
     explicit XercesSession(const Logging& log, const std::source_location& place);

@@ -11,7 +11,7 @@ namespace Orvant {
 static_assert(std::is_same_v<XMLCh, char16_t>,
               "Xerces-C++ must be built with char16_t as its character type, which is its default");
 
-/// Text as Xerces has it, in UTF-16.
+/// Text as Xerces stores it, in UTF-16.
 using XmlString = std::basic_string<XMLCh>;
 using XmlStringView = std::basic_string_view<XMLCh>;
 
@@ -21,20 +21,20 @@ constexpr const XMLCh* formattingSpace = u" \t\r\n";
 /// Text that an XML 1.0 document can hold.
 struct XmlText {
     XmlString text;
-    bool changed = false; ///< whether something of the original had to be replaced
+    bool changed = false; ///< whether part of the original had to be replaced
 };
 
-/// Makes text fit for a document: U+FFFD stands for each character outside the production Char of
-/// XML 1.0, section 2.2, and for each byte that is not UTF-8.
+/// Makes text fit for a document: U+FFFD replaces each character outside the production Char of XML
+/// 1.0, section 2.2, and each byte that is not UTF-8.
 /// @param text UTF-8
 XmlText toXmlText(std::string_view text);
 
-/// Makes text fit for a comment: as toXmlText(), and with a blank after each hyphen that another
-/// hyphen or the end would follow (XML 1.0, section 2.5).
+/// Makes text fit for a comment: like toXmlText(), and with a blank after each hyphen that is
+/// followed by another hyphen or the end (XML 1.0, section 2.5).
 /// @param text UTF-8
 XmlText toXmlComment(std::string_view text);
 
-/// @return the text in UTF-8 as it reads when it has been through a document
+/// @return the text in UTF-8 as it reads after going through a document
 /// @param text UTF-8
 std::string throughDocument(const std::string& text);
 

@@ -9,21 +9,21 @@
 /// read it. Failures are the runtime's own, xsd::cxx::tree::parsing<char>.
 namespace OV_XsdReader {
 
-/// Elements may stand this deep in a schema. Reading, copying and writing a document recurse as
-/// deep as it is; beyond any real schema, that would end on an exhausted stack.
+/// Maximum depth of elements in a schema. Reading, copying and writing a document recurse as deep
+/// as it is nested; far beyond any real schema, that would exhaust the stack.
 inline constexpr int maxDepth = 512;
 
-/// @return the text that stands directly in the element, without what its child elements hold
+/// @return the text directly in the element, without that of its child elements
 std::string ownText(const xercesc::DOMElement& element);
 
-/// Lets an attribute pass that holds a whole number of 32 bits, white space around it allowed.
+/// Checks that an attribute holds a 32-bit whole number; white space around it is allowed.
 /// @return the attribute
 /// @throws xsd::cxx::tree::parsing<char> when it holds anything else
 const xercesc::DOMAttr& wholeNumber(const xercesc::DOMAttr& attribute);
 
-/// Lets an element pass that stands at most `maxDepth` deep.
+/// Checks that an element is at most `maxDepth` deep.
 /// @return the element
-/// @throws xsd::cxx::tree::parsing<char> when it stands deeper
+/// @throws xsd::cxx::tree::parsing<char> when it is deeper
 const xercesc::DOMElement& notTooDeep(const xercesc::DOMElement& element);
 
 } // namespace OV_XsdReader

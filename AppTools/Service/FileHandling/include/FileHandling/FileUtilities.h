@@ -4,7 +4,7 @@
 
 namespace Orvant {
 
-/// Questions to and changes of the file system.
+/// Queries and changes of the file system.
 ///
 /// @code
 /// if (FileUtilities::exists(file))
@@ -12,7 +12,7 @@ namespace Orvant {
 /// @endcode
 ///
 /// All of them throw FileNameException for a name that no file system could hold and report every
-/// other trouble by their result.
+/// other failure by their result.
 class ORVANT_FILEHANDLING_EXPORT FileUtilities {
 public:
     /// @param file        what to look for; links are followed
@@ -24,7 +24,7 @@ public:
     /// @return true when the file was there and is gone
     static bool remove(const FileName& file);
 
-    /// Copies the contents of a file, over the target if there is one.
+    /// Copies the contents of a file, overwriting the target if there is one.
     /// @return true when the copy is complete
     static bool copyFile(const FileName& source, const FileName& target);
 

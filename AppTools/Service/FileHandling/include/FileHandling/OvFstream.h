@@ -14,7 +14,7 @@ namespace Orvant {
 /// @endcode
 class ORVANT_FILEHANDLING_EXPORT OvIfstream : public std::ifstream {
 public:
-    /// Opens the file; ask is_open() whether that went well.
+    /// Opens the file; is_open() tells whether that succeeded.
     /// @throws FileNameException for a name that no file system could hold
     explicit OvIfstream(const FileName& file, std::ios::openmode mode = std::ios::in);
     ~OvIfstream() override;
@@ -33,7 +33,7 @@ public:
         Utf8ByteOrderMark = 1 ///< the bytes EF BB BF
     };
 
-    /// Opens the file; ask is_open() whether that went well.
+    /// Opens the file; is_open() tells whether that succeeded.
     /// @throws FileNameException for a name that no file system could hold
     explicit OvOfstream(const FileName& file, std::ios::openmode mode = std::ios::out,
                         ByteOrderMark byteOrderMark = NoByteOrderMark);

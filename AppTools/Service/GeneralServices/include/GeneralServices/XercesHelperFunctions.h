@@ -8,7 +8,7 @@
 
 namespace Orvant {
 
-/// Text on its way into Xerces-C++ (UTF-16) and back (UTF-8). Works without an initialised Xerces.
+/// Converts text for Xerces-C++ (UTF-16) and back (UTF-8). Works without an initialised Xerces.
 ///
 /// @code
 /// const auto tag = XercesHelperFunctions::stringToXmlCh("Größe");

@@ -13,15 +13,15 @@ namespace Orvant {
 /// s_log.logERROR("cannot do it", __FILE__, __func__, __LINE__);
 /// @endcode
 ///
-/// Messages go to the spdlog logger that is registered under the name; where there is none, one
-/// that writes to standard error is registered. A host application routes them by registering its
-/// own logger of that name, or by adding sinks to the one that is there.
+/// Messages go to the spdlog logger that is registered under the name; if there is none, one that
+/// writes to standard error is registered. A host application routes them by registering its own
+/// logger of that name, or by adding sinks to the one that is there.
 class ORVANT_LOGGING_EXPORT Logging {
 public:
     /// @param name name of the spdlog logger to write to
     explicit Logging(std::string name);
 
-    /// Logs one error with the place that reports it. Never throws for a sink that fails.
+    /// Logs one error with the place that reports it. Does not throw when a sink fails.
     /// @param message  what went wrong
     /// @param file     source file of the place
     /// @param function signature of the function

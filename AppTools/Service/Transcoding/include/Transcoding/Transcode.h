@@ -12,8 +12,8 @@ namespace Orvant {
 
 constexpr boost::locale::utf::code_point replacementCharacter = 0xFFFD;
 
-/// Takes one code point off the front of a text, U+FFFD for a code unit that is ill-formed there.
-/// @param position where to read, before `end`; moved behind what was read
+/// Reads one code point from the front of a text, U+FFFD for an ill-formed code unit.
+/// @param position where to read, before `end`; moved past what was read
 /// @param end      end of the text
 template <typename Char>
 boost::locale::utf::code_point takeCodePoint(const Char*& position, const Char* end) {
@@ -21,17 +21,17 @@ boost::locale::utf::code_point takeCodePoint(const Char*& position, const Char* 
     const auto codePoint = boost::locale::utf::utf_traits<Char>::decode(position, end);
     if (codePoint != boost::locale::utf::illegal && codePoint != boost::locale::utf::incomplete)
         return codePoint;
-    // The decoder has taken the unit that broke the sequence; that one may be good by itself.
+    // The decoder has consumed the unit that broke the sequence, which may be valid by itself.
     position = first + 1;
     return replacementCharacter;
 }
 
 /// Converts between UTF-8, UTF-16 and UTF-32, told apart by the size of the character type.
-/// @param result what the text is appended to, with U+FFFD for each code unit that is ill-formed
+/// @param result what the text is appended to, with U+FFFD for each ill-formed code unit
 template <typename To, typename From>
 void appendTranscoded(std::basic_string<To>& result, std::basic_string_view<From> text) {
     const From* const end = text.data() + text.size();
-    // Most texts are ASCII altogether, which all the encoding forms have in common.
+    // Most texts are pure ASCII, which is the same in all the encoding forms.
     const From* position =
         std::find_if(text.data(), end, [](From unit) { return unit < 0 || unit > 0x7F; });
     const auto length = result.size();

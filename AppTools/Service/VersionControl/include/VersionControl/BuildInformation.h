@@ -6,7 +6,7 @@
 
 namespace Orvant {
 
-/// What is known of the running build.
+/// What is known about the running build.
 ///
 /// @code
 /// BuildInformation::setProductType(2); // the host application is the suite's product 2
@@ -16,11 +16,11 @@ public:
     /// Number of a product of the suite, 0 to 5; other numbers name no product.
     using ProductType = std::int32_t;
 
-    /// @return the product of the running build: what setProductType was last given, else what the
-    ///         build was configured with (ORVANT_BUILD_PRODUCT), else 0
+    /// @return the product of the running build: what setProductType was last given, otherwise what
+    ///         the build was configured with (ORVANT_BUILD_PRODUCT), otherwise 0
     static ProductType getProductType();
 
-    /// Tells which product the host application is. May be called from any thread.
+    /// Sets which product the host application is. May be called from any thread.
     static void setProductType(ProductType product);
 };
 
