@@ -21,8 +21,8 @@
 ///
 /// The functions schema_ parse a document and write one. Those that parse a stream or a file open
 /// whatever it refers to and expand entities without bound; XsdConfigReader does neither. They
-/// throw what is derived from xsd::cxx::exception: xsd::cxx::tree::parsing<char> for a document
+/// throw classes derived from xsd::cxx::exception: xsd::cxx::tree::parsing<char> for a document
 /// that is not well-formed, a minOccurs that is not a whole number and a type that stands more than
 /// 512 elements deep; xsd::cxx::tree::unexpected_element<char> for another document element. What
-/// XML cannot hold is no business of theirs: XsdConfigReader::writeXSD() looks after that.
+/// XML cannot hold is not checked here, but by XsdConfigReader::writeXSD().
 namespace OV_XsdReader {}
