@@ -2,28 +2,63 @@
 
 #include <ConfigurationFramework/files/FileLinks.h>
 #include <ConfigurationFramework/files/NewFile.h>
+#include <ConfigurationFramework/files/OpenFile.h>
 #include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileName.h>
-#include <FileHandling/OvFstream.h>
 
-#include <cerrno>
 #include <filesystem>
 
 namespace Orvant {
 
 namespace {
 
-std::error_code overwrite(const FileName& file, const std::string& bytes,
-                          std::ios::openmode extraMode = {}) {
-    errno = 0;
-    OvOfstream out(file, std::ios::out | std::ios::trunc | extraMode, OvOfstream::NoByteOrderMark);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out.fail())
+/// What a file held before it was overwritten.
+struct Former {
+    std::uintmax_t size;
+    std::optional<std::string> bytes; ///< nothing where they cannot be read
+};
+
+/// As far as the disk allows.
+void putBack(OpenFile& out, const Former& former) {
+    // First what needs no room on it.
+    [[maybe_unused]] std::error_code ignored = out.resize(former.size);
+    if (former.bytes)
+        ignored = out.writeAt(0, *former.bytes);
+}
+
+/// A full disk shows while the former bytes are still there: what goes beyond them is first.
+std::error_code overwrite(OpenFile& out, std::string_view bytes, const Former& former) {
+    const std::string_view front = bytes.substr(0, former.size);
+    std::error_code error = out.writeAt(former.size, bytes.substr(front.size()));
+    if (error) {
+        [[maybe_unused]] const std::error_code ignored = out.resize(former.size);
+        return error;
+    }
+    error = out.writeAt(0, front);
+    if (!error && bytes.size() < former.size)
+        error = out.resize(bytes.size());
+    if (error)
+        putBack(out, former);
+    return error;
+}
+
+std::error_code overwriteFile(const std::filesystem::path& target, std::string_view bytes,
+                              std::optional<std::string> formerBytes) {
+    OpenFile out(target, OpenFile::Purpose::Overwrite);
+    if (!out.isOpen())
+        return out.error();
+    const Former former{.size = out.size(), .bytes = std::move(formerBytes)};
+    if (const std::error_code error = overwrite(out, bytes, former))
+        return error;
+    const std::error_code error = out.close();
+    if (!error)
         return {};
-    // A suite's stream need not set errno.
-    return {errno != 0 ? errno : EIO, std::generic_category()};
+    // Some file systems tell only now that there is no room.
+    OpenFile again(target, OpenFile::Purpose::Overwrite);
+    if (again.isOpen())
+        putBack(again, former);
+    return error;
 }
 
 } // namespace
@@ -39,13 +74,9 @@ std::error_code saveInPlace(const FileName& file, const std::string& bytes) {
     std::error_code ignored;
     if (std::filesystem::is_fifo(target, ignored))
         return std::make_error_code(std::errc::no_such_device_or_address);
-    const auto former = readRegularFile(file);
-    const std::error_code error = overwrite(file, bytes);
-    if (error && former) {
-        // As far as the disk allows.
-        [[maybe_unused]] const auto restored = overwrite(file, *former, std::ios::binary);
-    }
-    return error;
+    const std::error_code error = overwriteFile(target, bytes, readRegularFile(file));
+    // Then the reason is why it could not be made.
+    return error == std::errc::no_such_file_or_directory ? made.error() : error;
 }
 
 } // namespace Orvant

@@ -2,65 +2,66 @@
 
 #include <ConfigurationFramework/files/RegularFile.h>
 
-#include <cerrno>
 #include <utility>
 
 namespace Orvant {
 
-namespace {
-
-/// Creates a file and opens it for writing. The mode fails for a name that is taken, even by a link
-/// (x), and keeps programs that the application starts from inheriting the stream (e, N).
-std::FILE* makeFile(const std::filesystem::path& path) {
-#ifdef _WIN32
-    return _wfopen(path.c_str(), L"wbxN");
-#else
-    return std::fopen(path.c_str(), "wbxe");
-#endif
-}
-
-} // namespace
-
 NewFile::NewFile(const FileName& file) : NewFile(toPath(file)) {}
 
-NewFile::NewFile(std::filesystem::path path) : m_path(std::move(path)), m_stream(makeFile(m_path)) {
-    if (!m_stream)
-        keepError();
-}
+NewFile::NewFile(std::filesystem::path path, unsigned int mode)
+    : m_path(std::move(path)),
+      m_file(m_path, OpenFile::Purpose::Make, mode),
+      m_error(m_file.error()) {}
 
 NewFile::~NewFile() {
-    if (!m_stream)
+    if (!isMade())
         return;
-    m_stream.reset();
-    remove();
+    keep(std::make_error_code(std::errc::operation_canceled));
+    finish();
 }
 
 bool NewFile::write(std::string_view bytes) {
-    if (m_stream && !m_error &&
-        std::fwrite(bytes.data(), 1, bytes.size(), m_stream.get()) != bytes.size())
-        keepError();
-    return m_stream && !m_error;
+    if (isMade() && !m_error)
+        keep(m_file.write(bytes));
+    return isMade() && !m_error;
+}
+
+bool NewFile::flush() {
+    if (isMade() && !m_error)
+        keep(m_file.flush());
+    return isMade() && !m_error;
 }
 
 bool NewFile::finish() {
-    if (!m_stream)
+    if (!isMade())
         return false;
-    // Closing writes what the stream still holds.
-    if (std::fclose(m_stream.release()) != 0)
-        keepError();
-    if (m_error)
-        remove();
-    return !m_error;
+    keep(m_file.close());
+    return removeAfterFailure();
 }
 
-void NewFile::keepError() {
+bool NewFile::finishAs(const std::filesystem::path& name) {
+    if (!isMade())
+        return false;
+    keep(m_file.close());
+    if (!m_error) {
+        std::error_code error;
+        std::filesystem::rename(m_path, name, error);
+        keep(error);
+    }
+    return removeAfterFailure();
+}
+
+void NewFile::keep(const std::error_code& error) {
     if (!m_error)
-        m_error.assign(errno, std::generic_category());
+        m_error = error;
 }
 
-void NewFile::remove() {
+bool NewFile::removeAfterFailure() {
+    if (!m_error)
+        return true;
     std::error_code error;
     std::filesystem::remove(m_path, error);
+    return false;
 }
 
 } // namespace Orvant

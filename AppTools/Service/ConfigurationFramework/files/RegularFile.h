@@ -9,19 +9,28 @@ namespace Orvant {
 
 class FileName;
 
-/// The name for the standard library. Converted here, since a suite's FileName may lack toPath().
+/// The name for the standard library. Made here, since a suite's FileName need not have a toPath().
 /// @throws FileNameException for a name that no file system could hold
 std::filesystem::path toPath(const FileName& file);
 
-/// Reads all bytes of a regular file. Nothing else is ever opened: a pipe or a device would block
-/// the application for ever.
-/// @return nothing when the name is not that of a regular file, or the file cannot be read or is
-///         larger than 1 GiB, which no settings are
+/// What was read, or why nothing was.
+struct FileBytes {
+    std::optional<std::string> bytes;
+    std::error_code error; ///< as the system reported it; none when there are bytes
+};
+
+/// Reads all bytes of a regular file, however its size changes meanwhile. Nothing else is ever
+/// opened: a pipe or a device would keep the application waiting for ever.
+/// @return no bytes when the name is not that of a regular file, or the file cannot be read to its
+///         end or is larger than 1 GiB, which no settings are
+/// @throws FileNameException for a name that no file system could hold
+FileBytes readBytes(const FileName& file);
+
+/// @return the bytes of readBytes()
 /// @throws FileNameException for a name that no file system could hold
 std::optional<std::string> readRegularFile(const FileName& file);
 
-/// @return why readRegularFile() would return nothing, as the system reports it; no error when it
-/// would not
+/// @return the error of readBytes()
 /// @throws FileNameException for a name that no file system could hold
 std::error_code checkRegularFile(const FileName& file);
 
