@@ -102,6 +102,8 @@ public:
                                std::function<void(std::string)> callback) override;
 
 private:
+    friend class LayerDocument; // which keeps what the sources hold
+
     ConfigurationAccessResult addSource(const FileName& file, const std::string& content,
                                         const std::list<std::string>& nodePath, Priority priority,
                                         const std::list<std::string>& validVersions);

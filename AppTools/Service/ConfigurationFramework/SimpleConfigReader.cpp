@@ -2,11 +2,16 @@
 
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
+#include <utility>
+
 namespace Orvant {
 
 SimpleConfigReader::SimpleConfigReader(const FileName& file, const std::string& content,
                                        const std::list<std::string>& validVersions)
     : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, file, content, validVersions)) {}
+
+SimpleConfigReader::SimpleConfigReader(std::shared_ptr<ParsedDocument> document)
+    : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, std::move(document))) {}
 
 SimpleConfigReader::~SimpleConfigReader() = default;
 

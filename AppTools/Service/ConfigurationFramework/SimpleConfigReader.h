@@ -8,6 +8,7 @@
 
 namespace Orvant {
 
+struct ParsedDocument;
 class SimpleConfigReaderImpl;
 
 /// Reader of one XML configuration document, from a file or from a string.
@@ -108,6 +109,10 @@ public:
                                std::function<void(std::string)> callback) override;
 
 private:
+    friend class LayerDocument; // which reads a document again without parsing it again
+
+    explicit SimpleConfigReader(std::shared_ptr<ParsedDocument> document);
+
     std::unique_ptr<SimpleConfigReaderImpl> m_impl;
 };
 

@@ -2,12 +2,15 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/reading/TreeBuildingParser.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/NumberText.h>
 #include <ConfigurationFramework/xml/PlaceRestorer.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileUtilities.h>
+#include <GeneralServices/XmlErrorHandler.h>
 #include <Logging/Logging.h>
 
 #include <algorithm>
@@ -52,6 +55,13 @@ SimpleConfigReaderImpl::SimpleConfigReaderImpl(ConfigReader& reader, const FileN
     : m_reader(reader) {
     init(file, content, validVersions);
 }
+
+SimpleConfigReaderImpl::SimpleConfigReaderImpl(ConfigReader& reader,
+                                               std::shared_ptr<ParsedDocument> document)
+    : m_reader(reader),
+      m_document(std::move(document)),
+      m_tree(&m_document->tree),
+      m_current(DocumentTree::root) {}
 
 ConfigurationAccessResult SimpleConfigReaderImpl::makeCurrent(Element element) {
     if (element != DocumentTree::none)
@@ -227,8 +237,11 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 63
     initializeXerces(s_log, std::source_location::current());
 
-    m_parser = m_confinement.makeParser<TreeBuildingParser>();
-    m_parser->setErrorHandler(&m_errorHandler);
+    XmlErrorHandler errors;
+    ParserConfinement confinement(ParserConfinement::configurations);
+    const auto parser = confinement.makeParser<TreeBuildingParser>();
+    parser->setErrorHandler(&errors);
+    std::string bytes; // of a file
 
     if (!file.empty()) {
         try {
@@ -236,7 +249,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 88
                 throw refusedDocument(ConfigException::SourceNotFound);
             }
-            m_confinement.parseFile(*m_parser, file);
+            bytes = confinement.parseFile(*parser, file);
         } catch (const xercesc::XMLException&) {
 #line 95
             throw refusedDocument(ConfigException::InvalidDocument);
@@ -249,7 +262,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
         }
     } else if (!content.empty()) {
         try {
-            m_confinement.parseString(*m_parser, content);
+            confinement.parseString(*parser, content);
         } catch (const xercesc::XMLException&) {
 #line 131
             throw refusedDocument(ConfigException::InvalidDocument);
@@ -262,11 +275,11 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
         throw refusedDocument(ConfigException::SourceNotFound);
     }
 
-    if (m_errorHandler.getSawErrors()) {
+    if (errors.getSawErrors()) {
 #line 153
         throw refusedDocument(ConfigException::ParserReportedErrors);
     }
-    m_tree = m_parser->getTree();
+    m_tree = parser->getTree();
     if (m_tree == nullptr) {
 #line 161
         throw refusedDocument(ConfigException::InvalidDocument);
@@ -280,10 +293,12 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 176
         throw refusedDocument(ConfigException::InvalidDocument);
     }
-    if (std::ranges::find(validVersions, m_parser->getVersion()) == validVersions.end()) {
+    if (std::ranges::find(validVersions, parser->getVersion()) == validVersions.end()) {
 #line 185
         throw refusedDocument(ConfigException::InvalidVersion);
     }
+    m_document = std::make_shared<ParsedDocument>(std::move(bytes), std::move(*m_tree));
+    m_tree = &m_document->tree;
 }
 
 } // namespace Orvant

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationAccessResult.h>
-#include <ConfigurationFramework/reading/TreeBuildingParser.h>
-#include <ConfigurationFramework/xml/ConfinedParsing.h>
-
-#include <GeneralServices/XmlErrorHandler.h>
+#include <ConfigurationFramework/reading/ParsedDocument.h>
 
 #include <functional>
 #include <list>
@@ -28,6 +25,11 @@ class SimpleConfigReaderImpl {
 public:
     SimpleConfigReaderImpl(ConfigReader& reader, const FileName& file, const std::string& content,
                            const std::list<std::string>& validVersions);
+    /// Reads a document once more.
+    SimpleConfigReaderImpl(ConfigReader& reader, std::shared_ptr<ParsedDocument> document);
+
+    /// @return the document, to be shared with other readers of the same thread
+    const std::shared_ptr<ParsedDocument>& document() const { return m_document; }
 
     ConfigurationAccessResult setCurrentNode(const std::string& name);
     ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
@@ -72,11 +74,9 @@ private:
     std::optional<std::string_view> requiredText(const std::string& name, bool& editable);
 
     ConfigReader& m_reader;
-    ParserConfinement m_confinement{ParserConfinement::configurations};
-    std::unique_ptr<TreeBuildingParser> m_parser;
-    DocumentTree* m_tree = nullptr; ///< of the parser
+    std::shared_ptr<ParsedDocument> m_document;
+    DocumentTree* m_tree = nullptr; ///< of the document
     DocumentTree::Element m_current = DocumentTree::none;
-    XmlErrorHandler m_errorHandler;
 };
 
 } // namespace Orvant

@@ -60,16 +60,17 @@ void ParserConfinement::parse(ConfinedParser& parser, const char* bytes, std::si
     m_memory.endLimits();
 }
 
-void ParserConfinement::parseFile(ConfinedParser& parser, const FileName& file) {
+std::string ParserConfinement::parseFile(ConfinedParser& parser, const FileName& file) {
     const std::wstring widePath = UnicodeTools::utf8_to_wstring(file.toNativeString());
     const auto systemId = transcode<XMLCh>(std::wstring_view(widePath));
     // The bytes are read here because Xerces would parse the name as a URL, convert it to the
     // locale's encoding, and leak if it names a directory.
-    const auto bytes = readRegularFile(file);
+    auto bytes = readRegularFile(file);
     if (!bytes)
         ThrowXML1(xercesc::RuntimeException, xercesc::XMLExcepts::Scan_CouldNotOpenSource,
                   systemId.c_str());
     parse(parser, bytes->data(), bytes->size(), systemId.c_str());
+    return std::move(*bytes);
 }
 
 void ParserConfinement::parseString(ConfinedParser& parser, const std::string& content) {

@@ -47,10 +47,11 @@ public:
     }
 
     /// Parses a file with the confined parser.
+    /// @return the bytes of the file
     /// @throws xercesc::XMLException when the file is not a regular file or cannot be read
     /// @throws FileNameException for a name that no file system could hold
     /// and as parseString()
-    void parseFile(ConfinedParser& parser, const FileName& file);
+    std::string parseFile(ConfinedParser& parser, const FileName& file);
 
     /// Parses a document in memory with the confined parser.
     /// @param content the document, up to its first NUL

@@ -13,6 +13,14 @@ inline xercesc::DOMElement* asElement(xercesc::DOMNode* node) {
                : nullptr;
 }
 
+/// The comment right before an element, which belongs to it; null when there is none.
+inline xercesc::DOMNode* commentBefore(const xercesc::DOMElement& element) {
+    xercesc::DOMNode* const previous = element.getPreviousSibling();
+    return previous != nullptr && previous->getNodeType() == xercesc::DOMNode::COMMENT_NODE
+               ? previous
+               : nullptr;
+}
+
 /// The node after another, in document order, below a root; null at the end.
 inline xercesc::DOMNode* nextBelow(const xercesc::DOMNode& root, const xercesc::DOMNode* node) {
     if (xercesc::DOMNode* const child = node->getFirstChild())
