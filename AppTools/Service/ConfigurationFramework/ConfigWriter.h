@@ -184,6 +184,8 @@ public:
     const std::string& getSaveProblem() const;
 
 private:
+    friend class ConfigWriterImpl;
+
     std::unique_ptr<ConfigWriterImpl> m_impl;
 };
 

@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 
 #include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/files/FileSaving.h>
 #include <ConfigurationFramework/reading/TreeBuildingParser.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
@@ -81,24 +82,50 @@ ConfigWriterImpl::ConfigWriterImpl(const std::string& version)
           xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS")->createDocument()),
       m_document(m_newDocument.get()) {
     m_current = m_document->createElement(configurationTag);
-    m_current->setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
     m_document->appendChild(m_current);
+    setVersion(version);
 }
+
+ConfigWriterImpl::ConfigWriterImpl()
+    : m_session(s_log, std::source_location::current()),
+      m_parser(m_confinement.makeParser<EditedDocumentParser>()) {}
 
 ConfigWriterImpl::ConfigWriterImpl(const FileName& file, const std::string& content)
-    : m_session(s_log, std::source_location::current()),
-      m_parser(m_confinement.makeParser<EditedDocumentParser>()) {
-    load(file, content);
-}
-
-void ConfigWriterImpl::load(const FileName& file, const std::string& content) {
+    : ConfigWriterImpl() {
     if (file.empty() && content.empty())
         throw ConfigException(ConfigException::SourceNotFound);
-    try {
+    load([&] {
         if (file.empty())
             m_confinement.parseString(*m_parser, content);
         else
             m_confinement.parseFile(*m_parser, file);
+    });
+}
+
+std::unique_ptr<ConfigWriterImpl> ConfigWriterImpl::openBytes(const std::string& bytes) {
+    std::unique_ptr<ConfigWriterImpl> impl(new ConfigWriterImpl);
+    impl->load([&] { impl->m_confinement.parseBytes(*impl->m_parser, bytes); });
+    return impl;
+}
+
+ConfigWriterImpl& ConfigWriterImpl::of(const ConfigWriter& writer) {
+    return *writer.m_impl;
+}
+
+std::string ConfigWriterImpl::version() const {
+    return XercesHelperFunctions::xmlChToString(
+        m_document->getDocumentElement()->getAttribute(versionAttribute));
+}
+
+void ConfigWriterImpl::setVersion(const std::string& version) {
+    root().setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
+}
+
+/// @param parse has the parser parse the document
+template <typename Parse>
+void ConfigWriterImpl::load(Parse parse) {
+    try {
+        parse();
     } catch (const xercesc::XMLException&) {
         throw ConfigException(ConfigException::InvalidDocument);
     } catch (const xercesc::DOMException&) {
@@ -208,6 +235,14 @@ void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::strin
     deleteChildren(keyed(name, key));
 }
 
+bool ConfigWriterImpl::deleteObject(const std::string& name,
+                                    const std::optional<std::string>& key) {
+    const ChildSelection selection = key ? keyed(name, *key) : named(name);
+    const bool isThere = findChild(selection) != nullptr;
+    deleteChildren(selection);
+    return isThere;
+}
+
 void ConfigWriterImpl::deleteChildren(const ChildSelection& selection) {
     if (ChildElements* const index = currentIndex()) {
         for (DOMElement* element : index->take(selection))
@@ -234,16 +269,9 @@ void ConfigWriterImpl::deleteChildren(const ChildSelection& selection) {
         index.add(*element);
 }
 
-/// The comment right before an element, which belongs to it; null when there is none.
-DOMNode* ConfigWriterImpl::commentOf(const DOMElement& element) {
-    DOMNode* const previous = element.getPreviousSibling();
-    return previous != nullptr && previous->getNodeType() == DOMNode::COMMENT_NODE ? previous
-                                                                                   : nullptr;
-}
-
 /// Deletes a child of the current element, with its comment.
 void ConfigWriterImpl::deleteElement(DOMElement& element) {
-    if (DOMNode* const comment = commentOf(element))
+    if (DOMNode* const comment = commentBefore(element))
         m_current->removeChild(comment);
     m_current->removeChild(&element);
 }
@@ -272,7 +300,7 @@ ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name)
     DOMElement* const element = findChild(named(name));
     if (element == nullptr)
         return ConfigurationAccessResult::Failure;
-    DOMNode* const comment = commentOf(*element);
+    DOMNode* const comment = commentBefore(*element);
     DOMNode* const first = m_current->getFirstChild();
     if (first == element || first == comment)
         return ConfigurationAccessResult::Success;

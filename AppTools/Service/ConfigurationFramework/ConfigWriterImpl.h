@@ -7,6 +7,7 @@
 #include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -17,6 +18,7 @@
 
 namespace Orvant {
 
+class ConfigWriter;
 class FileName;
 
 /// The document of a ConfigWriter and its current element. The operations are those of the writer.
@@ -24,6 +26,19 @@ class ConfigWriterImpl {
 public:
     explicit ConfigWriterImpl(const std::string& version);
     ConfigWriterImpl(const FileName& file, const std::string& content);
+    /// Opens an existing document for editing.
+    /// @param bytes the document, all of it
+    /// @throws ConfigException like ConfigWriter for a document that is not opened
+    static std::unique_ptr<ConfigWriterImpl> openBytes(const std::string& bytes);
+
+    /// @return what is in a writer
+    static ConfigWriterImpl& of(const ConfigWriter& writer);
+
+    /// @return the root of the document
+    xercesc::DOMElement& root() { return *m_document->getDocumentElement(); }
+    /// @return attribute version of the root
+    std::string version() const;
+    void setVersion(const std::string& version);
 
     /// Makes an element that is not in the tree yet.
     /// @throws xercesc::DOMException for an invalid name
@@ -39,6 +54,9 @@ public:
     void deleteNodes(const std::string& name, const std::string& key);
     /// Deletes the child that createKeyedNode() would replace.
     void deleteKeyedNode(const std::string& name, const std::string& key);
+    /// Deletes the children that a registered object is saved in place of.
+    /// @return false when there is none
+    bool deleteObject(const std::string& name, const std::optional<std::string>& key);
 
     std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) const;
     /// Moves the first child of that name, with its comment, before all others.
@@ -62,12 +80,14 @@ private:
         void operator()(xercesc::DOMDocument* document) const { document->release(); }
     };
 
-    void load(const FileName& file, const std::string& content);
+    ConfigWriterImpl();
+
+    template <typename Parse>
+    void load(Parse parse);
     xercesc::DOMElement& appendElement(const std::string& name, const std::string& comment);
     void replaceBy(xercesc::DOMElement& element, const ChildSelection& replaced,
                    const std::string& comment);
     void deleteChildren(const ChildSelection& selection);
-    static xercesc::DOMNode* commentOf(const xercesc::DOMElement& element);
     void deleteElement(xercesc::DOMElement& element);
     xercesc::DOMElement* findChild(const ChildSelection& selection);
     ChildElements* currentIndex();

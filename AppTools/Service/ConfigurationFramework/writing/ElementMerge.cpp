@@ -1,0 +1,234 @@
+#include <ConfigurationFramework/writing/ElementMerge.h>
+
+#include <ConfigurationFramework/writing/ChildElements.h>
+#include <ConfigurationFramework/xml/DomWalk.h>
+
+#include <set>
+
+#include <xercesc/dom/DOMComment.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
+namespace Orvant {
+
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+
+const ElementId& idOf(const ElementChange& change) {
+    const WrittenElement* const any = change.now != nullptr    ? change.now
+                                      : change.base != nullptr ? change.base
+                                                               : change.stored;
+    return any->id;
+}
+
+bool isChanged(const ElementChange& change) {
+    const auto& [base, now, stored] = change;
+    if (base == nullptr && now == nullptr)
+        return true; // written only beside what the object writes otherwise
+    return base == nullptr || now == nullptr || !(*base == *now);
+}
+
+/// Whether the change is made child by child.
+bool isGroup(const ElementChange& change) {
+    bool group = false;
+    for (const WrittenElement* element : {change.base, change.now, change.stored}) {
+        if (element == nullptr || (element->children.empty() && element->text.empty()))
+            continue;
+        if (!element->isGroup())
+            return false;
+        group = true;
+    }
+    return group;
+}
+
+/// The children that are added, changed or gone, in the order in which they are written.
+std::vector<ElementChange> changesWithin(const ElementChange& change) {
+    static const std::vector<WrittenElement> none;
+    const auto childrenOf = [](const WrittenElement* element) -> const auto& {
+        return element == nullptr ? none : element->children;
+    };
+    const auto find = [](const WrittenElement* element, const ElementId& id, std::size_t expected) {
+        return element == nullptr ? nullptr : element->find(id, expected);
+    };
+    std::vector<ElementChange> changes;
+    std::set<const WrittenElement*> seen;
+    const auto add = [&](const ElementChange& child) {
+        seen.insert({child.base, child.stored});
+        if (isChanged(child))
+            changes.push_back(child);
+    };
+    std::size_t position = 0;
+    for (const WrittenElement& now : childrenOf(change.now)) {
+        add({find(change.base, now.id, position), &now, find(change.stored, now.id, position)});
+        ++position;
+    }
+    for (const WrittenElement& base : childrenOf(change.base))
+        if (!seen.contains(&base))
+            add({&base, nullptr, find(change.stored, base.id, 0)});
+    for (const WrittenElement& stored : childrenOf(change.stored))
+        if (!seen.contains(&stored))
+            add({nullptr, nullptr, &stored});
+    return changes;
+}
+
+/// The child elements of one element, found as readers find them.
+class Siblings {
+public:
+    explicit Siblings(DOMElement& parent) {
+        for (DOMNode* node = parent.getFirstChild(); node != nullptr; node = node->getNextSibling())
+            if (DOMElement* const element = asElement(node))
+                add(*element);
+    }
+    void add(DOMElement& element) { m_children.add(element); }
+    void remove(const DOMElement& element) {
+        m_children.take({element.getTagName(), XmlString(element.getAttribute(keyAttribute))});
+    }
+
+    /// @param areKeyed whether the tag's elements are told apart by keys
+    DOMElement* find(const ElementId& id, bool areKeyed) const {
+        // Readers take the first element of a tag that is not asked for with a key.
+        return m_children.find({id.tag, areKeyed ? id.key.value_or(XmlString()) : id.key});
+    }
+
+private:
+    ChildElements m_children;
+};
+
+DOMElement& append(DOMElement& parent, const ElementId& id, const XmlString& comment) {
+    xercesc::DOMDocument& document = *parent.getOwnerDocument();
+    DOMElement& element = *document.createElement(id.tag.c_str());
+    if (id.key)
+        element.setAttribute(keyAttribute, id.key->c_str());
+    if (!comment.empty())
+        parent.appendChild(document.createComment(comment.c_str()));
+    parent.appendChild(&element);
+    return element;
+}
+
+/// Removes an element with its comment.
+void remove(DOMElement& element) {
+    DOMNode& parent = *element.getParentNode();
+    if (DOMNode* const comment = commentBefore(element))
+        parent.removeChild(comment)->release();
+    parent.removeChild(&element)->release();
+}
+
+/// Gives an element the contents of another; its attributes stay.
+void fill(DOMElement& element, const WrittenElement& contents) {
+    while (DOMNode* const child = element.getFirstChild())
+        element.removeChild(child)->release();
+    for (const WrittenElement& child : contents.children)
+        fill(append(element, child.id, child.comment), child);
+    if (!contents.text.empty())
+        element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
+}
+
+bool holds(const DOMElement& element, const WrittenElement& contents) {
+    const WrittenElement present = copyOf(element);
+    return present.text == contents.text && present.children == contents.children;
+}
+
+/// Makes a change as a whole.
+std::size_t replaceValue(DOMElement& parent, Siblings& siblings, DOMElement* present,
+                         const ElementChange& change) {
+    if (change.stored == nullptr) {
+        if (present == nullptr)
+            return 0;
+        siblings.remove(*present);
+        remove(*present);
+        return 1;
+    }
+    if (present == nullptr) {
+        DOMElement& added = append(parent, change.stored->id, change.stored->comment);
+        siblings.add(added);
+        fill(added, *change.stored);
+        return 1;
+    }
+    if (holds(*present, *change.stored))
+        return 0;
+    fill(*present, *change.stored);
+    return 1;
+}
+
+/// The tags whose elements are told apart by keys.
+std::set<XmlString> keyedTagsOf(const ElementChange& change) {
+    std::set<XmlString> tags;
+    for (const WrittenElement* element : {change.base, change.now, change.stored})
+        if (element != nullptr)
+            for (const WrittenElement& child : element->children)
+                if (child.id.key)
+                    tags.insert(child.id.tag);
+    return tags;
+}
+
+/// The first element with a tag below another, at any depth; null when there is none.
+DOMElement* firstBelow(DOMElement& element, const XmlString& tag) {
+    for (DOMNode* node = nextBelow(element, &element); node != nullptr;
+         node = nextBelow(element, node))
+        if (DOMElement* const found = asElement(node);
+            found != nullptr && tag == found->getTagName())
+            return found;
+    return nullptr;
+}
+
+/// A list is read from the first element with its tag at any depth. Where a child's would be taken
+/// for it, it goes to the front.
+void keepListsReadable(DOMElement& group, const ElementChange& change) {
+    static const std::vector<WrittenElement> none;
+    for (const WrittenElement& list : change.now == nullptr ? none : change.now->children) {
+        if (!list.isList())
+            continue;
+        const DOMElement* const first = firstBelow(group, list.id.tag);
+        if (first == nullptr || first->getParentNode() == &group)
+            continue;
+        DOMElement* present = Siblings(group).find(list.id, false);
+        if (present == nullptr) {
+            present = &append(group, list.id, list.comment);
+            fill(*present, list);
+        }
+        DOMNode* const comment = commentBefore(*present);
+        DOMNode* const front = group.getFirstChild();
+        if (comment != nullptr)
+            group.insertBefore(comment, front);
+        group.insertBefore(present, front);
+    }
+}
+
+std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* present,
+                       const ElementChange& change) {
+    if (present == nullptr && change.stored == nullptr)
+        return 0;
+    const bool isNew = present == nullptr;
+    if (isNew) {
+        present = &append(parent, change.stored->id, change.stored->comment);
+        siblings.add(*present);
+    }
+    const std::size_t count = mergeChanges(*present, change);
+    if (count != 0)
+        keepListsReadable(*present, change);
+    // What was emptied goes, and what was made for nothing.
+    if ((isNew || count != 0) && !present->hasChildNodes()) {
+        siblings.remove(*present);
+        remove(*present);
+    }
+    return count;
+}
+
+} // namespace
+
+std::size_t mergeChanges(DOMElement& element, const ElementChange& change) {
+    const std::set<XmlString> keyedTags = keyedTagsOf(change);
+    Siblings siblings(element);
+    std::size_t count = 0;
+    for (const ElementChange& child : changesWithin(change)) {
+        DOMElement* const present = siblings.find(idOf(child), keyedTags.contains(idOf(child).tag));
+        const bool isGone = child.now == nullptr && child.stored == nullptr;
+        count += !isGone && isGroup(child) ? mergeGroup(element, siblings, present, child)
+                                           : replaceValue(element, siblings, present, child);
+    }
+    return count;
+}
+
+} // namespace Orvant

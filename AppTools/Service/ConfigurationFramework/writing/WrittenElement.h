@@ -1,0 +1,45 @@
+#pragma once
+
+#include <ConfigurationFramework/xml/XmlText.h>
+
+#include <compare>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace Orvant {
+
+/// What tells the children of an element apart.
+struct ElementId {
+    XmlString tag;
+    std::optional<XmlString> key; ///< attribute key; nothing: it has none
+
+    auto operator<=>(const ElementId& other) const = default;
+};
+
+/// An element as an object wrote it, detached from its document.
+struct WrittenElement {
+    ElementId id;
+    XmlString comment = {}; ///< right before it; empty: none
+    XmlString text = {};    ///< of an element without child elements
+    std::vector<WrittenElement> children = {};
+
+    /// @param child    identity to look for
+    /// @param expected position that it has in what the same class wrote
+    /// @return first child with that identity; null when there is none
+    const WrittenElement* find(const ElementId& child, std::size_t expected) const;
+    /// Whether both hold the same. Comments do not count.
+    bool operator==(const WrittenElement& other) const;
+    /// @return true for an element whose children are merged one by one; false for a value: a text,
+    ///         a list, or children that cannot be told apart
+    bool isGroup() const;
+    /// @return true for what may be a list: items, or nothing at all
+    bool isList() const;
+};
+
+/// @return a copy of what stands in a document
+WrittenElement copyOf(const xercesc::DOMElement& element);
+
+} // namespace Orvant
