@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <list>
 #include <memory>
 #include <string>
@@ -23,6 +24,9 @@ protected:
     ~ManagerFixture() override {
         m_manager.reset();
         m_manager.setValidVersionList(m_formerVersions);
+        m_manager.setSaveMode(ConfigurationManager::InPlace);
+        m_manager.setLockTimeout(std::chrono::seconds(5));
+        m_manager.setSystemFileRequired(false);
     }
 
     /// Registers an object under its own name.
@@ -38,6 +42,16 @@ protected:
                                 const std::string& key) {
         m_manager.addConfigurationObject(object, name, key);
         return object;
+    }
+
+    /// @return a manager of the same files, versions and modes without objects, as another process
+    ///         has it
+    ConfigurationManager anotherProcess() const {
+        ConfigurationManager other = m_manager;
+        for (const ConfigurationRegistration& registration : other.getRegistrations())
+            registration.key ? other.removeConfigurationObject(registration.name, *registration.key)
+                             : other.removeConfigurationObject(registration.name);
+        return other;
     }
 
     void useOneFile() { m_manager.setConfigurationFile(m_file); }

@@ -1,156 +1,23 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
-#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/ConfigurationReloading.h>
+#include <ConfigurationFramework/ConfigurationSaving.h>
+#include <ConfigurationFramework/ElementAddress.h>
 
 #include <FileHandling/FileUtilities.h>
-#include <GeneralServices/XercesHelperFunctions.h>
-#include <Logging/Logging.h>
 
 #include <algorithm>
-#include <exception>
 #include <optional>
+#include <ranges>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
-#include <xercesc/dom/DOMException.hpp>
-#include <xercesc/util/XMLException.hpp>
-
 namespace Orvant {
-
-namespace {
-
-const Logging s_log("ConfigurationManager");
-
-/// The element that an object is loaded from and saved to.
-struct ElementAddress {
-    const std::string& name;
-    const std::optional<std::string>& key; ///< tells elements of one name apart
-
-    explicit ElementAddress(const ConfigurationRegistration& registration)
-        : name(registration.name), key(registration.key) {}
-
-    ConfigurationAccessResult load(AdvancedConfigReader& reader,
-                                   ConfigurationObject& object) const {
-        // Bypasses SystemReader's override, which calls this.
-        return key ? reader.AdvancedConfigReader::getClassContents(name, *key, object)
-                   : reader.AdvancedConfigReader::getClassContents(name, object);
-    }
-    void put(ConfigWriter& writer, const ConfigurationObject& object) const {
-        if (key)
-            writer.putClassContents(name, *key, object, "");
-        else
-            writer.putClassContents(name, object, "");
-    }
-    void putDifferences(ConfigWriter& writer, const ConfigurationObject& object,
-                        ConfigReader& reference) const {
-        if (key)
-            writer.putOnlyDifferentClassContents(name, *key, object, reference, "");
-        else
-            writer.putOnlyDifferentClassContents(name, object, reference, "");
-    }
-};
-
-/// The system file as objects that are compared with it see it: each asks for itself by its own
-/// name, but the file has it at its registered address.
-class SystemReader : public AdvancedConfigReader {
-public:
-    using AdvancedConfigReader::getClassContents;
-
-    /// Sets the object that is compared from now on.
-    void setCompared(const ConfigurationRegistration& registration) { m_compared = &registration; }
-
-    ConfigurationAccessResult getClassContents(const std::string& name,
-                                               ConfigurationObject& object) override {
-        return name == m_compared->object->getName()
-                   ? ElementAddress(*m_compared).load(*this, object)
-                   : AdvancedConfigReader::getClassContents(name, object);
-    }
-
-private:
-    const ConfigurationRegistration* m_compared = nullptr;
-};
-
-std::unique_ptr<ConfigWriter> openForSaving(const FileName& file, const std::string& version) {
-    if (!FileUtilities::exists(file))
-        return std::make_unique<ConfigWriter>(version);
-    try {
-        // What the file holds for others survives.
-        return std::make_unique<ConfigWriter>(file, "");
-    } catch (const ConfigException&) {
-        if (const std::error_code problem = checkRegularFile(file))
-            throw std::system_error(problem);
-        throw std::runtime_error("it is there, but cannot be read as a configuration");
-    }
-}
-
-/// Wraps what an object throws while it is written.
-class ObjectNotWritten : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// Calls back with each registration whose object writes something.
-template <typename Objects, typename Write>
-void forEachWritten(const Objects& objects, Write write) {
-    for (const auto& [name, registration] : objects) {
-        try {
-            if (registration.object->writesContent())
-                write(registration);
-        } catch (...) {
-            std::throw_with_nested(ObjectNotWritten(name));
-        }
-    }
-}
-
-std::string textOf(const XMLCh* message) {
-    return XercesHelperFunctions::xmlChToString(message);
-}
-
-/// The message of an exception, with the object that it comes from.
-std::string describe(const std::exception_ptr& exception) {
-    try {
-        std::rethrow_exception(exception);
-    } catch (const ObjectNotWritten& e) {
-        const auto& nested = dynamic_cast<const std::nested_exception&>(e);
-        return std::string("the object \"").append(e.what()).append("\": ") +
-               describe(nested.nested_ptr());
-    } catch (const std::exception& e) {
-        return e.what();
-    } catch (const xercesc::DOMException& e) {
-        return textOf(e.getMessage());
-    } catch (const xercesc::XMLException& e) {
-        return textOf(e.getMessage());
-    } catch (...) {
-        return "an exception of unknown type";
-    }
-}
-
-/// Saves to a file; any exception leaves the file unchanged. A failure is logged in one line.
-/// @param save puts the objects into a writer of the file and saves it
-/// @return what `save` returns, false for an exception
-template <typename Save>
-bool saveGuarded(const FileName& file, const std::string& version, Save save) {
-    std::string problem;
-    try {
-        auto writer = openForSaving(file, version);
-        if (save(writer))
-            return true;
-        problem = writer->getSaveProblem();
-    } catch (...) {
-        problem = describe(std::current_exception());
-    }
-    std::string line = '"' + file.toString() + "\" was not saved: " + problem;
-    std::ranges::replace(line, '\n', ' ');
-    s_log.logERROR(line, __FILE__, __func__, __LINE__);
-    return false;
-}
-
-} // namespace
 
 ConfigurationManager ConfigurationManager::s_instance;
 
@@ -181,18 +48,25 @@ void ConfigurationManager::setValidVersionList(const std::list<std::string>& ver
     ++m_revision;
 }
 
+void ConfigurationManager::setSystemFileRequired(bool required) {
+    m_systemFileRequired = required;
+    ++m_revision;
+}
+
 void ConfigurationManager::addConfigurationObjects(
     const std::vector<ConfigurationRegistration>& registrations) {
     std::optional<AdvancedConfigReader> reader;
     unsigned int readRevision = 0;
     bool hasSource = false;
     for (const ConfigurationRegistration& registration : registrations) {
-        registerObject(registration);
+        const bool isRegistered = registerObject(registration);
         // An object may set other files, or save, while it is loaded.
         if (!reader || readRevision != m_revision.number()) {
             readRevision = m_revision.number();
             hasSource = addSourceToConfigReader(reader.emplace());
         }
+        if (isRegistered && m_layers != nullptr)
+            setKnown(registration, {m_layers, std::nullopt, !mayLoad(*m_layers)});
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
     }
@@ -208,7 +82,8 @@ void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationO
     addConfigurationObjects({{std::move(object), name, key}});
 }
 
-void ConfigurationManager::registerObject(const ConfigurationRegistration& registration) {
+/// @return true when the object is registered, now or since earlier
+bool ConfigurationManager::registerObject(const ConfigurationRegistration& registration) {
     const auto& [object, name, key] = registration;
     if (object == nullptr)
         throw std::invalid_argument("a null object cannot be registered as " + name);
@@ -216,32 +91,106 @@ void ConfigurationManager::registerObject(const ConfigurationRegistration& regis
     // all of them, so it has no siblings with keys.
     const auto namesake = m_objects.find(name);
     const bool mayJoin = namesake == m_objects.end() || (key && namesake->second.key);
-    if (mayJoin && m_taken.emplace(name, key).second)
+    if (mayJoin && m_taken.emplace(Address(name, key), nullptr).second) {
         m_objects.emplace(name, registration);
+        m_removed.erase({name, key});
+    }
+    const auto registered = find(name, key);
+    return registered != m_objects.end() && registered->second.object == object;
+}
+
+ConfigurationManager::Objects::const_iterator
+ConfigurationManager::find(const std::string& name) const {
+    const auto found = m_objects.lower_bound(name);
+    return found != m_objects.end() && found->first == name ? found : m_objects.end();
+}
+
+ConfigurationManager::Objects::const_iterator
+ConfigurationManager::find(const std::string& name, const std::optional<std::string>& key) const {
+    const auto [first, last] = m_objects.equal_range(name);
+    const auto found =
+        std::find_if(first, last, [&](const auto& object) { return object.second.key == key; });
+    return found == last ? m_objects.end() : found;
 }
 
 ConfigurationObject* ConfigurationManager::getConfigurationObject(const std::string& name) const {
-    const auto found = m_objects.lower_bound(name);
-    return found != m_objects.end() && found->first == name ? found->second.object.get() : nullptr;
+    const auto found = find(name);
+    return found == m_objects.end() ? nullptr : found->second.object.get();
+}
+
+std::vector<ConfigurationRegistration> ConfigurationManager::getRegistrations() const {
+    const auto registrations = m_objects | std::views::values;
+    return {registrations.begin(), registrations.end()};
+}
+
+bool ConfigurationManager::removeConfigurationObject(const std::string& name) {
+    return removeObject(find(name));
+}
+
+bool ConfigurationManager::removeConfigurationObject(const std::string& name,
+                                                     const std::string& key) {
+    return removeObject(find(name, key));
+}
+
+bool ConfigurationManager::removeObject(Objects::const_iterator found) {
+    if (found == m_objects.end())
+        return false;
+    const auto& [object, name, key] = found->second;
+    m_taken.erase({name, key});
+    // What a class never writes is not its own.
+    if (object->writesContent())
+        m_removed.emplace(name, key);
+    m_objects.erase(found);
+    return true;
+}
+
+/// @return what is known of a registered object's state in the files that are set now; null:
+///         nothing
+const ConfigurationManager::KnownState*
+ConfigurationManager::knownOf(const ConfigurationRegistration& registration) const {
+    const auto found = m_taken.find({registration.name, registration.key});
+    const KnownState* const known = found == m_taken.end() ? nullptr : found->second.get();
+    return known != nullptr && known->layers->user.isOf(targetFile()) ? known : nullptr;
+}
+
+void ConfigurationManager::setKnown(const ConfigurationRegistration& registration,
+                                    KnownState state) const {
+    const auto taken = m_taken.find({registration.name, registration.key});
+    if (taken != m_taken.end())
+        taken->second = std::make_shared<const KnownState>(std::move(state));
+}
+
+/// @return the file that saves go to; empty: none
+FileName ConfigurationManager::targetFile() const {
+    return m_fileMode == SingleFile          ? m_configurationFile
+           : m_fileMode == SystemAndUserFile ? m_userFile
+                                             : FileName();
+}
+
+/// Adds the files to a reader and keeps what they hold.
+ConfigurationLayers ConfigurationManager::readLayers(AdvancedConfigReader& reader) const {
+    ConfigurationLayers layers;
+    if (m_fileMode == SystemAndUserFile)
+        layers.system = LayerDocument(reader, m_systemFile, AdvancedConfigReader::Priority::System,
+                                      m_validVersions);
+    if (m_fileMode != NoFiles)
+        layers.user = LayerDocument(reader, targetFile(), AdvancedConfigReader::Priority::User,
+                                    m_validVersions);
+    return layers;
 }
 
 bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader) {
-    const auto add = [&](const FileName& file, AdvancedConfigReader::Priority priority) {
-        return reader.addFileSource(file, {}, priority, m_validVersions) ==
-               ConfigurationAccessResult::Success;
-    };
-    switch (m_fileMode) {
-    case SystemAndUserFile: {
-        const bool systemAdded = add(m_systemFile, AdvancedConfigReader::Priority::System);
-        const bool userAdded = add(m_userFile, AdvancedConfigReader::Priority::User);
-        return systemAdded || userAdded;
-    }
-    case SingleFile:
-        return add(m_configurationFile, AdvancedConfigReader::Priority::User);
-    case NoFiles:
-        break;
-    }
-    return false;
+    ConfigurationLayers layers = readLayers(reader);
+    if (m_fileMode == NoFiles)
+        m_layers = nullptr;
+    else if (m_layers == nullptr || !m_layers->holdSame(layers)) // one copy for many loads
+        m_layers = std::make_shared<const ConfigurationLayers>(std::move(layers));
+    return m_layers != nullptr && mayLoad(*m_layers) &&
+           (m_layers->system.isAccepted() || m_layers->user.isAccepted());
+}
+
+bool ConfigurationManager::mayLoad(const ConfigurationLayers& layers) const {
+    return !m_systemFileRequired || m_fileMode != SystemAndUserFile || layers.system.isAccepted();
 }
 
 bool ConfigurationManager::hasSystemConfigFileErrors() {
@@ -263,6 +212,8 @@ bool ConfigurationManager::hasErrors(const FileName& file) const {
 void ConfigurationManager::reset() {
     m_objects.clear();
     m_taken.clear();
+    m_removed.clear();
+    m_layers.reset();
     m_fileMode = NoFiles;
     m_configurationFile = FileName();
     m_systemFile = FileName();
@@ -272,8 +223,16 @@ void ConfigurationManager::reset() {
 }
 
 void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {
-    const auto found = m_objects.lower_bound(name);
-    if (found == m_objects.end() || found->first != name)
+    resetObject(find(name), fromUserFile);
+}
+
+void ConfigurationManager::resetConfigurationObject(const std::string& name, const std::string& key,
+                                                    bool fromUserFile) {
+    resetObject(find(name, key), fromUserFile);
+}
+
+void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromUserFile) {
+    if (found == m_objects.end())
         return;
     const ConfigurationRegistration& registration = found->second;
     const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
@@ -285,17 +244,20 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
 
     if (m_fileMode == NoFiles)
         return;
-    const FileName& file = m_fileMode == SingleFile ? m_configurationFile
-                           : fromSystemFile         ? m_systemFile
-                                                    : m_userFile;
     AdvancedConfigReader reader;
-    const auto added = reader.addFileSource(file, {},
-                                            fromSystemFile ? AdvancedConfigReader::Priority::System
-                                                           : AdvancedConfigReader::Priority::User,
-                                            m_validVersions);
-    const bool isAdded = added == ConfigurationAccessResult::Success;
-    const auto loaded = isAdded ? ElementAddress(registration).load(reader, *registration.object)
-                                : ConfigurationAccessResult::Success;
+    const LayerDocument document(reader, fromSystemFile ? m_systemFile : targetFile(),
+                                 fromSystemFile ? AdvancedConfigReader::Priority::System
+                                                : AdvancedConfigReader::Priority::User,
+                                 m_validVersions);
+    const auto loaded = document.isAccepted()
+                            ? ElementAddress(registration).load(reader, *registration.object)
+                            : ConfigurationAccessResult::Success;
+    // What the user's file says stays known after a reset from the system's: the reset is a change.
+    auto known = std::make_shared<ConfigurationLayers>();
+    if (fromSystemFile && m_layers != nullptr)
+        known->user = m_layers->user;
+    (fromSystemFile ? known->system : known->user) = document;
+    setKnown(registration, {std::move(known), std::nullopt});
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -305,48 +267,78 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, boo
         registration.object->emitSignalsAfterConfigLoading();
 }
 
+bool ConfigurationManager::haveFilesChanged() const {
+    if (m_layers == nullptr)
+        return false;
+    AdvancedConfigReader reader;
+    return !m_layers->holdSame(readLayers(reader));
+}
+
+bool ConfigurationManager::reloadConfiguration() {
+    AdvancedConfigReader reader;
+    const auto layers = std::make_shared<const ConfigurationLayers>(readLayers(reader));
+    const bool isUserUsable = !layers->user.isRefused() || countsAsMissing(layers->user);
+    if (layers->system.isRefused() || !isUserUsable || !mayLoad(*layers))
+        return false;
+    // Loaded is what a save would make of the user's file, so that unsaved changes stay.
+    ConfigurationChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
+                                 layers->user);
+    for (const auto& [name, registration] : m_objects)
+        if (registration.object->writesContent())
+            changes.add(registration, knownOf(registration));
+    changes.addTo(reader);
+    m_layers = layers;
+    // A copy: an object may register others, or reset the manager, while it is loaded.
+    for (const ConfigurationRegistration& registration : getRegistrations()) {
+        setKnown(registration, {layers, std::nullopt});
+        if (!isUpToDate(registration, reader))
+            loadAnew(registration, reader);
+    }
+    return true;
+}
+
+/// An empty file is what a crash leaves. It may also be one that is just being written, so it only
+/// counts as missing where nothing is overwritten.
+bool ConfigurationManager::countsAsMissing(const LayerDocument& layer) const {
+    return m_saveMode == Merge && layer.isEmptyFile();
+}
+
+std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {
+    return {};
+}
+
+std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
+    return {};
+}
+
 bool ConfigurationManager::saveConfiguration(const std::string& version) const {
-    const FileName target = m_fileMode == SingleFile          ? m_configurationFile
-                            : m_fileMode == SystemAndUserFile ? m_userFile
-                                                              : FileName();
-    if (target.empty())
-        return true;
-    ++m_revision;
-    return saveGuarded(target, version, [&](std::unique_ptr<ConfigWriter>& writer) {
-        return m_fileMode == SystemAndUserFile
-                   ? saveUserAndCompareWithSystemConfiguration(writer, target)
-                   : saveSingleConfiguration(writer, target);
-    });
+    return save(targetFile(), version, m_fileMode == SystemAndUserFile);
 }
 
 bool ConfigurationManager::saveConfigurationToFile(const std::string& fileName,
                                                    const std::string& version) const {
-    if (fileName.empty())
+    return save(FileName(fileName), version, false);
+}
+
+bool ConfigurationManager::save(const FileName& target, const std::string& version,
+                                bool differencesOnly) const {
+    m_saveReport = {};
+    if (target.empty())
         return true;
     ++m_revision;
-    const FileName file(fileName);
-    return saveGuarded(file, version, [&](std::unique_ptr<ConfigWriter>& writer) {
-        return saveSingleConfiguration(writer, file);
-    });
+    return Saving(*this, target, differencesOnly).run(version);
 }
 
 bool ConfigurationManager::saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer,
                                                    const FileName& file) const {
-    forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
-        ElementAddress(registration).put(*writer, *registration.object);
-    });
-    return writer->saveToFile(file);
+    Saving(*this, file, false).putAll(*writer);
+    return true;
 }
 
 bool ConfigurationManager::saveUserAndCompareWithSystemConfiguration(
     std::unique_ptr<ConfigWriter>& writer, const FileName& file) const {
-    SystemReader reader;
-    reader.addFileSource(m_systemFile, {}, AdvancedConfigReader::Priority::System, m_validVersions);
-    forEachWritten(m_objects, [&](const ConfigurationRegistration& registration) {
-        reader.setCompared(registration);
-        ElementAddress(registration).putDifferences(*writer, *registration.object, reader);
-    });
-    return writer->saveToFile(file);
+    Saving(*this, file, true).putDifferences(*writer);
+    return true;
 }
 
 } // namespace Orvant

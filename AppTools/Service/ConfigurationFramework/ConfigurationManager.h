@@ -1,9 +1,13 @@
 #pragma once
 
+#include <ConfigurationFramework/ConfigurationOrigin.h>
+#include <ConfigurationFramework/ConfigurationProblem.h>
+#include <ConfigurationFramework/ConfigurationSaveReport.h>
 #include <ConfigurationFramework/Export.h>
 #include <FileHandling/FileName.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <list>
 #include <map>
@@ -18,6 +22,8 @@ namespace Orvant {
 
 class AdvancedConfigReader;
 class ConfigurationObject;
+struct ConfigurationLayers;
+class LayerDocument;
 class ConfigWriter;
 
 /// An object to be registered, with the element that it is loaded from and saved to.
@@ -109,7 +115,8 @@ public:
     /// @throws FileNameException for a name that no file system could hold
     bool hasUserConfigFileErrors();
 
-    /// Forgets objects and files; the accepted versions stay.
+    /// Forgets objects and files; accepted versions, save mode, lock timeout and whether the system
+    /// file is required stay.
     void reset();
     /// Sets an object to its defaults, except locked values, and loads it again from one file.
     /// @param name         name that it is registered under; of several, the first is reset
@@ -119,18 +126,106 @@ public:
     ///         cannot be cloned because its factory returns null
     void resetConfigurationObject(const std::string& name, bool fromUserFile);
 
-    /// Writes the objects to the file, or to the user file. Their elements are replaced even in a
-    /// file whose version loading does not accept.
-    /// @param version version of a new document; an existing file keeps its own
+    /// Writes the objects to the file, or to the user file, as the save mode has it. Outside
+    /// `Merge` their elements are replaced even in a file whose version loading does not accept.
+    ///
+    /// Nothing is written, in any mode, where settings or locks would be lost:
+    /// - a file could not be read when an object was loaded, and can be read now;
+    /// - the system file was read when an object was loaded, is there, and cannot be read now;
+    /// - system and user file are one and the same file.
+    /// @param version version of a new document; an existing file keeps its own except in `Merge`
     /// @return false when it could not be written or the file is not a configuration; the file is
-    ///         then unchanged. True without doing anything when no file is set.
+    ///         then unchanged, and getSaveReport() tells why. True without doing anything when no
+    ///         file is set.
     bool saveConfiguration(const std::string& version) const;
-    /// Writes all objects in full to a file.
+    /// Writes all objects in full to a file, as the save mode has it.
     /// @param fileName UTF-8; empty: nothing is written, which counts as success
     /// @param version  version of a new document
     /// @return false when it could not be written or the file is not a configuration; the file is
-    ///         then unchanged
+    ///         then unchanged, and getSaveReport() tells why
     bool saveConfigurationToFile(const std::string& fileName, const std::string& version) const;
+
+    /// How a save treats the file and what others wrote to it.
+    enum SaveMode : std::int32_t {
+        /// Overwrites the file. A crash in the midst of it can lose the file.
+        InPlace = 0,
+        /// Writes the same document to a new file, which takes the place of the old one when it is
+        /// complete and on the disk: after a crash there is the old file or the new one. Owner,
+        /// permissions and access lists stay; a link stays, its target is replaced. Where that is
+        /// not possible (a folder that may not be written, another hard link, an owner that cannot
+        /// be kept), the file is written in place and the report says so.
+        Replace = 1,
+        /// As Replace, and writes only what this process changed in an object since it last loaded,
+        /// reset, reloaded or saved it: what other processes wrote meanwhile stays, value by value,
+        /// comments included. Where both changed a value, this process wins.
+        ///
+        /// All processes that save like this wait for each other, with a lock on the file
+        /// "FILE.lock", which stays; where it cannot be made, the save goes on without it and the
+        /// report says so. Without a change nothing is written. Missing folders are made. A file
+        /// that is damaged or of a version that is not accepted is never overwritten; an empty one
+        /// counts as missing. Locked values are not written, not even if the application set them.
+        /// The file gets the version that the save is given, provided that loading accepts it.
+        ///
+        /// A value that is saved but never loaded (SaveOnly) counts as changed. An object that was
+        /// not loaded has changed what differs from its defaults. So does every object if the file
+        /// is missing: it may have been lost. A reset to the system file's values is a change.
+        Merge = 2
+    };
+    /// @param mode how saves work from now on; InPlace at first
+    void setSaveMode(SaveMode mode) { m_saveMode = mode; }
+    /// @return how saves work
+    SaveMode getSaveMode() const { return m_saveMode; }
+    /// @param timeout how long a save in the mode Merge waits for other processes; five seconds at
+    ///                first
+    void setLockTimeout(std::chrono::milliseconds timeout) { m_lockTimeout = timeout; }
+    /// @return how long a save in the mode Merge waits for other processes
+    std::chrono::milliseconds getLockTimeout() const { return m_lockTimeout; }
+    /// Decides what happens when there are two files and the system file is missing or unusable, as
+    /// when its folder is not mounted.
+    /// @param required true: objects keep their values instead of being loaded without locks, and
+    ///                 saves fail; false, as at first: only the user's file is used
+    void setSystemFileRequired(bool required);
+    /// @return true when objects are loaded and saved only with a usable system file
+    bool isSystemFileRequired() const { return m_systemFileRequired; }
+    /// @return how the last save went; valid until the next
+    const ConfigurationSaveReport& getSaveReport() const { return m_saveReport; }
+
+    /// @return true when the files hold something else than at the last load, reload or save; false
+    ///         when there was none
+    bool haveFilesChanged() const;
+    /// Takes over what others wrote to the files. Values that were changed here and not saved stay
+    /// unless they are locked by now. Observers of the objects that change are signalled.
+    /// @return false when a file is there but cannot be read or is not accepted, or a required
+    ///         system file is missing; then nothing is taken over
+    bool reloadConfiguration();
+    /// Tells what in the files, as they were at the last load, did not take effect. The files' text
+    /// is searched by this call; loads do not become slower.
+    /// @return problems of the system file, then those of the user's, in the order of the text
+    std::vector<ConfigurationProblem> getLoadProblems() const;
+    /// Tells for every value of every registered object where it comes from, according to the files
+    /// as they were at the last load or save.
+    /// @return origins in the order of saving
+    std::vector<ConfigurationOrigin> explain() const;
+
+    /// Unregisters an object; the next save drops its element from the file.
+    /// @param name name that it is registered under; of several, the first is removed
+    /// @return false when there is none
+    bool removeConfigurationObject(const std::string& name);
+    /// Unregisters an object; the next save drops its element from the file.
+    /// @param name name that it is registered under
+    /// @param key  its key
+    /// @return false when there is none
+    bool removeConfigurationObject(const std::string& name, const std::string& key);
+    /// resetConfigurationObject() for the object with a key.
+    /// @param name         name that it is registered under
+    /// @param key          its key
+    /// @param fromUserFile which of two files is loaded
+    /// @throws std::logic_error like resetConfigurationObject()
+    void resetConfigurationObject(const std::string& name, const std::string& key,
+                                  bool fromUserFile);
+    /// @return what is registered, in the order of saving: by name, and objects of one name in the
+    ///         order of their registration
+    std::vector<ConfigurationRegistration> getRegistrations() const;
 
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
@@ -156,9 +251,29 @@ private:
 
     ConfigurationManager();
 
-    void registerObject(const ConfigurationRegistration& registration);
+    using Address = std::pair<std::string, std::optional<std::string>>; ///< name and key
+    using Objects = std::multimap<std::string, ConfigurationRegistration>;
+
+    friend class ConfigurationChanges; // which needs what is known of an object
+    struct KnownState;
+    class Saving;
+
+    bool registerObject(const ConfigurationRegistration& registration);
+    Objects::const_iterator find(const std::string& name) const;
+    Objects::const_iterator find(const std::string& name,
+                                 const std::optional<std::string>& key) const;
+    bool removeObject(Objects::const_iterator found);
+    void resetObject(Objects::const_iterator found, bool fromUserFile);
+
+    FileName targetFile() const;
+    ConfigurationLayers readLayers(AdvancedConfigReader& reader) const;
+    bool mayLoad(const ConfigurationLayers& layers) const;
+    bool countsAsMissing(const LayerDocument& layer) const;
+    const KnownState* knownOf(const ConfigurationRegistration& registration) const;
+    void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
     bool addSourceToConfigReader(AdvancedConfigReader& reader);
     bool hasErrors(const FileName& file) const;
+    bool save(const FileName& target, const std::string& version, bool differencesOnly) const;
     bool saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer, const FileName& file) const;
     bool saveUserAndCompareWithSystemConfiguration(std::unique_ptr<ConfigWriter>& writer,
                                                    const FileName& file) const;
@@ -170,12 +285,19 @@ private:
     FileName m_systemFile;
     FileName m_userFile;
     /// By name; objects of the same name in order of registration.
-    std::multimap<std::string, ConfigurationRegistration> m_objects;
-    /// Names and keys that are taken.
-    std::set<std::pair<std::string, std::optional<std::string>>> m_taken;
+    Objects m_objects;
+    /// Names and keys that are taken, with what is known of their objects; null: nothing.
+    mutable std::map<Address, std::shared_ptr<const KnownState>> m_taken;
     std::list<std::string> m_validVersions;
     mutable Revision m_revision; ///< of files, their contents and versions
     Revision m_resets;           ///< of the registrations
+    SaveMode m_saveMode = InPlace;
+    std::chrono::milliseconds m_lockTimeout = std::chrono::seconds(5);
+    bool m_systemFileRequired = false;
+    mutable ConfigurationSaveReport m_saveReport;
+    mutable std::set<Address> m_removed; ///< the next save drops their elements
+    /// What the files held at the last load or save; null: there was none.
+    mutable std::shared_ptr<const ConfigurationLayers> m_layers;
 };
 
 } // namespace Orvant

@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ReaderBelow.h>
+#include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/model/ItemPairs.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
 
@@ -94,27 +95,10 @@ void copyItems(const std::vector<Item*>& originals, std::vector<Item*>& items) {
         delete items.back();
 }
 
-/// Takes the value of another, or none if the other has none.
-void adoptState(ConfigurationValueBase& value, const ConfigurationValueBase& other) {
-    if (other.hasValue())
-        value.adoptValue(&other);
-    else
-        value.resetValue();
-}
-
 void appendLine(std::string& text, const std::string& line) {
     if (!text.empty() && !line.empty())
         text += '\n';
     text += line;
-}
-
-/// @throws std::logic_error when the factory of the object returns null
-std::unique_ptr<ConfigurationObject> makeFresh(const ConfigurationObject& object) {
-    std::unique_ptr<ConfigurationObject> fresh(object.createConfigurationObject());
-    if (fresh == nullptr)
-        throw std::logic_error("createConfigurationObject() of the configuration object \"" +
-                               object.getName() + "\" returned null");
-    return fresh;
 }
 
 /// What a reader holds for an object; null: nothing is known.

@@ -15,4 +15,13 @@ bool copyAs(const Value& original, Value& value) {
     return true;
 }
 
+/// Takes the value of another, or none if the other has none.
+template <typename Value>
+void adoptState(Value& value, const Value& other) {
+    if (other.hasValue())
+        value.adoptValue(&other);
+    else
+        value.resetValue();
+}
+
 } // namespace Orvant

@@ -1,0 +1,189 @@
+#include <ConfigurationFramework/ConfigurationChanges.h>
+
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/model/FreshObject.h>
+#include <ConfigurationFramework/reading/ParsedDocument.h>
+#include <ConfigurationFramework/writing/ElementMerge.h>
+#include <ConfigurationFramework/xml/DomWalk.h>
+#include <ConfigurationFramework/xml/XmlText.h>
+
+#include <GeneralServices/XercesHelperFunctions.h>
+
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+using Element = DocumentTree::Element;
+
+std::string toUtf8(const XmlString& text) {
+    return XercesHelperFunctions::xmlChToString(text.c_str());
+}
+
+/// The only element that was written into a new document; nothing when there is none.
+std::optional<WrittenElement> takeOnlyElement(const ConfigWriter& writer) {
+    xercesc::DOMElement* const element = ConfigWriterImpl::of(writer).root().getFirstElementChild();
+    return element == nullptr ? std::nullopt : std::optional(copyOf(*element));
+}
+
+bool isSaveOnly(const ConfigurationItemBase& item) {
+    return item.isSavable() && !item.isLoadable();
+}
+
+/// Removes what is saved but never loaded: nothing is known of it.
+void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) {
+    const auto remove = [&](const std::string& name) {
+        const XmlString tag = XercesHelperFunctions::stringToXmlCh(name);
+        std::erase_if(written.children,
+                      [&](const WrittenElement& child) { return child.id.tag == tag; });
+    };
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        if (isSaveOnly(**value))
+            remove((*value)->getName());
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
+        if ((*child)->getName().empty())
+            removeSaveOnly(**child, written);
+        else if (isSaveOnly(**child))
+            remove((*child)->getName());
+        else
+            for (WrittenElement& element : written.children)
+                if (toUtf8(element.id.tag) == (*child)->getName())
+                    removeSaveOnly(**child, element);
+    }
+}
+
+/// The element of a document that a written one is loaded from.
+Element find(DocumentTree& tree, Element parent, const WrittenElement& written) {
+    const std::string name = toUtf8(written.id.tag);
+    if (written.id.key) {
+        const Element keyed = tree.findChild(parent, name, toUtf8(*written.id.key));
+        return keyed != DocumentTree::none ? keyed : tree.findChildWithoutKey(parent, name);
+    }
+    const Element child = tree.findChild(parent, name);
+    return child != DocumentTree::none || written.isGroup() ? child : tree.findBelow(parent, name);
+}
+
+/// Removes what is locked in a document below an element.
+void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
+    std::erase_if(written.children, [&](WrittenElement& child) {
+        const Element element = find(tree, parent, child);
+        if (element == DocumentTree::none)
+            return false;
+        if (!tree.isEditable(element))
+            return true;
+        removeLocked(tree, element, child);
+        return false;
+    });
+}
+
+/// An object as a save in full writes it.
+WrittenElement writeInFull(const ConfigurationRegistration& registration,
+                           const ConfigurationObject& object) {
+    ConfigWriter writer("");
+    ElementAddress(registration).put(writer, object);
+    return takeOnlyElement(writer).value();
+}
+
+} // namespace
+
+std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
+                                          const ConfigurationObject& object) {
+    if (isSaveOnly(object))
+        return std::nullopt;
+    WrittenElement written = writeInFull(registration, object);
+    removeSaveOnly(object, written);
+    return written;
+}
+
+ConfigurationChanges::ConfigurationChanges(const LayerDocument* system, const LayerDocument& user)
+    : m_system(system), m_user(user) {
+    if (system != nullptr)
+        system->addTo(m_reference, AdvancedConfigReader::System);
+}
+
+void ConfigurationChanges::add(const ConfigurationRegistration& registration,
+                               const ConfigurationManager::KnownState* known) {
+    add(registration, writeInFull(registration, *registration.object), baseOf(registration, known));
+}
+
+void ConfigurationChanges::addAll(const ConfigurationRegistration& registration) {
+    add(registration, writeInFull(registration, *registration.object), std::nullopt);
+}
+
+void ConfigurationChanges::add(const ConfigurationRegistration& registration, WrittenElement now,
+                               std::optional<WrittenElement> base) {
+    m_states.push_back(now);
+    const bool isEmpty = now.children.empty() && now.text.empty();
+    const bool isUnchanged = base && *base == now;
+    // A class may write nothing but differences.
+    if (isUnchanged && !(isEmpty && m_system != nullptr))
+        return;
+    std::optional<WrittenElement> stored = now;
+    if (m_system != nullptr) {
+        ConfigWriter writer("");
+        m_reference.setCompared(registration);
+        ElementAddress(registration).putDifferences(writer, *registration.object, m_reference);
+        stored = takeOnlyElement(writer);
+    }
+    if (isUnchanged && stored && stored->children.empty() && stored->text.empty())
+        return;
+    // What was loaded from the element without a key has to move to the one with the key.
+    if (base && !isUnchanged && !isFallbackUsed(registration))
+        m_base.children.push_back(std::move(*base));
+    if (!isUnchanged)
+        m_now.children.push_back(std::move(now));
+    if (stored)
+        m_stored.children.push_back(std::move(*stored));
+}
+
+/// The object as this process last knew it to be in the files; nothing: not at all.
+std::optional<WrittenElement>
+ConfigurationChanges::baseOf(const ConfigurationRegistration& registration,
+                             const ConfigurationManager::KnownState* known) const {
+    const bool wasLoaded = known != nullptr && !known->isLoadRefused;
+    // All that a lost file held is written again, though only part of it was changed.
+    const bool isLost = wasLoaded && known->layers->user.isAccepted() && !m_user.isAccepted();
+    if (wasLoaded && known->written && !isLost)
+        return known->written;
+    const std::unique_ptr<ConfigurationObject> former = makeFresh(*registration.object);
+    AdvancedConfigReader reader;
+    if (wasLoaded)
+        known->layers->system.addTo(reader, AdvancedConfigReader::System);
+    if (wasLoaded && !isLost)
+        known->layers->user.addTo(reader, AdvancedConfigReader::User);
+    ElementAddress(registration).load(reader, *former);
+    return writeLoaded(registration, *former);
+}
+
+/// Whether the document has the object only under its name without a key.
+bool ConfigurationChanges::isFallbackUsed(const ConfigurationRegistration& registration) const {
+    const auto document = m_user.document();
+    if (!registration.key || document == nullptr)
+        return false;
+    DocumentTree& tree = document->tree;
+    return tree.findChild(DocumentTree::root, registration.name,
+                          throughDocument(*registration.key)) == DocumentTree::none &&
+           tree.findChildWithoutKey(DocumentTree::root, registration.name) != DocumentTree::none;
+}
+
+std::size_t ConfigurationChanges::mergeInto(xercesc::DOMElement& root) const {
+    WrittenElement base = m_base;
+    WrittenElement now = m_now;
+    WrittenElement stored = m_stored;
+    const LayerDocument& locking = m_system == nullptr ? m_user : *m_system;
+    if (const auto document = locking.document())
+        for (WrittenElement* element : {&base, &now, &stored})
+            removeLocked(document->tree, DocumentTree::root, *element);
+    return mergeChanges(root, {&base, &now, &stored});
+}
+
+void ConfigurationChanges::addTo(AdvancedConfigReader& reader) const {
+    const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
+                                              : std::make_unique<ConfigWriterImpl>("");
+    if (mergeInto(document->root()) != 0)
+        LayerDocument(m_user.file(), document->print().text, true)
+            .addTo(reader, AdvancedConfigReader::User);
+}
+
+} // namespace Orvant

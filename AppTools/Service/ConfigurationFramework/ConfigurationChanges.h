@@ -1,0 +1,70 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace Orvant {
+
+/// What is known of an object's state in the files.
+struct ConfigurationManager::KnownState {
+    /// The files that the object was loaded from, or that it was last saved to; never null.
+    std::shared_ptr<const ConfigurationLayers> layers;
+    /// The object as it was then, if it is not what a load from these files gives.
+    std::optional<WrittenElement> written;
+    /// The object was registered, but the files were not to be loaded.
+    bool isLoadRefused = false;
+};
+
+/// What the application changed in objects, to be merged into a document that others may have
+/// changed.
+class ConfigurationChanges {
+public:
+    /// @param system what objects are compared with, so that only differences are stored; null:
+    ///               they are stored in full
+    /// @param user   the document that the changes are for
+    ConfigurationChanges(const LayerDocument* system, const LayerDocument& user);
+
+    /// Adds what changed in an object since it was last known; null: it never was.
+    void add(const ConfigurationRegistration& registration,
+             const ConfigurationManager::KnownState* known);
+    /// Adds everything in an object.
+    void addAll(const ConfigurationRegistration& registration);
+    /// @return number of elements that were added, replaced or removed
+    std::size_t mergeInto(xercesc::DOMElement& root) const;
+    /// Puts the document, with the changes merged into it, into the place of the user's in a
+    /// reader.
+    void addTo(AdvancedConfigReader& reader) const;
+    /// @return the objects as they were added, in that order
+    std::vector<WrittenElement> takeStates() { return std::move(m_states); }
+
+private:
+    void add(const ConfigurationRegistration& registration, WrittenElement now,
+             std::optional<WrittenElement> base);
+    std::optional<WrittenElement> baseOf(const ConfigurationRegistration& registration,
+                                         const ConfigurationManager::KnownState* known) const;
+    bool isFallbackUsed(const ConfigurationRegistration& registration) const;
+
+    const LayerDocument* m_system;
+    const LayerDocument& m_user;
+    SystemReader m_reference;
+    std::vector<WrittenElement> m_states;
+    // Roots that hold the objects that changed.
+    WrittenElement m_base{{u"Configuration", {}}};
+    WrittenElement m_now{{u"Configuration", {}}};
+    WrittenElement m_stored{{u"Configuration", {}}};
+};
+
+/// @return what a save in full writes of an object and a load takes; nothing when it loads nothing
+std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
+                                          const ConfigurationObject& object);
+
+} // namespace Orvant

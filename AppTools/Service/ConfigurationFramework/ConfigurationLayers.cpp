@@ -1,0 +1,102 @@
+#include <ConfigurationFramework/ConfigurationLayers.h>
+
+#include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/SimpleConfigReader.h>
+#include <ConfigurationFramework/SimpleConfigReaderImpl.h>
+#include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/reading/ParsedDocument.h>
+#include <ConfigurationFramework/reading/TreeBuildingParser.h>
+#include <ConfigurationFramework/xml/ConfinedParsing.h>
+
+#include <FileHandling/FileUtilities.h>
+#include <GeneralServices/XmlErrorHandler.h>
+
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+bool isThere(const FileName& file) try {
+    return !file.empty() && FileUtilities::exists(file);
+} catch (const FileNameException&) {
+    return false;
+}
+
+/// @return null when it is no configuration document
+std::shared_ptr<ParsedDocument> parse(const std::string& bytes) {
+    XmlErrorHandler errors;
+    ParserConfinement confinement(ParserConfinement::configurations);
+    const auto parser = confinement.makeParser<TreeBuildingParser>();
+    parser->setErrorHandler(&errors);
+    confinement.parseBytes(*parser, bytes);
+    if (errors.getSawErrors() || parser->getTree() == nullptr)
+        return nullptr;
+    return std::make_shared<ParsedDocument>(bytes, std::move(*parser->getTree()));
+}
+
+} // namespace
+
+LayerDocument::LayerDocument(AdvancedConfigReader& reader, const FileName& file,
+                             AdvancedConfigReader::Priority priority,
+                             const std::list<std::string>& validVersions)
+    : m_file(file), m_exists(isThere(file)) {
+    if (reader.addFileSource(file, {}, priority, validVersions) ==
+        ConfigurationAccessResult::Success) {
+        m_exists = true;
+        m_isAccepted = true;
+        m_document = reader.m_sources[priority]->m_impl->document();
+    } else if (m_exists) {
+        FileBytes read = readBytes(file);
+        m_bytes = std::move(read.bytes).value_or("");
+        m_error = read.error;
+    }
+}
+
+LayerDocument::LayerDocument(const FileName& file, std::string bytes, bool isAccepted)
+    : m_file(file), m_exists(true), m_isAccepted(isAccepted), m_bytes(std::move(bytes)) {}
+
+std::shared_ptr<ParsedDocument> LayerDocument::document() const {
+    if (m_isAccepted && m_document == nullptr)
+        m_document = parse(m_bytes);
+    return m_document;
+}
+
+void LayerDocument::addTo(AdvancedConfigReader& reader,
+                          AdvancedConfigReader::Priority priority) const {
+    if (const auto parsed = document())
+        reader.m_sources[priority].reset(new SimpleConfigReader(parsed));
+}
+
+const std::string& LayerDocument::bytes() const {
+    return m_bytes.empty() && m_document != nullptr ? m_document->bytes : m_bytes;
+}
+
+ConfigurationProblem::Kind LayerDocument::refusal() const {
+    if (m_error)
+        return ConfigurationProblem::Unreadable;
+    try {
+        ConfigWriterImpl::openBytes(m_bytes);
+        return ConfigurationProblem::OtherVersion;
+    } catch (const ConfigException&) {
+        return ConfigurationProblem::Damaged;
+    }
+}
+
+bool LayerDocument::holdsSame(const LayerDocument& other) const {
+    return isOf(other.m_file) && m_exists == other.m_exists && isAccepted() == other.isAccepted() &&
+           bytes() == other.bytes();
+}
+
+bool ConfigurationLayers::addTo(AdvancedConfigReader& reader) const {
+    system.addTo(reader, AdvancedConfigReader::System);
+    user.addTo(reader, AdvancedConfigReader::User);
+    return system.isAccepted() || user.isAccepted();
+}
+
+bool ConfigurationLayers::holdSame(const ConfigurationLayers& other) const {
+    return system.holdsSame(other.system) && user.holdsSame(other.user);
+}
+
+} // namespace Orvant

@@ -1,0 +1,72 @@
+#include <ConfigurationFramework/ConfigurationReloading.h>
+
+#include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/model/FreshObject.h>
+#include <ConfigurationFramework/model/ValueCopy.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace Orvant {
+
+namespace {
+
+/// Whether what is loaded has the same locks in both objects and, where asked for, the same values.
+bool isSame(const ConfigurationObject& first, const ConfigurationObject& second,
+            bool compareValues) {
+    const auto isSameValue = [&](const auto* mine, const auto* others) {
+        return !mine->isLoadable() || (mine->isEditable() == others->isEditable() &&
+                                       (!compareValues || mine->comapreValue(others)));
+    };
+    const auto isSameObject = [&](const auto* mine, const auto* others) {
+        return isSame(*mine, *others, compareValues);
+    };
+    return first.isEditable() == second.isEditable() &&
+           std::equal(first.beginValueIterator(), first.endValueIterator(),
+                      second.beginValueIterator(), second.endValueIterator(), isSameValue) &&
+           std::equal(first.beginObjectIterator(), first.endObjectIterator(),
+                      second.beginObjectIterator(), second.endObjectIterator(), isSameObject);
+}
+
+/// Gives the values that are not loaded back to an object that was reset.
+void keepUnloaded(ConfigurationObject& object, const ConfigurationObject& former) {
+    auto formerValue = former.beginValueIterator();
+    for (auto value = object.beginValueIterator();
+         value != object.endValueIterator() && formerValue != former.endValueIterator();
+         ++value, ++formerValue)
+        if (!(*value)->isLoadable())
+            adoptState(**value, **formerValue);
+    auto formerChild = former.beginObjectIterator();
+    for (auto child = object.beginObjectIterator();
+         child != object.endObjectIterator() && formerChild != former.endObjectIterator();
+         ++child, ++formerChild)
+        keepUnloaded(**child, **formerChild);
+}
+
+} // namespace
+
+bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {
+    const ConfigurationObject& object = *registration.object;
+    const auto loaded = makeFresh(object);
+    ElementAddress(registration).load(reader, *loaded);
+    if (!object.writesContent())
+        return isSame(object, *loaded, true);
+    // Texts are compared: a value that was set may be more exact than its text.
+    return isSame(object, *loaded, false) &&
+           writeLoaded(registration, object) == writeLoaded(registration, *loaded);
+}
+
+void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {
+    ConfigurationObject& object = *registration.object;
+    const std::unique_ptr<const ConfigurationObject> former(object.clone());
+    object.restoreLocks(*makeFresh(object));
+    object.setDefaultValues();
+    keepUnloaded(object, *former);
+    if (ElementAddress(registration).load(reader, object) == ConfigurationAccessResult::Failure)
+        object.emitSignalsAfterConfigLoading();
+}
+
+} // namespace Orvant

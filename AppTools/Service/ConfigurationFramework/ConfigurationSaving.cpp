@@ -1,0 +1,396 @@
+#include <ConfigurationFramework/ConfigurationSaving.h>
+
+#include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/files/FileLock.h>
+#include <ConfigurationFramework/files/FileReplacing.h>
+#include <ConfigurationFramework/files/FileSaving.h>
+#include <ConfigurationFramework/files/RegularFile.h>
+
+#include <FileHandling/FileUtilities.h>
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <Logging/Logging.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <utility>
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+namespace Orvant {
+
+namespace {
+
+using Report = ConfigurationSaveReport;
+
+const Logging s_log("ConfigurationManager");
+
+/// Wraps what an object throws while it is written.
+class ObjectNotWritten : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+std::string quoted(const FileName& file) {
+    return '"' + file.toString() + '"';
+}
+
+std::string textOf(const XMLCh* message) {
+    return XercesHelperFunctions::xmlChToString(message);
+}
+
+/// The message of an exception, with the object that it comes from.
+std::string describe(const std::exception_ptr& exception) {
+    try {
+        std::rethrow_exception(exception);
+    } catch (const ObjectNotWritten& e) {
+        const auto& nested = dynamic_cast<const std::nested_exception&>(e);
+        return std::string("the object \"").append(e.what()).append("\": ") +
+               describe(nested.nested_ptr());
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (const xercesc::DOMException& e) {
+        return textOf(e.getMessage());
+    } catch (const xercesc::XMLException& e) {
+        return textOf(e.getMessage());
+    } catch (...) {
+        return "an exception of unknown type";
+    }
+}
+
+Report::Reason reasonOf(const std::error_code& error) {
+    using enum std::errc;
+    if (error == no_such_file_or_directory || error == not_a_directory)
+        return Report::NoFolder;
+    if (error == permission_denied || error == operation_not_permitted ||
+        error == read_only_file_system)
+        return Report::NoPermission;
+    if (error == no_space_on_device || error == file_too_large || error.value() == EDQUOT)
+        return Report::NoSpace;
+    return Report::Failed;
+}
+
+SaveFailure failureOf(const std::error_code& error) {
+    return {reasonOf(error), error.message(), error};
+}
+
+/// What a save that threw reports.
+Report reportOf(const std::exception_ptr& exception) {
+    try {
+        std::rethrow_exception(exception);
+    } catch (const SaveFailure& e) {
+        return {e.reason(), e.error(), e.what()};
+    } catch (const ObjectNotWritten&) {
+        return {Report::InvalidContent, {}, describe(exception)};
+    } catch (...) {
+        return {Report::Failed, {}, describe(exception)};
+    }
+}
+
+Report::Reason reasonOf(ConfigurationProblem::Kind refusal) {
+    switch (refusal) {
+    case ConfigurationProblem::OtherVersion:
+        return Report::OtherVersion;
+    case ConfigurationProblem::Unreadable:
+        return Report::NotLoaded;
+    default:
+        return Report::Damaged;
+    }
+}
+
+/// Why a file that is there is of no use now.
+SaveFailure failureOf(const LayerDocument& layer) {
+    const auto refusal = layer.refusal();
+    const std::string what = refusal == ConfigurationProblem::Unreadable ? layer.error().message()
+                             : refusal == ConfigurationProblem::OtherVersion
+                                 ? "its version is not accepted"
+                                 : "it is not a configuration document";
+    return {reasonOf(refusal), quoted(layer.file()) + " cannot be used: " + what, layer.error()};
+}
+
+/// Calls back with each registration whose object writes something.
+template <typename Objects, typename Write>
+void forEachWritten(const Objects& objects, Write write) {
+    for (const auto& [name, registration] : objects) {
+        try {
+            if (registration.object->writesContent())
+                write(registration);
+        } catch (...) {
+            std::throw_with_nested(ObjectNotWritten(name));
+        }
+    }
+}
+
+/// @return true when two names lead to the same file, there or not
+bool isSameFile(const FileName& first, const FileName& second) {
+    if (first.toString() == second.toString()) // whatever the file system can tell at the moment
+        return true;
+    const auto firstPath = toPath(first);
+    const auto secondPath = toPath(second);
+    std::error_code error;
+    if (std::filesystem::equivalent(firstPath, secondPath, error))
+        return true;
+    const auto firstName = std::filesystem::weakly_canonical(firstPath, error);
+    return !error && firstName == std::filesystem::weakly_canonical(secondPath, error) && !error;
+}
+
+void makeFolderOf(const FileName& file) {
+    const auto folder = toPath(file).parent_path();
+    std::error_code error;
+    if (!folder.empty() && !std::filesystem::create_directories(folder, error) && error)
+        throw failureOf(error);
+}
+
+} // namespace
+
+ConfigurationManager::Saving::Saving(const ConfigurationManager& manager, const FileName& target,
+                                     bool differencesOnly)
+    : m_manager(manager),
+      m_target(target),
+      m_differencesOnly(differencesOnly),
+      m_report(manager.m_saveReport) {}
+
+bool ConfigurationManager::Saving::run(const std::string& version) {
+    try {
+        if (m_differencesOnly && isSameFile(m_manager.m_systemFile, m_target))
+            throw SaveFailure(Report::SameFile, "it is also the system file, which is not written");
+        m_report = {Report::Saved};
+        if (m_manager.m_saveMode == Merge)
+            merge(version);
+        else
+            write(version);
+        return true;
+    } catch (...) {
+        m_report = reportOf(std::current_exception());
+    }
+    m_report.text = quoted(m_target) + " was not saved: " + m_report.text;
+    std::ranges::replace(m_report.text, '\n', ' ');
+    s_log.logERROR(m_report.text, __FILE__, __func__, __LINE__);
+    return false;
+}
+
+/// Writes the document that holds all objects, over what the file holds for them.
+void ConfigurationManager::Saving::write(const std::string& version) {
+    checkUserFile();
+    auto writer = openTarget(version);
+    dropRemoved(ConfigWriterImpl::of(*writer));
+    if (m_differencesOnly)
+        m_manager.saveUserAndCompareWithSystemConfiguration(writer, m_target);
+    else
+        m_manager.saveSingleConfiguration(writer, m_target);
+}
+
+std::unique_ptr<ConfigWriter>
+ConfigurationManager::Saving::openTarget(const std::string& version) const {
+    if (!FileUtilities::exists(m_target))
+        return std::make_unique<ConfigWriter>(version);
+    try {
+        // What the file holds for others survives.
+        return std::make_unique<ConfigWriter>(m_target, "");
+    } catch (const ConfigException&) {
+        if (const std::error_code problem = checkRegularFile(m_target))
+            throw failureOf(problem);
+        throw SaveFailure(Report::Damaged, "it is there, but cannot be read as a configuration");
+    }
+}
+
+void ConfigurationManager::Saving::putAll(ConfigWriter& writer) {
+    forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
+        ElementAddress(registration).put(writer, *registration.object);
+    });
+    storeAll(writer);
+}
+
+void ConfigurationManager::Saving::putDifferences(ConfigWriter& writer) {
+    SystemReader reader;
+    m_system = LayerDocument(reader, m_manager.m_systemFile, AdvancedConfigReader::System,
+                             m_manager.m_validVersions);
+    checkSystemFile();
+    forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
+        reader.setCompared(registration);
+        ElementAddress(registration).putDifferences(writer, *registration.object, reader);
+    });
+    storeAll(writer);
+}
+
+/// Drops the elements of objects that are not registered any more.
+/// @return number of elements that were there
+std::size_t ConfigurationManager::Saving::dropRemoved(ConfigWriterImpl& document) const {
+    std::size_t count = 0;
+    if (isOwnTarget())
+        for (const auto& [name, key] : m_manager.m_removed)
+            count += document.deleteObject(name, key) ? 1 : 0;
+    return count;
+}
+
+/// Whether this is what saveConfiguration() does: other files are none of the objects' own.
+bool ConfigurationManager::Saving::isOwnTarget() const {
+    return m_differencesOnly || (m_manager.m_fileMode == SingleFile &&
+                                 isSameFile(m_target, m_manager.m_configurationFile));
+}
+
+/// Stores a document that holds all objects.
+void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
+    const auto layers = store(ConfigWriterImpl::of(writer));
+    if (isOwnTarget())
+        for (const auto& [name, registration] : m_manager.m_objects)
+            if (registration.object->writesContent())
+                m_manager.setKnown(registration, {layers, std::nullopt});
+}
+
+/// Calls back with what is known of each object that writes something.
+template <typename Check>
+void ConfigurationManager::Saving::forEachKnown(Check check) const {
+    for (const auto& [name, registration] : m_manager.m_objects) {
+        const KnownState* const known = m_manager.knownOf(registration);
+        if (known != nullptr && registration.object->writesContent())
+            check(name, *known);
+    }
+}
+
+/// @throws SaveFailure where what the target holds would be lost because an object does not know it
+void ConfigurationManager::Saving::checkUserFile() {
+    forEachKnown([&](const std::string& name, const KnownState& known) {
+        if (known.isLoadRefused)
+            throw SaveFailure(Report::NotLoaded, "the object \"" + name +
+                                                     "\" was not loaded, for want of " +
+                                                     quoted(m_manager.m_systemFile));
+        checkLayer(known.layers->user, m_user, name);
+    });
+}
+
+/// @throws SaveFailure where what the system file says and locks would be ignored
+void ConfigurationManager::Saving::checkSystemFile() {
+    if (m_manager.m_systemFileRequired && !m_system.isAccepted())
+        throw m_system.exists() ? failureOf(m_system)
+                                : SaveFailure(Report::NotLoaded, quoted(m_manager.m_systemFile) +
+                                                                     " is required but missing");
+    forEachKnown([&](const std::string& name, const KnownState& known) {
+        if (!known.layers->system.isOf(m_manager.m_systemFile))
+            return;
+        if (known.layers->system.isAccepted() && m_system.isRefused())
+            throw failureOf(m_system);
+        checkLayer(known.layers->system, m_system, name);
+    });
+}
+
+/// @param atLoad what an object was loaded from
+/// @param now    the same layer; read if that was not done yet
+/// @throws SaveFailure for a file that could not be read when the object was loaded, but can be now
+void ConfigurationManager::Saving::checkLayer(const LayerDocument& atLoad, LayerDocument& now,
+                                              const std::string& name) const {
+    const bool isTarget = &now == &m_user;
+    if (!atLoad.isRefused() || m_manager.countsAsMissing(atLoad) ||
+        (isTarget && !isSameFile(atLoad.file(), m_target)))
+        return;
+    if (isTarget && now.file().empty())
+        now = readUserFile();
+    if (now.isAccepted())
+        throw SaveFailure(Report::NotLoaded,
+                          quoted(now.file()) + " could not be read when the object \"" + name +
+                              "\" was loaded, and what it holds would be lost",
+                          atLoad.error());
+}
+
+LayerDocument ConfigurationManager::Saving::readUserFile() const {
+    AdvancedConfigReader reader;
+    return {reader, m_target, AdvancedConfigReader::User, m_manager.m_validVersions};
+}
+
+/// Merges what changed into what the file holds now.
+void ConfigurationManager::Saving::merge(const std::string& version) {
+    makeFolderOf(m_target);
+    const FileLock lock(m_target, m_manager.m_lockTimeout);
+    if (lock.state() == FileLock::State::Busy)
+        throw SaveFailure(Report::Busy, "another process is saving it");
+    m_user = readUserFile();
+    if (m_user.isEmptyFile())
+        s_log.logERROR(quoted(m_target) + " is empty and counts as missing", __FILE__, __func__,
+                       __LINE__);
+    else if (m_user.isRefused())
+        throw failureOf(m_user);
+    checkUserFile();
+    readSystemFile();
+    const bool hasDocument = m_user.isAccepted();
+    const auto document = hasDocument ? ConfigWriterImpl::openBytes(m_user.bytes())
+                                      : std::make_unique<ConfigWriterImpl>(version);
+    mergeInto(*document, hasDocument ? version : std::string());
+    if (lock.state() == FileLock::State::NotMade && m_report.reason == Report::Saved)
+        m_report.text += (m_report.text.empty() ? "" : "; ") + quoted(m_target) +
+                         " was saved without a lock: " + lock.error().message();
+}
+
+void ConfigurationManager::Saving::readSystemFile() {
+    if (!m_differencesOnly)
+        return;
+    AdvancedConfigReader reader;
+    m_system = LayerDocument(reader, m_manager.m_systemFile, AdvancedConfigReader::System,
+                             m_manager.m_validVersions);
+    checkSystemFile();
+}
+
+/// @param version to be given to the document; empty: it keeps its own
+void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
+                                             const std::string& version) {
+    ConfigurationChanges changes(m_differencesOnly ? &m_system : nullptr, m_user);
+    forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
+        if (isOwnTarget())
+            changes.add(registration, m_manager.knownOf(registration));
+        else
+            changes.addAll(registration);
+    });
+    std::size_t count = changes.mergeInto(document.root()) + dropRemoved(document);
+    const auto& accepted = m_manager.m_validVersions;
+    if (!version.empty() && document.version() != version &&
+        std::ranges::find(accepted, version) != accepted.end()) {
+        document.setVersion(version);
+        ++count;
+    }
+    if (count == 0) {
+        m_report.reason = Report::NothingToSave;
+        return;
+    }
+    const auto layers = store(document);
+    if (!isOwnTarget())
+        return;
+    auto states = changes.takeStates();
+    auto state = states.begin();
+    for (const auto& [name, registration] : m_manager.m_objects)
+        if (registration.object->writesContent())
+            m_manager.setKnown(registration, {layers, std::move(*state++)});
+}
+
+/// Writes a finished document to the file.
+/// @return what the files hold now
+std::shared_ptr<const ConfigurationLayers>
+ConfigurationManager::Saving::store(ConfigWriterImpl& document) {
+    PrintedDocument printed = document.print();
+    if (!printed.problem.empty())
+        throw SaveFailure(Report::InvalidContent, printed.problem);
+    const FileSave saved = m_manager.m_saveMode == InPlace
+                               ? FileSave{saveInPlace(m_target, printed.text), true}
+                               : replaceFile(m_target, printed.text);
+    if (saved.error)
+        throw failureOf(saved.error);
+    m_report.writtenInPlace = saved.inPlace;
+    if (saved.inPlace && m_manager.m_saveMode != InPlace)
+        m_report.text = quoted(m_target) + " was written in place, for it could not be replaced by "
+                                           "a new file";
+    const auto& versions = m_manager.m_validVersions;
+    const bool isAccepted = std::ranges::find(versions, document.version()) != versions.end();
+    auto layers = std::make_shared<ConfigurationLayers>(
+        m_system, LayerDocument(m_target, std::move(printed.text), isAccepted));
+    if (isOwnTarget()) {
+        m_manager.m_layers = layers;
+        m_manager.m_removed.clear();
+    }
+    return layers;
+}
+
+} // namespace Orvant

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationSaveReport.h>
+
+#include <FileHandling/FileName.h>
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+namespace Orvant {
+
+class ConfigWriterImpl;
+
+/// Thrown where a save ends without having written.
+class SaveFailure : public std::runtime_error {
+public:
+    SaveFailure(ConfigurationSaveReport::Reason reason, const std::string& problem,
+                std::error_code error = {})
+        : std::runtime_error(problem), m_reason(reason), m_error(error) {}
+
+    ConfigurationSaveReport::Reason reason() const { return m_reason; }
+    const std::error_code& error() const { return m_error; }
+
+private:
+    ConfigurationSaveReport::Reason m_reason;
+    std::error_code m_error;
+};
+
+/// One save of the manager's objects to a file. What happens goes to the manager's report.
+class ConfigurationManager::Saving {
+public:
+    /// @param differencesOnly true: only what differs from the system file is written
+    Saving(const ConfigurationManager& manager, const FileName& target, bool differencesOnly);
+
+    /// Saves as the manager's mode has it; any exception leaves the file unchanged.
+    /// @param version of a new document
+    /// @return true for a success
+    bool run(const std::string& version);
+
+    /// Puts all objects in full into a writer of the file, and stores it.
+    /// @throws SaveFailure when it cannot be written, and what objects throw
+    void putAll(ConfigWriter& writer);
+    /// Puts what differs from the system file into a writer of the file, and stores it.
+    /// @throws SaveFailure when it cannot be written or would ignore the system file, and what
+    ///         objects throw
+    void putDifferences(ConfigWriter& writer);
+
+private:
+    void write(const std::string& version);
+    std::unique_ptr<ConfigWriter> openTarget(const std::string& version) const;
+    std::size_t dropRemoved(ConfigWriterImpl& document) const;
+    bool isOwnTarget() const;
+    void storeAll(const ConfigWriter& writer);
+    void merge(const std::string& version);
+    void mergeInto(ConfigWriterImpl& document, const std::string& version);
+    std::shared_ptr<const ConfigurationLayers> store(ConfigWriterImpl& document);
+
+    template <typename Check>
+    void forEachKnown(Check check) const;
+    void checkUserFile();
+    void checkSystemFile();
+    void checkLayer(const LayerDocument& atLoad, LayerDocument& now, const std::string& name) const;
+    LayerDocument readUserFile() const;
+    void readSystemFile();
+
+    const ConfigurationManager& m_manager;
+    const FileName& m_target;
+    bool m_differencesOnly;
+    ConfigurationSaveReport& m_report;
+    LayerDocument m_system; ///< now, when it was read
+    LayerDocument m_user;   ///< the target now, when it was read
+};
+
+} // namespace Orvant

@@ -1,0 +1,461 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+
+#include <ManagerFixture.h>
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <thread>
+
+namespace Orvant {
+namespace {
+
+using Support::document;
+using Support::readFile;
+using Support::TestObject;
+using Support::withoutFormatting;
+using Support::writeFile;
+using testing::HasSubstr;
+using testing::Values;
+
+using Strings = std::vector<std::string>;
+using Report = ConfigurationSaveReport;
+
+/// An object with "a" (1), "b" (2), a list "l" and a child "Child" with "c" (3).
+std::shared_ptr<TestObject> makeObject(const std::string& name = "Test") {
+    return TestObject::make(name, [](TestObject& object) {
+        object.add("a", 1).add("b", 2).add("l", Strings{}).addChild(new TestObject("Child"));
+        object.child("Child").add("c", 3);
+    });
+}
+
+/// Reads and writes the texts that the application adds, each with its own key.
+class Bookmarks : public ConfigurationObject {
+public:
+    Bookmarks() : ConfigurationObject("Bookmarks", "", LoadAndSave, AllProducts) {}
+    ConfigurationObject* createConfigurationObject() const override { return new Bookmarks; }
+    void loadContent(ConfigReader& reader) override {
+        texts.clear();
+        reader.createConfigurationObjects("Bookmark", [&](const std::string& key) {
+            bool editable = true;
+            reader.getString("Text", texts[key], editable);
+        });
+    }
+    using ConfigurationObject::saveContent;
+    void saveContent(ConfigWriter& writer) const override {
+        for (const auto& [key, text] : texts) {
+            TestObject bookmark;
+            bookmark.add("Text", text);
+            writer.putClassContents("Bookmark", key, bookmark, "");
+        }
+    }
+    void saveContent(ConfigWriter& writer, ConfigReader&, bool) const override {
+        saveContent(writer);
+    }
+    bool canBeSavedToUserConfig(ConfigReader&) const override { return !texts.empty(); }
+
+    std::map<std::string, std::string> texts;
+};
+
+/// Both file modes: the file that is saved to is the only one or the user's.
+class ConfigurationManagerMerge : public Support::ManagerFixture,
+                                  public testing::WithParamInterface<bool> {
+protected:
+    ConfigurationManagerMerge() {
+        m_manager.setSaveMode(ConfigurationManager::Merge);
+        if (GetParam())
+            useTwoFiles();
+        else
+            useOneFile();
+    }
+    bool save() const { return m_manager.saveConfiguration("1.0"); }
+    void write(const std::string& contents) const { writeFile(m_target, document(contents)); }
+    std::string contents() const {
+        const std::string text = withoutFormatting(readFile(m_target));
+        static const std::string start = "<Configuration version=\"1.0\">";
+        static const std::string end = "</Configuration>";
+        if (!text.starts_with(start))
+            return text;
+        return text.substr(start.size(), text.size() - start.size() - end.size());
+    }
+    Report::Reason reason() const { return m_manager.getSaveReport().reason; }
+
+    const FileName m_target = GetParam() ? m_userFile : m_file;
+};
+
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMerge, Values(false, true),
+                         [](const auto& mode) { return mode.param ? "TwoFiles" : "OneFile"; });
+
+TEST_P(ConfigurationManagerMerge, KeepsWhatAnotherProcessChangedInTheSameObject) {
+    write("<Test><a>5</a><b>6</b></Test>");
+    const auto mine = add(makeObject());
+    auto other = anotherProcess();
+    const auto theirs = makeObject();
+    other.addConfigurationObject(theirs, "Test");
+
+    theirs->value<int>("b").setValue(60);
+    theirs->child("Child").value<int>("c").setValue(30);
+    EXPECT_TRUE(other.saveConfiguration("1.0"));
+    mine->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a><b>60</b><Child><c>30</c></Child></Test>", contents());
+    EXPECT_EQ(Report::Saved, reason());
+
+    // What the other one wrote is still not a change of this one.
+    mine->value<int>("a").setValue(51);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>51</a><b>60</b><Child><c>30</c></Child></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, WinsForTheValueThatBothChanged) {
+    write("<Test><a>5</a><b>6</b></Test>");
+    const auto mine = add(makeObject());
+    write("<Test><a>7</a><b>8</b></Test>");
+    mine->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a><b>8</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsCommentsAttributesAndOrder) {
+    write(
+        "<!--x--><Other/><Test note=\"n\"><!--of b--><b>6</b><!--of a--><a>5</a><!--end--></Test>");
+    const auto mine = add(makeObject());
+    mine->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<!--x--><Other/><Test note=\"n\"><!--of b--><b>6</b><!--of a--><a>50</a><!--end-->"
+              "</Test>",
+              contents());
+}
+
+TEST_P(ConfigurationManagerMerge, WritesNothingWithoutAChange) {
+    write("<Test><a>5</a></Test>");
+    add(makeObject());
+    const auto time = std::filesystem::file_time_type() + std::chrono::hours(1);
+    std::filesystem::last_write_time(m_target.toString(), time);
+    const std::string before = readFile(m_target);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+    EXPECT_EQ(before, readFile(m_target));
+    EXPECT_EQ(time, std::filesystem::last_write_time(m_target.toString()));
+}
+
+TEST_P(ConfigurationManagerMerge, MakesNoFileWithoutAChange) {
+    add(makeObject());
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+    EXPECT_FALSE(std::filesystem::exists(m_target.toString()));
+}
+
+TEST_P(ConfigurationManagerMerge, ReplacesAListAsAWhole) {
+    write("<Test><l><item>x</item><item>y</item></l></Test>");
+    const auto mine = add(makeObject());
+    write("<Test><l><item>x</item><item>z</item></l></Test>");
+    mine->value<Strings>("l").setValue({"1", "2", "3"});
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><l><item>1</item><item>2</item><item>3</item></l></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsAListReadableBesideThatOfAChild) {
+    const auto make = [] {
+        return TestObject::make("Test", [](TestObject& object) {
+            object.add("l", Strings{"x"}).addChild(new TestObject("Child"));
+            object.child("Child").add("l", Strings{"y"});
+        });
+    };
+    write("<Test/>");
+    const auto mine = add(make());
+    mine->child("Child").value<Strings>("l").setValue({"z"});
+    EXPECT_TRUE(save());
+    auto other = anotherProcess();
+    const auto theirs = make();
+    other.addConfigurationObject(theirs, "Test");
+    EXPECT_EQ(Strings{"x"}, theirs->value<Strings>("l").getValue());
+    EXPECT_EQ(Strings{"z"}, theirs->child("Child").value<Strings>("l").getValue());
+    theirs->value<Strings>("l").setValue({"v"});
+    EXPECT_TRUE(other.saveConfiguration("1.0"));
+    EXPECT_EQ("<Test><l><item>v</item></l><Child><l><item>z</item></l></Child></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, MergesKeyedSiblings) {
+    write("<P key=\"1\"><a>5</a></P><P key=\"2\"><a>6</a></P>");
+    const auto first = add(makeObject("P"), "P", "1");
+    add(makeObject("P"), "P", "2");
+    const auto third = add(makeObject("P"), "P", "3");
+    write("<P key=\"1\"><a>5</a></P><P key=\"2\"><a>60</a></P><P key=\"4\"><a>7</a></P>");
+    first->value<int>("b").setValue(20);
+    third->value<int>("a").setValue(70);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<P key=\"1\"><a>5</a><b>20</b></P><P key=\"2\"><a>60</a></P><P key=\"4\"><a>7</a>"
+              "</P><P key=\"3\"><a>70</a></P>",
+              contents());
+}
+
+TEST_P(ConfigurationManagerMerge, CopiesTheDefaultEntryThatAKeyedObjectWasLoadedFrom) {
+    write("<P><a>5</a><b>6</b></P>");
+    const auto object = add(makeObject("P"), "P", "1");
+    object->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_THAT(contents(), HasSubstr("<P><a>5</a><b>6</b></P><P key=\"1\"><a>50</a><b>6</b>"));
+}
+
+TEST_P(ConfigurationManagerMerge, MergesAClassThatOverridesItsSavingByWhatItWrites) {
+    write("<Bookmarks><Bookmark key=\"x\"><Text>1</Text></Bookmark>"
+          "<Bookmark key=\"y\"><Text>2</Text></Bookmark></Bookmarks>");
+    const auto mine = add(std::make_shared<Bookmarks>());
+    auto other = anotherProcess();
+    const auto theirs = std::make_shared<Bookmarks>();
+    other.addConfigurationObject(theirs, "Bookmarks");
+    theirs->texts["z"] = "3";
+    EXPECT_TRUE(other.saveConfiguration("1.0"));
+
+    mine->texts.erase("x");
+    mine->texts["y"] = "20";
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Bookmarks><Bookmark key=\"y\"><Text>20</Text></Bookmark>"
+              "<Bookmark key=\"z\"><Text>3</Text></Bookmark></Bookmarks>",
+              contents());
+}
+
+TEST_P(ConfigurationManagerMerge, WritesWhatIsSavedButNeverLoaded) {
+    write("<Test><version>1</version></Test>");
+    add(TestObject::make(
+        "Test", [](TestObject& object) { object.add("version", 2, TestObject::SaveOnly); }));
+    EXPECT_TRUE(save());
+    // As compared with the system file it differs from nothing.
+    EXPECT_EQ(GetParam() ? "<Configuration version=\"1.0\"/>" : "<Test><version>2</version></Test>",
+              contents());
+}
+
+TEST_P(ConfigurationManagerMerge, DoesNotTouchWhatAClassDoesNotWrite) {
+    write("<Test><a>5</a></Test>");
+    const auto object = TestObject::make(
+        "Test", [](TestObject& test) { test.add("a", 1); }, TestObject::NotPersistent);
+    add(object);
+    object->value<int>("a").setValue(6);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, MakesMissingFolders) {
+    const FileName file = m_directory.file("a/b/user.xml");
+    GetParam() ? m_manager.setSystemAndUserConfigurationFile(m_systemFile, file)
+               : m_manager.setConfigurationFile(file);
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(document("<Test><a>5</a></Test>"), withoutFormatting(readFile(file)));
+}
+
+TEST_P(ConfigurationManagerMerge, TakesAnEmptyFileForAMissingOneAndLogsIt) {
+    write("<Test><a>5</a></Test>");
+    const auto object = add(makeObject());
+    writeFile(m_target, "");
+    const Support::LogCapture log("ConfigurationManager");
+    // A crash of another program must not cost what is still in memory.
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+    EXPECT_THAT(log.text(), HasSubstr("is empty and counts as missing"));
+}
+
+TEST_P(ConfigurationManagerMerge, LoadsFromAnEmptyFileAndSavesOverIt) {
+    writeFile(m_target, "");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, NeverOverwritesADamagedFile) {
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    writeFile(m_target, "<Configuration version=\"1.0\"><Te");
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::Damaged, reason());
+    EXPECT_EQ("<Configuration version=\"1.0\"><Te", readFile(m_target));
+}
+
+TEST_P(ConfigurationManagerMerge, NeverOverwritesAnotherVersion) {
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    writeFile(m_target, "<Configuration version=\"9.0\"/>");
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::OtherVersion, reason());
+    EXPECT_EQ("<Configuration version=\"9.0\"/>", readFile(m_target));
+}
+
+TEST_P(ConfigurationManagerMerge, SetsTheVersionThatIsAccepted) {
+    write("<Test><a>5</a></Test>");
+    m_manager.setValidVersionList({"1.0", "2.0"});
+    add(makeObject());
+    EXPECT_TRUE(m_manager.saveConfiguration("3.0"));
+    EXPECT_THAT(readFile(m_target), HasSubstr("version=\"1.0\""));
+    EXPECT_TRUE(m_manager.saveConfiguration("2.0"));
+    EXPECT_EQ(Report::Saved, reason());
+    EXPECT_THAT(readFile(m_target), HasSubstr("version=\"2.0\""));
+}
+
+TEST_P(ConfigurationManagerMerge, SaysWhenOthersKeepTheFileLocked) {
+    auto other = anotherProcess();
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    m_manager.setLockTimeout(std::chrono::milliseconds(20));
+    class SavingWhileItIsSaved : public TestObject {
+    public:
+        using TestObject::TestObject;
+        ConfigurationObject* createConfigurationObject() const override {
+            return new TestObject("Slow");
+        }
+        void saveContent(ConfigWriter& writer) const override {
+            if (action)
+                action();
+            TestObject::saveContent(writer);
+        }
+        std::function<void()> action;
+    };
+    const auto slow = std::make_shared<SavingWhileItIsSaved>("Slow");
+    other.addConfigurationObject(slow, "Slow");
+    slow->action = [&] {
+        EXPECT_FALSE(save());
+        EXPECT_EQ(Report::Busy, reason());
+    };
+    EXPECT_TRUE(other.saveConfiguration("1.0"));
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, DropsTheElementOfARemovedObject) {
+    write("<P key=\"1\"><a>5</a></P><P key=\"2\"><a>6</a></P><Test><a>7</a></Test>");
+    add(makeObject("P"), "P", "1");
+    add(makeObject("P"), "P", "2");
+    add(makeObject());
+    EXPECT_TRUE(m_manager.removeConfigurationObject("P", "1"));
+    EXPECT_FALSE(m_manager.removeConfigurationObject("P", "1"));
+    EXPECT_TRUE(m_manager.removeConfigurationObject("Test"));
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<P key=\"2\"><a>6</a></P>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, WritesAllObjectsInFullToAnotherFile) {
+    write("<Test><a>5</a></Test>");
+    add(makeObject());
+    const FileName copy = m_directory.file("copy.xml");
+    writeFile(copy, document("<Other/>"));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(copy.toString(), "1.0"));
+    EXPECT_EQ(document("<Other/><Test><a>5</a><b>2</b><l/><Child><c>3</c></Child></Test>"),
+              withoutFormatting(readFile(copy)));
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, SavesWhatTheApplicationSetBeforeTheObjectWasRegistered) {
+    const auto object = makeObject();
+    object->value<int>("a").setValue(5);
+    add(object);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, KnowsTheChangesWhenItIsSwitchedOnLate) {
+    m_manager.setSaveMode(ConfigurationManager::InPlace);
+    write("<Test><a>5</a><b>6</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(50);
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    write("<Test><a>5</a><b>60</b></Test>");
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a><b>60</b></Test>", contents());
+}
+
+class ConfigurationManagerMergeTwoFiles : public ConfigurationManagerMerge {
+protected:
+    void writeSystem(const std::string& contents) const {
+        writeFile(m_systemFile, document(contents));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMergeTwoFiles, Values(true),
+                         [](const auto&) { return "Merge"; });
+
+TEST_P(ConfigurationManagerMergeTwoFiles, RemovesAValueThatIsTheSystemsAgain) {
+    writeSystem("<Test><a>5</a><b>6</b></Test>");
+    write("<Test><a>50</a><!--of b--><b>60</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("b").setValue(6);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a></Test>", contents());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, DoesNotPinWhatTheAdministratorChangesMeanwhile) {
+    writeSystem("<Test><a>5</a></Test>");
+    const auto object = add(makeObject());
+    writeSystem("<Test><a>7</a></Test>");
+    object->value<int>("b").setValue(20);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><b>20</b></Test>", contents());
+    writeSystem("<Test><a>8</a></Test>");
+    object->value<int>("b").setValue(21);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><b>21</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, NeverWritesALockedValue) {
+    writeSystem("<Test><a editable=\"false\">5</a><l editable=\"false\"/>"
+                "<Child editable=\"false\"><c>6</c></Child></Test><Lock editable=\"false\"/>");
+    const auto object = add(makeObject());
+    const auto lock = add(makeObject("Lock"));
+    object->value<int>("a").setValue(50);
+    object->value<int>("b").setValue(20);
+    object->value<Strings>("l").setValue({"x"});
+    object->child("Child").value<int>("c").setValue(60);
+    lock->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><b>20</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, DropsTheUsersValuesAfterAResetFromTheSystemFile) {
+    writeSystem("<Test><a>5</a></Test>");
+    write("<Test><a>50</a></Test><P key=\"1\"><a>6</a></P><P key=\"2\"><a>7</a></P>");
+    add(makeObject());
+    add(makeObject("P"), "P", "1");
+    const auto second = add(makeObject("P"), "P", "2");
+    m_manager.resetConfigurationObject("Test", false);
+    m_manager.resetConfigurationObject("P", "2", false);
+    EXPECT_EQ(1, second->value<int>("a").getValue());
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<P key=\"1\"><a>6</a></P>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, WritesNothingAfterAResetFromTheUsersFile) {
+    writeSystem("<Test><a>5</a></Test>");
+    write("<Test><b>60</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("b").setValue(61);
+    m_manager.resetConfigurationObject("Test", true);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+    EXPECT_EQ("<Test><b>60</b></Test>", contents());
+}
+
+class ConfigurationManagerMergeOneFile : public ConfigurationManagerMerge {};
+
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMergeOneFile, Values(false),
+                         [](const auto&) { return "Merge"; });
+
+TEST_P(ConfigurationManagerMergeOneFile, NeverWritesALockedValue) {
+    write("<Test><a editable=\"false\">5</a><b>6</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(50);
+    object->value<int>("b").setValue(60);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a editable=\"false\">5</a><b>60</b></Test>", contents());
+}
+
+} // namespace
+} // namespace Orvant
