@@ -124,8 +124,8 @@ std::error_code checkWritable(const fs::path& file) {
 /// The new file has its place whether or not that is on the disk yet.
 void flushDirectory(const fs::path& directory) {
     OpenFile opened(directory, OpenFile::Purpose::Read);
-    if (opened.isOpen()) [[maybe_unused]]
-        const std::error_code ignored = opened.flush();
+    [[maybe_unused]] const std::error_code ignored =
+        opened.isOpen() ? opened.flush() : opened.error();
 }
 
 #endif
