@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/files/FileLock.h>
 
 #include <SchemaTestSupport.h>
+#include <files/SystemCalls.h>
 
 #include <gmock/gmock.h>
 
@@ -138,6 +139,18 @@ TEST_F(FileLockTest, IsNotLostWhenAnotherOfTheProcessIsBusy) {
               }));
 }
 
+TEST_F(FileLockTest, IsNotLostWhileAnotherOfTheProcessMakesTheFile) {
+    // Closing the new file would end a lock that is taken before.
+    std::vector<State> others;
+    SystemCalls calls;
+    calls.watch([&](const std::string& function) {
+        if (function == "close")
+            std::thread([&] { others.push_back(tryIt()); }).join();
+    });
+    EXPECT_EQ(State::Held, tryIt());
+    EXPECT_THAT(others, ElementsAre(State::Busy, State::Busy));
+}
+
 TEST_F(FileLockTest, LeavesOtherTargetsAlone) {
     const FileLock lock(target, 0ms);
     const FileLock other(directory.file("other.xml"), 0ms);
@@ -250,6 +263,22 @@ TEST_F(FileLockTest, IsNotMadeWhereThisProcessMayNotWrite) {
     writeFile(lockFile, "");
     fs::permissions(lockFile.toPath(), fs::perms(0444));
     EXPECT_EQ(0, asOrdinaryUser(isRefused)) << "into the file";
+}
+
+TEST_F(FileLockTest, IsNotMadeWhereItsFileCannotBeOpened) {
+    writeFile(lockFile, "");
+    SystemCalls calls;
+    calls.fail("open", EMFILE);
+    expectNotMade(std::errc::too_many_files_open);
+}
+
+TEST_F(FileLockTest, IsInTheCurrentDirectory) {
+    EXPECT_EQ(0, inOwnProcess([&] {
+                  fs::current_path(directory.path());
+                  const FileLock lock(FileName("settings.xml"), 0ms);
+                  return lock.state() == State::Held && tryIt() == State::Busy ? 0 : 1;
+              }));
+    EXPECT_THAT(filesIn(directory), ElementsAre("settings.xml.lock"));
 }
 
 TEST_F(FileLockTest, HasANameThatAFileSystemCanHold) {

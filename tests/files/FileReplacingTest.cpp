@@ -171,9 +171,9 @@ TEST_F(FileReplacingTest, KeepsOwnerGroupAndMode) {
     for (const mode_t mode : {0600U, 0644U, 0666U, 0200U, 0640U, 06755U, 01777U}) {
         ASSERT_EQ(0, chmod(file.toNativeString().c_str(), mode));
         const struct stat before = statusOf(file);
-        umask(077);
+        const mode_t mask = umask(077);
         EXPECT_FALSE(replaceFile(file, "new").error);
-        umask(022);
+        umask(mask);
         const struct stat after = statusOf(file);
         EXPECT_EQ(before.st_uid, after.st_uid);
         EXPECT_EQ(before.st_gid, after.st_gid);

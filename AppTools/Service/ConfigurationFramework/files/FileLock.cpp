@@ -47,8 +47,15 @@ private:
     bool m_isTaken;
 };
 
-/// @return why there is no lock file, or none to be opened; it is never opened here, since closing
-///         it would end another lock of this process
+/// @return the file that is locked, by the same name for all that know it by different ones
+fs::path lockFileOf(const FileName& target, std::error_code& error) {
+    const fs::path last = followLinks(toPath(target)).back();
+    const fs::path directory = last.has_parent_path() ? last.parent_path() : fs::path(".");
+    fs::path lockFile = fs::canonical(directory, error) / last.filename();
+    return lockFile += ".lock";
+}
+
+/// @return why there is no lock file, or none to be opened
 std::error_code makeLockFile(const fs::path& lockFile) {
     const OpenFile made(lockFile, OpenFile::Purpose::Make);
     std::error_code error;
@@ -65,30 +72,30 @@ std::error_code makeLockFile(const fs::path& lockFile) {
 class FileLock::Held {
 public:
     explicit Held(const fs::path& lockFile) : m_own(lockFile) {
+        // Nothing may open the file while another lock of this process has it.
         if (!m_own.isTaken())
+            return;
+        if (m_error = makeLockFile(lockFile); m_error)
             return;
         m_file = boost::interprocess::file_lock(lockFile.string().c_str());
         m_lock = Lock(m_file, boost::interprocess::try_to_lock);
     }
 
-    explicit operator bool() const { return m_lock.owns(); }
+    bool isHeld() const { return m_lock.owns(); }
+    const std::error_code& error() const { return m_error; }
 
 private:
     using Lock = boost::interprocess::scoped_lock<boost::interprocess::file_lock>;
 
     // The order matters: the lock goes first, and the file is closed before another may open it.
     OwnLock m_own;
+    std::error_code m_error;
     boost::interprocess::file_lock m_file;
     Lock m_lock;
 };
 
 FileLock::FileLock(const FileName& target, milliseconds patience) {
-    fs::path lockFile = followLinks(toPath(target)).back();
-    lockFile += ".lock";
-    m_error = makeLockFile(lockFile);
-    if (!m_error)
-        // By whatever name another lock of this process knows the file.
-        lockFile = fs::canonical(lockFile, m_error);
+    const fs::path lockFile = lockFileOf(target, m_error);
     if (m_error)
         m_state = State::NotMade;
     else
@@ -113,14 +120,16 @@ void FileLock::waitFor(const fs::path& lockFile, milliseconds patience) {
 void FileLock::tryToTake(const fs::path& lockFile) {
     try {
         auto held = std::make_unique<Held>(lockFile);
-        if (!*held)
-            return;
-        m_held = std::move(held);
-        m_state = State::Held;
+        m_error = held->error();
+        if (held->isHeld()) {
+            m_held = std::move(held);
+            m_state = State::Held;
+        }
     } catch (const boost::interprocess::interprocess_exception& e) {
         m_error = std::error_code(e.get_native_error(), std::system_category());
-        m_state = State::NotMade;
     }
+    if (m_error)
+        m_state = State::NotMade;
 }
 
 } // namespace Orvant

@@ -138,9 +138,11 @@ std::optional<std::error_code> putNewFile(const fs::path& target, const std::str
     NewFile made(target.parent_path() / names.make(), former ? former->firstMode() : 0666U);
     if (made.isMade()) {
         removeLeftovers(made.path(), names);
+        if (!made.write(bytes))
+            return made.error();
         if (former && !former->giveTo(made.descriptor()))
             return std::nullopt;
-        if (!made.write(bytes) || !made.flush())
+        if (!made.flush())
             return made.error();
     }
     if (made.finishAs(target))
@@ -160,8 +162,8 @@ std::optional<std::error_code> putNewFile(const fs::path& target, const std::str
         return error;
     if (!fs::is_regular_file(status) || fs::hard_link_count(target, error) != 1)
         return std::nullopt;
-    if ((error = checkWritable(target)))
-        return error;
+    if (const std::error_code refusal = checkWritable(target))
+        return refusal;
     return putNewFile(target, bytes, FileRights(target));
 }
 
