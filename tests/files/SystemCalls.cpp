@@ -84,7 +84,7 @@ template <typename Function, typename... Arguments>
 auto call(const char* name, Function*, Arguments... arguments) {
     using Result = decltype(std::declval<Function*>()(arguments...));
     if (SystemCalls::fails(name))
-        return static_cast<Result>(-1);
+        return static_cast<Result>(errno == 0 ? 0 : -1);
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name))(arguments...);
 }
 
@@ -145,6 +145,10 @@ int fsetxattr(int descriptor, const char* name, const void* value, size_t size,
 
 int fremovexattr(int descriptor, const char* name) noexcept {
     return call("fremovexattr", fremovexattr, descriptor, name);
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    return call("stat", static_cast<decltype(stat)*>(stat), path, status);
 }
 
 int rename(const char* from, const char* to) noexcept {

@@ -18,6 +18,7 @@ public:
     ~SystemCalls();
 
     /// Lets calls of a function fail.
+    /// @param error 0: they say that they went well, but do nothing
     /// @param times how many calls
     /// @param before how many calls go well before those
     SystemCalls& fail(const std::string& function, int error, int times = always, int before = 0);
