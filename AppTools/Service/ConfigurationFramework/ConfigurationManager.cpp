@@ -3,6 +3,8 @@
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationChecking.h>
+#include <ConfigurationFramework/ConfigurationExplaining.h>
 #include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ConfigurationReloading.h>
@@ -304,11 +306,23 @@ bool ConfigurationManager::countsAsMissing(const LayerDocument& layer) const {
 }
 
 std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {
-    return {};
+    if (m_layers == nullptr)
+        return {};
+    ConfigurationChecking checking(*m_layers, m_validVersions, m_systemFileRequired);
+    for (const auto& [name, registration] : m_objects)
+        checking.add(registration);
+    return checking.problems();
 }
 
 std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
-    return {};
+    const ConfigurationLayers none;
+    ConfigurationExplaining explaining(m_layers == nullptr ? none : *m_layers);
+    for (const auto& [name, registration] : m_objects) {
+        const KnownState* const known = knownOf(registration);
+        const bool isLoaded = known != nullptr && known->layers != nullptr && !known->isLoadRefused;
+        explaining.add(registration, isLoaded);
+    }
+    return explaining.takeOrigins();
 }
 
 bool ConfigurationManager::saveConfiguration(const std::string& version) const {

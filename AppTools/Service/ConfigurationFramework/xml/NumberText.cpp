@@ -62,16 +62,27 @@ std::string_view withoutPlus(std::string_view text) {
     return text.starts_with('-') ? std::string_view() : text;
 }
 
-} // namespace
+/// What an attempt to read a number gave.
+struct Extraction {
+    std::errc error;       ///< of std::from_chars
+    std::string_view rest; ///< what follows the number
+};
 
-bool extractNumber(std::string_view text, int& number) {
-    const std::string_view digits = withoutPlus(withoutLeadingSpace(text));
-    return std::from_chars(digits.data(), digits.data() + digits.size(), number).ec == std::errc();
+std::string_view after(const char* end, std::string_view text) {
+    return text.substr(static_cast<std::size_t>(end - text.data()));
 }
 
-bool extractNumber(std::string_view text, double& number) {
-    const std::string_view prefix = floatingPointPrefix(withoutLeadingSpace(text));
+Extraction extract(std::string_view text, int& number) {
+    const std::string_view digits = withoutPlus(withoutLeadingSpace(text));
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return {error, after(end, digits)};
+}
+
+Extraction extract(std::string_view text, double& number) {
+    const std::string_view begin = withoutLeadingSpace(text);
+    const std::string_view prefix = floatingPointPrefix(begin);
     const std::string_view digits = withoutPlus(prefix);
+    const std::string_view rest = begin.substr(prefix.size());
     double result = 0.0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
     if (error == std::errc::result_out_of_range) {
@@ -79,12 +90,39 @@ bool extractNumber(std::string_view text, double& number) {
         std::istringstream stream{std::string(prefix)};
         stream.imbue(std::locale::classic());
         if (!(stream >> result))
-            return false;
+            return {error, rest};
     } else if (error != std::errc() || end != digits.data() + digits.size()) {
-        return false;
+        return {std::errc::invalid_argument, rest};
     }
     number = result;
-    return true;
+    return {std::errc(), rest};
+}
+
+NumberMatch matchOf(const Extraction& extraction) {
+    if (extraction.error == std::errc::result_out_of_range)
+        return NumberMatch::OutOfRange;
+    if (extraction.error != std::errc())
+        return NumberMatch::None;
+    return withoutLeadingSpace(extraction.rest).empty() ? NumberMatch::Whole
+                                                        : NumberMatch::Beginning;
+}
+
+} // namespace
+
+bool extractNumber(std::string_view text, int& number) {
+    return extract(text, number).error == std::errc();
+}
+
+bool extractNumber(std::string_view text, double& number) {
+    return extract(text, number).error == std::errc();
+}
+
+NumberMatch matchNumber(std::string_view text, int& number) {
+    return matchOf(extract(text, number));
+}
+
+NumberMatch matchNumber(std::string_view text, double& number) {
+    return matchOf(extract(text, number));
 }
 
 std::string formatNumber(int number) {

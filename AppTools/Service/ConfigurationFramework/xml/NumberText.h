@@ -15,6 +15,19 @@ bool extractNumber(std::string_view text, int& number);
 /// @copydoc extractNumber(std::string_view, int&)
 bool extractNumber(std::string_view text, double& number);
 
+/// How much of a text is a number, as extractNumber() reads it.
+enum class NumberMatch {
+    None,       ///< the text does not begin with a number
+    OutOfRange, ///< it begins with a number that the type cannot hold
+    Beginning,  ///< something other than white space follows the number
+    Whole       ///< nothing but white space follows the number
+};
+
+/// @param number of the type to be read; written like that of extractNumber()
+NumberMatch matchNumber(std::string_view text, int& number);
+/// @copydoc matchNumber(std::string_view, int&)
+NumberMatch matchNumber(std::string_view text, double& number);
+
 /// @return the number in decimal digits, after a minus if it is negative
 std::string formatNumber(int number);
 /// @return the number in default notation, with six significant digits

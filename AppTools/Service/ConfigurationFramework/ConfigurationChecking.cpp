@@ -1,0 +1,309 @@
+#include <ConfigurationFramework/ConfigurationChecking.h>
+
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ValueText.h>
+#include <ConfigurationFramework/xml/XmlText.h>
+
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+using Element = DocumentTree::Element;
+
+std::string quoted(const std::string& text) {
+    return '"' + text + '"';
+}
+
+/// What a text should have been.
+std::string expected(ConfigurationValueBase::ValueType type) {
+    switch (type) {
+    case ConfigurationValueBase::BoolValue:
+        return "neither true nor false";
+    case ConfigurationValueBase::DoubleValue:
+    case ConfigurationValueBase::FloatValue:
+        return "not a number";
+    default:
+        return "not an integer";
+    }
+}
+
+} // namespace
+
+/// The check of one document.
+class ConfigurationChecking::Document {
+public:
+    Document(const LocatedLayers& layers, FileLayer layer, const std::vector<Setting>& settings);
+
+    void check(std::vector<ConfigurationProblem>& problems);
+
+private:
+    /// What an element is to readers.
+    enum class Role { Group, Value, List, Item, Ignored };
+    struct State {
+        Role role = Role::Ignored;
+        std::string path = {};
+    };
+    /// The settings of one tag in an element.
+    struct Declaration {
+        bool isKeyed = false;
+        std::set<std::string> keys = {};
+    };
+
+    const LocatedDocument::Item& item(Element element) const { return m_document.items()[element]; }
+    std::string pathOf(Element element) const;
+    void add(ConfigurationProblem::Kind kind, Element element, const std::string& text);
+    void checkSetting(Element element, const Setting& setting);
+    void checkText(Element element, const Setting& setting);
+    void checkOther(Element element);
+    void checkUndeclared(Element element);
+    void checkLock(Element element, const std::string& obstacle);
+    std::string obstacleOf(Element element, const Setting& setting) const;
+    std::string replacementOf(const Setting& setting) const;
+
+    const LocatedLayers& m_layers;
+    FileLayer m_layer;
+    LocatedDocument& m_document;
+    DocumentTree& m_tree;
+    std::vector<const Setting*> m_settings; ///< by element; null: none is read from it
+    std::map<Element, std::map<std::string, Declaration>> m_declarations; ///< by parent and tag
+    std::vector<State> m_states;                                          ///< by element
+    std::vector<ConfigurationProblem>* m_problems = nullptr;
+};
+
+ConfigurationChecking::Document::Document(const LocatedLayers& layers, FileLayer layer,
+                                          const std::vector<Setting>& settings)
+    : m_layers(layers),
+      m_layer(layer),
+      m_document(*layers.document(layer)),
+      m_tree(m_document.tree()),
+      m_settings(m_document.items().size(), nullptr),
+      m_states(m_document.items().size()) {
+    for (const Setting& setting : settings) {
+        const Element element = setting.elements[layer];
+        if (element != DocumentTree::none && m_settings[element] == nullptr)
+            m_settings[element] = &setting;
+        if (setting.parents[layer] == DocumentTree::none)
+            continue;
+        Declaration& declaration = m_declarations[setting.parents[layer]][setting.tag];
+        if (setting.key) {
+            declaration.isKeyed = true;
+            declaration.keys.insert(throughDocument(*setting.key));
+        }
+    }
+}
+
+void ConfigurationChecking::Document::check(std::vector<ConfigurationProblem>& problems) {
+    m_problems = &problems;
+    m_states[DocumentTree::root] = {Role::Group};
+    checkLock(DocumentTree::root, "the root cannot be locked");
+    for (Element element = DocumentTree::root + 1; element < m_states.size(); ++element) {
+        if (item(element).tag.empty()) // a reference to an entity
+            m_states[element] = m_states[item(element).parent];
+        else if (const Setting* const setting = m_settings[element])
+            checkSetting(element, *setting);
+        else
+            checkOther(element);
+    }
+}
+
+std::string ConfigurationChecking::Document::pathOf(Element element) const {
+    const std::string& parent = m_states[item(element).parent].path;
+    const std::string& key = m_tree.key(element);
+    return (parent.empty() ? "" : parent + '/') + item(element).tag +
+           (key.empty() ? "" : '[' + key + ']');
+}
+
+void ConfigurationChecking::Document::add(ConfigurationProblem::Kind kind, Element element,
+                                          const std::string& text) {
+    const DocumentPlace& place = item(element).place;
+    m_problems->push_back({kind, m_layers.file(m_layer).file(), place.line, place.column,
+                           m_states[element].path, text});
+}
+
+void ConfigurationChecking::Document::checkSetting(Element element, const Setting& setting) {
+    m_states[element] = {setting.isOpaque  ? Role::Ignored
+                         : setting.isGroup ? Role::Group
+                         : setting.isList  ? Role::List
+                                           : Role::Value,
+                         setting.path};
+    if (setting.value != nullptr && setting.isLoaded)
+        checkText(element, setting);
+    checkLock(element, obstacleOf(element, setting));
+}
+
+void ConfigurationChecking::Document::checkText(Element element, const Setting& setting) {
+    const ConfigurationValueBase::ValueType type = setting.value->getValueType();
+    const Conversion conversion = convert(m_tree, element, type);
+    const std::string text = quoted(textIn(m_tree, element, false));
+    switch (conversion.kind) {
+    case Conversion::Whole:
+        break;
+    case Conversion::Partly:
+        add(ConfigurationProblem::PartlyConverted, element,
+            text + " was read as " + conversion.result);
+        break;
+    case Conversion::OutOfRange:
+        add(ConfigurationProblem::OutOfRange, element,
+            text + " is too large for the type of the value; " +
+                (conversion.succeeded() ? conversion.result : replacementOf(setting)) +
+                " was taken");
+        break;
+    case Conversion::None:
+        add(ConfigurationProblem::NotConverted, element,
+            text + " is " + expected(type) + "; " + replacementOf(setting) + " was taken");
+        break;
+    case Conversion::NoText:
+        add(ConfigurationProblem::NotConverted, element,
+            (setting.isList ? "an item" : "the element") +
+                std::string(" has no text at its front; ") + replacementOf(setting) + " was taken");
+        break;
+    }
+}
+
+/// What is taken where the text of this file does not convert.
+std::string ConfigurationChecking::Document::replacementOf(const Setting& setting) const {
+    const FileLayer other = m_layer == SystemLayer ? UserLayer : SystemLayer;
+    const bool isLocked = m_layer == SystemLayer && !setting.lockedBy.empty();
+    if (!isLocked && setting.isReadFrom(other, m_layers)) {
+        const std::string text = *setting.textIn(other, m_layers);
+        return (other == SystemLayer ? "the system file's " : "the user file's ") +
+               (setting.isList ? text : quoted(text));
+    }
+    const std::string text = defaultTextOf(*setting.value);
+    return "the default " + (setting.value->getValueType() == ConfigurationValueBase::StringValue
+                                 ? quoted(text)
+                             : text.empty() ? "(empty)"
+                                            : text);
+}
+
+/// Checks an element that no setting is read from.
+void ConfigurationChecking::Document::checkOther(Element element) {
+    const State& parent = m_states[item(element).parent];
+    const bool isInList = parent.role == Role::List;
+    m_states[element] = {Role::Ignored, parent.path};
+    if (isInList && item(element).tag == "item") {
+        m_states[element].role = Role::Item;
+        checkLock(element, "an item of a list cannot be locked");
+    } else if (parent.role != Role::Ignored) {
+        m_states[element].path = pathOf(element);
+        checkUndeclared(element);
+        checkLock(element, "the element is not loaded");
+    }
+}
+
+void ConfigurationChecking::Document::checkUndeclared(Element element) {
+    const Element parent = item(element).parent;
+    const std::string& tag = item(element).tag;
+    const auto declarations = m_declarations.find(parent);
+    const Declaration* const declaration =
+        declarations == m_declarations.end() || !declarations->second.contains(tag)
+            ? nullptr
+            : &declarations->second.at(tag);
+    const std::string& key = m_tree.key(element);
+    if (item(parent).tag.empty())
+        add(ConfigurationProblem::Unknown, element,
+            quoted(tag) + " comes from an entity, where it is not read; it was ignored");
+    else if (declaration == nullptr)
+        add(ConfigurationProblem::Unknown, element,
+            "no registered object declares " + quoted(tag) + "; it was ignored");
+    else if (!declaration->isKeyed || declaration->keys.contains(key))
+        add(ConfigurationProblem::Twice, element,
+            "only the first " + quoted(tag) + " is read; this one was ignored");
+    else if (!key.empty())
+        add(ConfigurationProblem::Unknown, element,
+            "no registered object declares " + quoted(tag) + " with the key " + quoted(key) +
+                "; it was ignored");
+    else if (m_tree.findChildWithoutKey(parent, tag) != element)
+        add(ConfigurationProblem::Twice, element,
+            "only the last " + quoted(tag) + " without a key is read; this one was ignored");
+}
+
+/// Why a lock on an element of a setting has no effect; empty: it has one.
+std::string ConfigurationChecking::Document::obstacleOf(Element element,
+                                                        const Setting& setting) const {
+    if (!setting.isLoaded)
+        return "the element is not loaded";
+    if (m_layer == UserLayer && setting.isOfSystem)
+        return "only the system file locks";
+    const bool needsText = setting.value != nullptr && !setting.isList &&
+                           setting.value->getValueType() != ConfigurationValueBase::StringValue;
+    return needsText && !m_tree.text(element) ? "the element has no text" : "";
+}
+
+/// @param obstacle why a lock has no effect; empty: it has one
+void ConfigurationChecking::Document::checkLock(Element element, const std::string& obstacle) {
+    const std::optional<std::string>& editable = item(element).editable;
+    if (!editable || editable == "true")
+        return;
+    if (editable != "false")
+        add(ConfigurationProblem::OddLock, element,
+            "editable=" + quoted(*editable) + " is neither true nor false; true was taken");
+    else if (!obstacle.empty())
+        add(ConfigurationProblem::OddLock, element,
+            "editable=\"false\" has no effect: " + obstacle);
+}
+
+ConfigurationChecking::ConfigurationChecking(const ConfigurationLayers& layers,
+                                             const std::list<std::string>& validVersions,
+                                             bool isSystemRequired)
+    : m_layers(layers),
+      m_validVersions(validVersions),
+      m_isSystemRequired(isSystemRequired),
+      m_settings(m_layers) {}
+
+void ConfigurationChecking::add(const ConfigurationRegistration& registration) {
+    m_objects.push_back(loadFresh(registration, m_layers.layers()));
+    m_settings.add(registration, *m_objects.back());
+}
+
+std::vector<ConfigurationProblem> ConfigurationChecking::problems() const {
+    std::vector<ConfigurationProblem> problems;
+    for (const FileLayer layer : {SystemLayer, UserLayer}) {
+        if (m_layers.document(layer) != nullptr)
+            Document(m_layers, layer, m_settings.settings()).check(problems);
+        else
+            checkFile(layer, problems);
+    }
+    return problems;
+}
+
+/// Tells why a file was not loaded.
+void ConfigurationChecking::checkFile(FileLayer layer,
+                                      std::vector<ConfigurationProblem>& problems) const {
+    const LayerDocument& file = m_layers.file(layer);
+    const auto add = [&](ConfigurationProblem::Kind kind, const DocumentPlace& place,
+                         const std::string& text) {
+        problems.push_back({kind, file.file(), place.line, place.column, "",
+                            text + (layer == SystemLayer && m_isSystemRequired
+                                        ? "; no file was loaded"
+                                        : "; nothing of the file was loaded")});
+    };
+    if (!file.exists()) {
+        if (layer == SystemLayer && m_isSystemRequired && !file.file().empty())
+            add(ConfigurationProblem::Unreadable, {}, "the required system file is missing");
+        return;
+    }
+    if (file.error()) {
+        add(ConfigurationProblem::Unreadable, {},
+            "the file cannot be read: " + file.error().message());
+        return;
+    }
+    const LocatedDocument document(file.bytes());
+    if (const auto& error = document.error()) {
+        add(ConfigurationProblem::Damaged, error->place, "the file is damaged: " + error->message);
+        return;
+    }
+    std::string accepted;
+    for (const std::string& version : m_validVersions)
+        accepted += (accepted.empty() ? "" : ", ") + quoted(version);
+    add(ConfigurationProblem::OtherVersion, {},
+        "the version " + quoted(document.version()) + " is not accepted, only " +
+            (accepted.empty() ? "none" : accepted) + " is");
+}
+
+} // namespace Orvant

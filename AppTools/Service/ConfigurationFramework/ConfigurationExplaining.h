@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationOrigin.h>
+#include <ConfigurationFramework/ConfigurationSettings.h>
+
+#include <utility>
+#include <vector>
+
+namespace Orvant {
+
+/// Where the values of registered objects come from.
+class ConfigurationExplaining {
+public:
+    /// @param layers the files at the last load or save; must outlive this
+    explicit ConfigurationExplaining(const ConfigurationLayers& layers) : m_layers(layers) {}
+
+    /// Adds the values of an object.
+    /// @param isLoaded false: the object was registered without being loaded from the files
+    void add(const ConfigurationRegistration& registration, bool isLoaded);
+    /// @return origins of the values in the order in which they were added
+    std::vector<ConfigurationOrigin> takeOrigins() { return std::move(m_origins); }
+
+private:
+    ConfigurationOrigin originOf(const Setting& setting) const;
+    void decide(const Setting& loaded, ConfigurationOrigin& origin) const;
+
+    const LocatedLayers m_layers;
+    std::vector<ConfigurationOrigin> m_origins;
+};
+
+} // namespace Orvant

@@ -1,0 +1,284 @@
+#include <ConfigurationFramework/ConfigurationSettings.h>
+
+#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/ValueText.h>
+#include <ConfigurationFramework/model/FreshObject.h>
+#include <ConfigurationFramework/xml/XmlText.h>
+
+#include <GeneralServices/XercesHelperFunctions.h>
+
+#include <algorithm>
+#include <map>
+#include <ranges>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+using Element = DocumentTree::Element;
+
+std::string toUtf8(const XmlString& text) {
+    return XercesHelperFunctions::xmlChToString(text.c_str());
+}
+
+std::string pathOf(const std::string& tag, const std::optional<std::string>& key) {
+    return key ? tag + '[' + *key + ']' : tag;
+}
+
+std::optional<std::string> keyOf(const WrittenElement* written) {
+    return written != nullptr && written->id.key ? std::optional(toUtf8(*written->id.key))
+                                                 : std::nullopt;
+}
+
+/// The element that an object is loaded from.
+Element findGroup(DocumentTree& tree, Element parent, const std::string& tag,
+                  const std::optional<std::string>& key) {
+    if (!key)
+        return tree.findChild(parent, tag);
+    const Element keyed = tree.findChild(parent, tag, throughDocument(*key));
+    return keyed != DocumentTree::none ? keyed : tree.findChildWithoutKey(parent, tag);
+}
+
+/// The element that a value is loaded from.
+Element findValue(DocumentTree& tree, Element parent, const std::string& tag, bool isList) {
+    return isList ? tree.findBelow(parent, tag) : tree.findChild(parent, tag);
+}
+
+/// Takes over what an item says for itself and what is in it.
+void restrictBy(const ConfigurationItemBase& item, Setting& setting) {
+    setting.isLoaded = setting.isLoaded && item.isLoadable();
+    if (setting.lockedBy.empty() && !item.isEditable())
+        setting.lockedBy = setting.path;
+}
+
+/// The child of a tag and key at a position among those; nothing else counts.
+Element findOccurrence(DocumentTree& tree, Element parent, const Setting& setting,
+                       std::size_t occurrence) {
+    Element found = DocumentTree::none;
+    tree.forEachChild(parent, setting.tag, [&](Element child) {
+        const bool isMeant = !setting.key || tree.key(child) == *setting.key;
+        if (isMeant && occurrence-- == 0)
+            found = child;
+    });
+    return found;
+}
+
+bool isListOfItems(const WrittenElement& written) {
+    return !written.children.empty() &&
+           std::ranges::all_of(written.children,
+                               [](const auto& child) { return child.id.tag == u"item"; });
+}
+
+std::string textOf(const WrittenElement& written) {
+    if (!isListOfItems(written))
+        return toUtf8(written.text);
+    std::vector<std::string> items;
+    items.reserve(written.children.size());
+    for (const WrittenElement& item : written.children)
+        items.push_back(toUtf8(item.text));
+    return joined(items);
+}
+
+} // namespace
+
+LocatedLayers::LocatedLayers(const ConfigurationLayers& layers) : m_layers(layers) {
+    for (const FileLayer layer : {SystemLayer, UserLayer}) {
+        if (!file(layer).isAccepted())
+            continue;
+        auto document = std::make_unique<LocatedDocument>(file(layer).bytes());
+        if (!document->error())
+            m_documents[layer] = std::move(document);
+    }
+}
+
+bool Setting::isReadFrom(FileLayer layer, const LocatedLayers& layers) const {
+    LocatedDocument* const document = layers.document(layer);
+    if (!isLoaded || document == nullptr || elements[layer] == DocumentTree::none)
+        return false;
+    return value == nullptr ||
+           convert(document->tree(), elements[layer], value->getValueType()).succeeded();
+}
+
+std::optional<std::string> Setting::textIn(FileLayer layer, const LocatedLayers& layers) const {
+    LocatedDocument* const document = layers.document(layer);
+    if (document == nullptr || elements[layer] == DocumentTree::none)
+        return std::nullopt;
+    return Orvant::textIn(document->tree(), elements[layer], isList);
+}
+
+struct ConfigurationSettings::Group {
+    const WrittenElement* written; ///< null: it was not written
+    LayerElements elements;
+    std::unordered_map<XmlString, std::vector<const WrittenElement*>> untaken = {};
+    std::unordered_set<const WrittenElement*> taken = {};
+
+    Group(const WrittenElement* group, const LayerElements& places)
+        : written(group), elements(places) {
+        if (written != nullptr)
+            for (const WrittenElement& child : written->children | std::views::reverse)
+                untaken[child.id.tag].push_back(&child);
+    }
+
+    /// @return the next written child of a name; null when there is none
+    const WrittenElement* take(const std::string& name) {
+        const auto found = untaken.find(XercesHelperFunctions::stringToXmlCh(name));
+        if (found == untaken.end() || found->second.empty())
+            return nullptr;
+        const WrittenElement* const child = found->second.back();
+        found->second.pop_back();
+        taken.insert(child);
+        return child;
+    }
+};
+
+template <typename Find>
+LayerElements ConfigurationSettings::findAll(const LayerElements& parents, Find find) const {
+    LayerElements found{DocumentTree::none, DocumentTree::none};
+    for (const FileLayer layer : {SystemLayer, UserLayer})
+        if (parents[layer] != DocumentTree::none)
+            found[layer] = find(m_layers.document(layer)->tree(), parents[layer]);
+    return found;
+}
+
+void ConfigurationSettings::add(const ConfigurationRegistration& registration,
+                                const ConfigurationObject& object) {
+    Setting setting;
+    setting.tag = registration.name;
+    setting.key = registration.key;
+    setting.path = pathOf(registration.name, registration.key);
+    for (const FileLayer layer : {SystemLayer, UserLayer})
+        if (m_layers.document(layer) != nullptr)
+            setting.parents[layer] = DocumentTree::root;
+    setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element root) {
+        return findGroup(tree, root, registration.name, registration.key);
+    });
+    setting.isOfSystem = setting.elements[SystemLayer] != DocumentTree::none;
+    const WrittenElement written = writeInFull(registration, object);
+    addGroup(object, &written, std::move(setting));
+}
+
+/// Adds an object with an element of its own.
+void ConfigurationSettings::addGroup(const ConfigurationObject& object,
+                                     const WrittenElement* written, Setting setting) {
+    restrictBy(object, setting);
+    setting.isGroup = true;
+    setting.isOpaque = object.getConfigurationValuesSize() == 0 &&
+                       object.getConfigurationObjectsSize() == 0 &&
+                       (written == nullptr || written->children.empty());
+    m_settings.push_back(setting);
+    Group group{written, setting.elements};
+    setting.parents = setting.elements;
+    addObject(object, group, setting);
+    addOthers(group, setting);
+}
+
+/// Adds what is in an object.
+/// @param inherited what its settings have in common; its path is that of the object
+void ConfigurationSettings::addObject(const ConfigurationObject& object, Group& group,
+                                      Setting inherited) {
+    inherited.isGroup = false;
+    inherited.isOpaque = false;
+    restrictBy(object, inherited);
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        addValue(**value, group, inherited);
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
+        if ((*child)->getName().empty())
+            addObject(**child, group, inherited);
+        else
+            addChild(**child, group, inherited);
+    }
+}
+
+void ConfigurationSettings::addValue(const ConfigurationValueBase& value, Group& group,
+                                     Setting inherited) {
+    Setting setting = std::move(inherited);
+    setting.tag = value.getName();
+    setting.key.reset();
+    setting.path += '/' + setting.tag;
+    setting.value = &value;
+    setting.isList = value.getValueType() == ConfigurationValueBase::StringVectorValue;
+    restrictBy(value, setting);
+    setting.text = Orvant::textOf(value);
+    setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
+        return findValue(tree, parent, setting.tag, setting.isList);
+    });
+    if (value.isWrittenByCurrentProduct())
+        group.take(setting.tag);
+    m_settings.push_back(std::move(setting));
+}
+
+void ConfigurationSettings::addChild(const ConfigurationObject& child, Group& group,
+                                     Setting inherited) {
+    const WrittenElement* const written =
+        child.writesContent() ? group.take(child.getName()) : nullptr;
+    Setting setting = std::move(inherited);
+    setting.tag = child.getName();
+    setting.key = keyOf(written);
+    setting.path += '/' + pathOf(setting.tag, setting.key);
+    setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
+        return findGroup(tree, parent, setting.tag, setting.key);
+    });
+    addGroup(child, written, std::move(setting));
+}
+
+/// Adds what was written besides values and children.
+void ConfigurationSettings::addOthers(Group& group, const Setting& inherited) {
+    if (group.written == nullptr)
+        return;
+    std::map<ElementId, std::size_t> occurrences;
+    for (const WrittenElement& child : group.written->children) {
+        const std::size_t occurrence = occurrences[child.id]++;
+        if (!group.taken.contains(&child))
+            addOther(child, occurrence, group, inherited);
+    }
+}
+
+void ConfigurationSettings::addOther(const WrittenElement& written, std::size_t occurrence,
+                                     const Group& group, Setting inherited) {
+    Setting setting = std::move(inherited);
+    setting.tag = toUtf8(written.id.tag);
+    setting.key = keyOf(&written);
+    setting.path += '/' + pathOf(setting.tag, setting.key);
+    setting.isOpaque = false;
+    setting.isList = isListOfItems(written);
+    setting.isGroup = !setting.isList && !written.children.empty();
+    setting.parents = group.elements;
+    setting.elements = findAll(group.elements, [&](DocumentTree& tree, Element parent) {
+        const Element found = findOccurrence(tree, parent, setting, occurrence);
+        if (found != DocumentTree::none || occurrence != 0)
+            return found;
+        return setting.key ? tree.findChildWithoutKey(parent, setting.tag)
+                           : findValue(tree, parent, setting.tag, setting.isList);
+    });
+    if (setting.lockedBy.empty() && isLockedInFile(setting))
+        setting.lockedBy = setting.path;
+    if (!setting.isGroup)
+        setting.text = textOf(written);
+    m_settings.push_back(setting);
+    if (!setting.isGroup)
+        return;
+    Group below{&written, setting.elements};
+    addOthers(below, setting);
+}
+
+/// Whether the file whose locks count locks an element.
+bool ConfigurationSettings::isLockedInFile(const Setting& setting) const {
+    const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
+    const Element element = setting.elements[locking];
+    return element != DocumentTree::none && !m_layers.document(locking)->tree().isEditable(element);
+}
+
+std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
+                                               const ConfigurationLayers& layers) {
+    auto fresh = makeFresh(*registration.object);
+    AdvancedConfigReader reader;
+    layers.addTo(reader);
+    ElementAddress(registration).load(reader, *fresh);
+    return fresh;
+}
+
+} // namespace Orvant

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ConfigurationValueBase.h>
+#include <ConfigurationFramework/reading/LocatedDocument.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+/// A file that was read, in ascending priority. A single file is the user's.
+enum FileLayer : std::size_t { SystemLayer = 0, UserLayer = 1 };
+
+/// An element of each file; none: the file has none.
+using LayerElements = std::array<DocumentTree::Element, 2>;
+
+/// The files at one time, with the places of their elements.
+class LocatedLayers {
+public:
+    explicit LocatedLayers(const ConfigurationLayers& layers);
+
+    const LayerDocument& file(FileLayer layer) const {
+        return layer == SystemLayer ? m_layers.system : m_layers.user;
+    }
+    /// @return null when readers did not accept the file
+    LocatedDocument* document(FileLayer layer) const { return m_documents[layer].get(); }
+    const ConfigurationLayers& layers() const { return m_layers; }
+
+private:
+    const ConfigurationLayers& m_layers;
+    std::array<std::unique_ptr<LocatedDocument>, 2> m_documents;
+};
+
+/// A value of a registered object, an object, or what the class of an object writes besides its
+/// values and children.
+struct Setting {
+    std::string path;
+    std::string tag;
+    std::optional<std::string> key; ///< which the element has to have; nothing: any
+    bool isGroup = false;           ///< has settings below it
+    bool isOpaque = false;          ///< a group of which only its class knows what is in it
+    bool isList = false;
+    bool isLoaded = true; ///< a load reads it
+    /// The system file has the registered object: locks in the user's file do not count.
+    bool isOfSystem = false;
+    const ConfigurationValueBase* value = nullptr; ///< null: a group, or only its class knows it
+    std::string text;                              ///< of no group; as a save writes it
+    std::string lockedBy;                          ///< path of what is locked; empty: nothing is
+    LayerElements parents{DocumentTree::none, DocumentTree::none};
+    LayerElements elements{DocumentTree::none, DocumentTree::none};
+
+    /// @return true when a reader gets a value from a file
+    bool isReadFrom(FileLayer layer, const LocatedLayers& layers) const;
+    /// @return what a file says; nothing: it does not have the element
+    std::optional<std::string> textIn(FileLayer layer, const LocatedLayers& layers) const;
+};
+
+/// The settings of registered objects, in the order of saving, and where the files hold them.
+class ConfigurationSettings {
+public:
+    /// @param layers must outlive this
+    explicit ConfigurationSettings(const LocatedLayers& layers) : m_layers(layers) {}
+
+    /// Adds the settings of an object.
+    /// @param object its state; must outlive this
+    /// @throws what the object throws when it saves itself
+    void add(const ConfigurationRegistration& registration, const ConfigurationObject& object);
+    const std::vector<Setting>& settings() const { return m_settings; }
+
+private:
+    /// An element that objects share: one with a name, and the nameless ones in it.
+    struct Group;
+
+    void addObject(const ConfigurationObject& object, Group& group, Setting inherited);
+    void addValue(const ConfigurationValueBase& value, Group& group, Setting inherited);
+    void addChild(const ConfigurationObject& child, Group& group, Setting inherited);
+    void addOthers(Group& group, const Setting& inherited);
+    void addOther(const WrittenElement& written, std::size_t occurrence, const Group& group,
+                  Setting inherited);
+    void addGroup(const ConfigurationObject& object, const WrittenElement* written,
+                  Setting setting);
+    template <typename Find>
+    LayerElements findAll(const LayerElements& parents, Find find) const;
+    bool isLockedInFile(const Setting& setting) const;
+
+    const LocatedLayers& m_layers;
+    std::vector<Setting> m_settings;
+};
+
+/// @return a new object of the same class as the registered one, loaded from files
+/// @throws std::logic_error when the factory of the object returns null
+std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
+                                               const ConfigurationLayers& layers);
+
+} // namespace Orvant

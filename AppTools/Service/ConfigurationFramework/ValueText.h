@@ -1,0 +1,46 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationValueBase.h>
+#include <ConfigurationFramework/reading/DocumentTree.h>
+
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+// The texts that files hold for values.
+
+/// @return the items in double quotes, joined by ", "
+std::string joined(const std::vector<std::string>& items);
+
+/// @return what applies, as a save writes it; empty for a type that the library does not have
+std::string textOf(const ConfigurationValueBase& value);
+/// @return the built-in default, as a save writes it
+std::string defaultTextOf(const ConfigurationValueBase& value);
+
+/// What an element holds for a value.
+/// @param isList whether it is a list
+std::string textIn(DocumentTree& tree, DocumentTree::Element element, bool isList);
+
+/// How much of what an element holds becomes a value.
+struct Conversion {
+    enum Kind {
+        NoText,     ///< none: there is no text where one is needed
+        None,       ///< none
+        OutOfRange, ///< none, or infinity: the type cannot hold the number
+        Partly,     ///< the beginning
+        Whole       ///< all of it
+    };
+
+    Kind kind;
+    std::string result = {}; ///< as a save writes it, where it is not what the text says
+
+    /// @return true when there is a value
+    bool succeeded() const { return kind == Whole || !result.empty(); }
+};
+
+/// @return what a reader makes of an element
+Conversion convert(DocumentTree& tree, DocumentTree::Element element,
+                   ConfigurationValueBase::ValueType type);
+
+} // namespace Orvant

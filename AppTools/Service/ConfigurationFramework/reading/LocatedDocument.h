@@ -1,0 +1,55 @@
+#pragma once
+
+#include <ConfigurationFramework/reading/DocumentTree.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+/// A place in the text of a document, both numbers from 1; 0: unknown.
+struct DocumentPlace {
+    unsigned int line = 0;
+    unsigned int column = 0; ///< in UTF-16 code units
+};
+
+/// A configuration document with what its readers do not need: where each element stands, which
+/// attribute `editable` it really has, and what is wrong with a document that readers refuse. It
+/// is parsed like theirs, but apart from them, so that loads do not pay for it.
+class LocatedDocument {
+public:
+    /// An element, or a reference to an entity with elements.
+    struct Item {
+        std::string tag; ///< empty for a reference
+        DocumentTree::Element parent = DocumentTree::none;
+        /// Of the '<'. What comes from an entity stands at the reference in the document.
+        DocumentPlace place = {};
+        std::optional<std::string> editable = {}; ///< the attribute's text; nothing: there is none
+    };
+    /// Why readers refuse the document, whatever its version.
+    struct Error {
+        DocumentPlace place;
+        std::string message;
+    };
+
+    /// Xerces must be initialised.
+    explicit LocatedDocument(const std::string& bytes);
+
+    /// @return the first error; nothing for a configuration document
+    const std::optional<Error>& error() const { return m_error; }
+    /// @return what readers see of the document; empty if there was an error
+    DocumentTree& tree() { return m_tree; }
+    /// @return the items of the tree by their position
+    const std::vector<Item>& items() const { return m_items; }
+    /// @return version attribute of the root, empty when there is none
+    const std::string& version() const { return m_version; }
+
+private:
+    DocumentTree m_tree;
+    std::vector<Item> m_items;
+    std::string m_version;
+    std::optional<Error> m_error;
+};
+
+} // namespace Orvant

@@ -1,0 +1,401 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/DisableFeaturesConfiguration.h>
+
+#include <ManagerFixture.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+/// A line that shows all of an origin but the file, of which only the name is shown.
+static std::string show(const ConfigurationOrigin& origin) {
+    static const std::vector<std::string> s_layers{"default", "system", "user"};
+    const auto text = [](const std::optional<std::string>& value) {
+        return value ? "'" + *value + "'" : "-";
+    };
+    const std::string file = origin.file.toString();
+    return origin.path + " = '" + origin.value + "' " + s_layers.at(origin.layer) +
+           (origin.locked ? " locked" : "") +
+           (origin.lockedBy.empty() ? "" : " by " + origin.lockedBy) + " | " +
+           text(origin.systemValue) + " | " + text(origin.userValue) + " | " +
+           file.substr(file.find_last_of("/\\") + 1) + ":" + std::to_string(origin.line);
+}
+
+namespace {
+
+using namespace Support;
+using Lines = std::vector<std::string>;
+using Strings = std::vector<std::string>;
+
+class ConfigurationManagerExplain : public ManagerFixture {
+protected:
+    void writeOne(const std::string& contents) {
+        writeFile(m_file, document(contents));
+        useOneFile();
+    }
+    void writeTwo(const std::string& system, const std::string& user) {
+        writeFile(m_systemFile, document(system));
+        writeFile(m_userFile, document(user));
+        useTwoFiles();
+    }
+    Lines explained() const {
+        Lines lines;
+        for (const ConfigurationOrigin& origin : m_manager.explain())
+            lines.push_back(show(origin));
+        return lines;
+    }
+    std::shared_ptr<TestObject> addView() {
+        return add(TestObject::make("View", [](TestObject& o) { o.add("Zoom", 1); }));
+    }
+};
+
+TEST_F(ConfigurationManagerExplain, SaysNothingWithoutObjects) {
+    EXPECT_EQ(Lines(), explained());
+    writeOne("<View><Zoom>5</Zoom></View>");
+    EXPECT_EQ(Lines(), explained());
+}
+
+TEST_F(ConfigurationManagerExplain, KnowsNoLayersWithoutFiles) {
+    const auto view = addView();
+    EXPECT_EQ(Lines{"View/Zoom = '1' default | - | - | :0"}, explained());
+    view->value<int>("Zoom").setValue(2);
+    EXPECT_EQ(Lines{"View/Zoom = '2' user | - | - | :0"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, NamesTheOnlyFileAsTheUsers) {
+    writeOne("\n<View>\n<Zoom>5</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:3"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, NamesTheHighestLayerThatHoldsAValue) {
+    writeTwo("<View>\n<a>2</a><b>3</b></View>", "<View>\n\n<b>4</b><c>5</c></View>");
+    add(TestObject::make("View",
+                         [](TestObject& o) { o.add("a", 1).add("b", 1).add("c", 1).add("d", 1); }));
+    EXPECT_EQ((Lines{"View/a = '2' system | '2' | - | system.xml:2",
+                     "View/b = '4' user | '3' | '4' | user.xml:3",
+                     "View/c = '5' user | - | '5' | user.xml:3",
+                     "View/d = '1' default | - | - | :0"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, PassesOverATextThatDoesNotConvert) {
+    writeTwo("<View><a>2</a><b>x</b><c>2</c><d>2</d></View>",
+             "<View><a>yes</a><b/><c>3x</c><d>99999999999</d></View>");
+    add(TestObject::make("View",
+                         [](TestObject& o) { o.add("a", 1).add("b", 1).add("c", 1).add("d", 1); }));
+    EXPECT_EQ((Lines{"View/a = '2' system | '2' | 'yes' | system.xml:1",
+                     "View/b = '1' default | 'x' | '' | :0",
+                     "View/c = '3' user | '2' | '3x' | user.xml:1",
+                     "View/d = '2' system | '2' | '99999999999' | system.xml:1"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, GivesTextsAsFilesHoldThem) {
+    writeOne("<All><b>true</b><u>-1</u><d>1e-7</d><f>2.50</f><s> a </s>"
+             "<l><item>x, y</item><item/></l></All>");
+    add(TestObject::make("All", [](TestObject& o) {
+        o.add("b", false).add("i", -7).add("u", 1U).add("d", 0.0).add("f", 0.0F);
+        o.add<std::string>("s", "").add<Strings>("l", {}).add<Strings>("m", {"z"});
+    }));
+    EXPECT_EQ((Lines{"All/b = 'true' user | - | 'true' | settings.xml:1",
+                     "All/i = '-7' default | - | - | :0",
+                     "All/u = '-1' user | - | '-1' | settings.xml:1",
+                     "All/d = '1e-07' user | - | '1e-7' | settings.xml:1",
+                     "All/f = '2.5' user | - | '2.50' | settings.xml:1",
+                     "All/s = ' a ' user | - | ' a ' | settings.xml:1",
+                     R"(All/l = '"x, y", ""' user | - | '"x, y", ""' | settings.xml:1)",
+                     R"(All/m = '"z"' default | - | - | :0)"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, TakesAListFromWhereItIsRead) {
+    writeTwo("<View><l><item>s</item></l></View>",
+             "<View><Below>\n<l><item>u</item></l></Below><m><item><x/></item></m></View>");
+    add(TestObject::make(
+        "View", [](TestObject& o) { o.add<Strings>("l", {}).add<Strings>("m", {"d"}); }));
+    EXPECT_EQ((Lines{R"(View/l = '"u"' user | '"s"' | '"u"' | user.xml:2)",
+                     R"(View/m = '"d"' default | - | '""' | :0)"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, CallsAValueThatWasChangedTheUsers) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    const auto view = addView();
+    view->value<int>("Zoom").setValue(2);
+    EXPECT_EQ(Lines{"View/Zoom = '2' user | '2' | '3' | :0"}, explained());
+    view->value<int>("Zoom").setValue(3);
+    EXPECT_EQ(Lines{"View/Zoom = '3' user | '2' | '3' | user.xml:1"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAtTheLastLoad) {
+    writeOne("<View><Zoom>5</Zoom></View>");
+    addView();
+    writeFile(m_file, document("\n\n<View><Zoom>6</Zoom></View>"));
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:1"}, explained());
+    add(std::make_shared<TestObject>("Other"));
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '6' | :0"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAfterASave) {
+    for (const auto mode : {ConfigurationManager::InPlace, ConfigurationManager::Replace,
+                            ConfigurationManager::Merge}) {
+        m_manager.reset();
+        m_manager.setSaveMode(mode);
+        writeTwo("<View><Zoom>2</Zoom></View>", "");
+        const auto view = addView();
+        view->value<int>("Zoom").setValue(7);
+        EXPECT_EQ(Lines{"View/Zoom = '7' user | '2' | - | :0"}, explained());
+        ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
+        EXPECT_EQ(Lines{"View/Zoom = '7' user | '2' | '7' | user.xml:3"}, explained());
+        view->value<int>("Zoom").setValue(2);
+        ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
+        EXPECT_EQ(Lines{"View/Zoom = '2' system | '2' | - | system.xml:1"}, explained());
+    }
+    m_manager.setSaveMode(ConfigurationManager::InPlace);
+}
+
+TEST_F(ConfigurationManagerExplain, DoesNotTakeFilesForTheSourceOfWhatWasNotLoadedFromThem) {
+    addView();
+    writeOne("<View><Zoom>5</Zoom></View>");
+    add(std::make_shared<TestObject>("Other"));
+    EXPECT_EQ(Lines{"View/Zoom = '1' default | - | '5' | :0"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, KnowsThatNothingIsLoadedWithoutARequiredSystemFile) {
+    writeFile(m_userFile, document("<View><Zoom>5</Zoom></View>"));
+    useTwoFiles();
+    m_manager.setSystemFileRequired(true);
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '1' default | - | '5' | :0"}, explained());
+    m_manager.setSystemFileRequired(false);
+}
+
+TEST_F(ConfigurationManagerExplain, SaysNothingOfWhatAFileThatIsNotAcceptedHolds) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "");
+    writeFile(m_userFile, "<Configuration version='9'><View><Zoom>5</Zoom></View></Configuration>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '2' system | '2' | - | system.xml:1"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, NamesTheElementThatLocks) {
+    writeTwo("<View editable='false'><a>2</a><Camera><f>3</f></Camera></View>"
+             "<Other><a editable='false'>4</a><b>5</b>"
+             "<Camera editable='false'><f>6</f></Camera></Other>",
+             "<View><a>20</a><b>21</b><Camera><f>30</f></Camera></View>"
+             "<Other><a>40</a><b>50</b><Camera><f>60</f></Camera></Other>");
+    for (const char* name : {"View", "Other"})
+        add(TestObject::make(name, [](TestObject& o) {
+            o.add("a", 1).add("b", 1).addChild(&(new TestObject("Camera"))->add("f", 1));
+        }));
+    EXPECT_EQ((Lines{
+                  "Other/a = '4' system locked by Other/a | '4' | '40' | system.xml:1",
+                  "Other/b = '50' user | '5' | '50' | user.xml:1",
+                  "Other/Camera/f = '6' system locked by Other/Camera | '6' | '60' | system.xml:1",
+                  "View/a = '2' system locked by View | '2' | '20' | system.xml:1",
+                  "View/b = '1' default locked by View | - | '21' | :0",
+                  "View/Camera/f = '3' system locked by View | '3' | '30' | system.xml:1"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, GivesTheDefaultWhereTheTextOfALockedValueDoesNotConvert) {
+    writeTwo("<View><Zoom editable='false'>x</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '1' default locked by View/Zoom | 'x' | '3' | :0"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, TakesLocksOfASingleFileAsReadersDo) {
+    writeOne("<View><Zoom editable='false'>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '3' user locked by View/Zoom | - | '3' | settings.xml:1"},
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, IgnoresLocksOfTheUsersFileWhereTheSystemHasTheObject) {
+    writeTwo("<View/>", "<View editable='false'><Zoom editable='false'>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '3' user | - | '3' | user.xml:1"}, explained());
+    m_manager.reset();
+    writeTwo("<Other/>", "<View><Zoom editable='false'>3</Zoom></View>");
+    const auto view = addView();
+    EXPECT_FALSE(view->value<int>("Zoom").isEditable());
+    EXPECT_EQ(Lines{"View/Zoom = '3' user locked by View/Zoom | - | '3' | user.xml:1"},
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, TellsALockOfTheApplication) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    addView()->value<int>("Zoom").setEditable(false);
+    EXPECT_EQ(Lines{"View/Zoom = '3' user locked by View/Zoom | '2' | '3' | user.xml:1"},
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, FollowsKeysAndTheElementWithoutAKey) {
+    writeTwo("<Machine key='Hall 1'><MaxFeed>2</MaxFeed></Machine>\n"
+             "<Machine><MaxFeed>3</MaxFeed></Machine>\n<Machine><MaxFeed>4</MaxFeed></Machine>",
+             "<Machine key='Hall 2'><MaxFeed>5</MaxFeed></Machine>");
+    for (const char* key : {"Hall 2", "Hall 1", "Hall 3"})
+        add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine",
+            key);
+    EXPECT_EQ((Lines{"Machine[Hall 2]/MaxFeed = '5' user | '4' | '5' | user.xml:1",
+                     "Machine[Hall 1]/MaxFeed = '2' system | '2' | - | system.xml:1",
+                     "Machine[Hall 3]/MaxFeed = '4' system | '4' | - | system.xml:3"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, ReadsTheFirstElementOfAName) {
+    writeOne("<View key='x'><Zoom>2</Zoom><Zoom>3</Zoom></View><View><Zoom>4</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom = '2' user | - | '2' | settings.xml:1"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, PutsNamelessChildrenIntoTheElementOfTheirParent) {
+    writeTwo("<View editable='false'><Unit>cm</Unit><Camera><f>3</f></Camera></View>", "");
+    add(TestObject::make("View", [](TestObject& o) {
+        auto* const inline_ = new TestObject("");
+        inline_->add<std::string>("Unit", "mm")
+            .addChild(&(new TestObject("Camera"))->add("f", 1));
+        o.addChild(inline_).addChild(&(new TestObject("Last"))->add("z", 1));
+    }));
+    EXPECT_EQ((Lines{"View/Unit = 'cm' system locked by View | 'cm' | - | system.xml:1",
+                     "View/Camera/f = '3' system locked by View | '3' | - | system.xml:1",
+                     "View/Last/z = '1' default locked by View | - | - | :0"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, ExplainsWhatIsNeverWrittenOrNeverLoaded) {
+    const RunningProduct product(BuildInformation::ProductType{0});
+    writeOne("<View><a>2</a><b>2</b><c>2</c><d>2</d></View><Never><z>3</z></Never>");
+    add(TestObject::make("View", [](TestObject& o) {
+        o.add("a", 1, ConfigurationItemBase::NotPersistent)
+            .add("b", 1, ConfigurationItemBase::SaveOnly)
+            .add("c", 1, ConfigurationItemBase::LoadOnly)
+            .add("d", 1, ConfigurationItemBase::LoadAndSave, ConfigurationItemBase::Product1);
+    }));
+    add(TestObject::make(
+        "Never", [](TestObject& o) { o.add("z", 1); }, ConfigurationItemBase::NotPersistent));
+    EXPECT_EQ((Lines{"Never/z = '1' default | - | '3' | :0",
+                     "View/a = '1' default | - | '2' | :0", "View/b = '1' default | - | '2' | :0",
+                     "View/c = '2' user | - | '2' | settings.xml:1",
+                     "View/d = '2' user | - | '2' | settings.xml:1"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, ExplainsFeatureSwitches) {
+    writeOne("<DisableFeaturesConfiguration><EditorFoldItemsDisable>true</EditorFoldItemsDisable>"
+             "</DisableFeaturesConfiguration>");
+    add(std::make_shared<DisableFeaturesConfiguration>());
+    const Lines lines = explained();
+    ASSERT_EQ(10U, lines.size());
+    EXPECT_EQ("DisableFeaturesConfiguration/EditorSketchItemsDisable = 'false' default | - | - | :0",
+              lines[0]);
+    EXPECT_EQ("DisableFeaturesConfiguration/EditorFoldItemsDisable = 'true' user | - | 'true' | "
+              "settings.xml:1",
+              lines[1]);
+}
+
+/// Has a child for each key that the files hold, and saves it under its key.
+class Plotters : public TestObject {
+public:
+    Plotters() : TestObject("Plotters") {}
+    void loadContent(ConfigReader& reader) override {
+        reader.createConfigurationObjects("Plotter", [&](const std::string& key) {
+            if (std::ranges::find(m_keys, key) != m_keys.end())
+                return;
+            m_keys.push_back(key);
+            addChild(&(new TestObject("Plotter"))->add("Copies", 1));
+        });
+        std::size_t i = 0;
+        for (auto child = beginObjectIterator(); child != endObjectIterator(); ++child)
+            reader.getClassContents("Plotter", m_keys[i++], **child);
+    }
+    void saveContent(ConfigWriter& writer) const override {
+        std::size_t i = 0;
+        for (auto child = beginObjectIterator(); child != endObjectIterator(); ++child)
+            writer.putClassContents("Plotter", m_keys[i++], **child, "");
+    }
+    ConfigurationObject* createConfigurationObject() const override { return new Plotters; }
+
+private:
+    std::vector<std::string> m_keys;
+};
+
+TEST_F(ConfigurationManagerExplain, FollowsTheKeysThatAClassWrites) {
+    writeTwo("<Plotters><Plotter key='A'><Copies>2</Copies></Plotter>"
+             "<Plotter key='B'><Copies editable='false'>3</Copies></Plotter></Plotters>",
+             "<Plotters>\n<Plotter key='B'><Copies>4</Copies></Plotter></Plotters>");
+    add(std::make_shared<Plotters>());
+    EXPECT_EQ((Lines{"Plotters/Plotter[A]/Copies = '2' system | '2' | - | system.xml:1",
+                     "Plotters/Plotter[B]/Copies = '3' system locked by Plotters/Plotter[B]/Copies "
+                     "| '3' | '4' | system.xml:1"}),
+              explained());
+}
+
+/// Loads and saves a number, a list, points of one name and a group besides its values.
+class Besides : public TestObject {
+public:
+    Besides() : TestObject("Besides") { add("a", 1); }
+    void loadContent(ConfigReader& reader) override {
+        TestObject::loadContent(reader);
+        bool editable = true;
+        reader.getInt("Number", number, editable);
+    }
+    void saveContent(ConfigWriter& writer) const override {
+        TestObject::saveContent(writer);
+        writer.putInt("Number", number, "");
+        writer.putStringVector("List", {"x", "y"}, "");
+        TestObject group("Group");
+        group.add("g", 5);
+        writer.putClassContents("Group", "k", group, "");
+    }
+    ConfigurationObject* createConfigurationObject() const override { return new Besides; }
+
+    int number = 7;
+};
+
+TEST_F(ConfigurationManagerExplain, ExplainsWhatAClassWritesBesidesItsValues) {
+    writeTwo("<Besides><Number>8</Number></Besides>",
+             "<Besides><List><item>x</item><item>y</item></List>"
+             "<Group key='k'>\n<g>5</g></Group></Besides>");
+    const auto object = add(std::make_shared<Besides>());
+    EXPECT_EQ((Lines{"Besides/a = '1' default | - | - | :0",
+                     "Besides/Number = '8' system | '8' | - | system.xml:1",
+                     R"(Besides/List = '"x", "y"' user | - | '"x", "y"' | user.xml:1)",
+                     "Besides/Group[k]/g = '5' user | - | '5' | user.xml:2"}),
+              explained());
+    object->number = 9;
+    EXPECT_EQ("Besides/Number = '9' user | '8' | - | :0", explained()[1]);
+}
+
+TEST_F(ConfigurationManagerExplain, TellsLocksOfWhatAClassWritesBesidesItsValues) {
+    writeTwo("<Besides><Number editable='false'>8</Number></Besides>", "");
+    add(std::make_shared<Besides>());
+    EXPECT_EQ("Besides/Number = '8' system locked by Besides/Number | '8' | - | system.xml:1",
+              explained()[1]);
+}
+
+TEST_F(ConfigurationManagerExplain, LeavesObjectsAndFilesAsTheyAre) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    const auto view = addView();
+    view->value<int>("Zoom").setValue(4);
+    view->signals = 0;
+    const std::string before = readFile(m_userFile);
+    explained();
+    EXPECT_EQ(4, view->value<int>("Zoom").getValue());
+    EXPECT_EQ(0, view->signals);
+    EXPECT_EQ(before, readFile(m_userFile));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+} // namespace
+} // namespace Orvant
