@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What a maintainer adds to the tests before landing: clang-format, clang-tidy, all tests on Clang
-# with AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the Debian packages,
-# and how much of the library the tests cover.
+# with AddressSanitizer and UndefinedBehaviorSanitizer (Doxygen's among them), the fuzzers, the Debian
+# packages, and how much of the library the tests cover.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,10 +15,13 @@ cmake --preset asan-ubsan
 cmake --build --preset asan-ubsan
 
 echo "== clang-tidy"
-run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/(AppTools|examples)/.*" 2>/dev/null
+run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/(AppTools|examples|fuzzing)/.*" 2>/dev/null
 
 echo "== Tests under the sanitizers"
 ctest --preset asan-ubsan
+
+echo "== Fuzzers"
+scripts/fuzz.sh 60
 
 echo "== Debian packages"
 scripts/debian.sh

@@ -4,6 +4,7 @@
 #include "DomConfigReader.h"
 
 #include <ConfigurationFramework/SimpleConfigReader.h>
+#include <ReaderQuestions.h>
 #include <TestSupport.h>
 
 #include <gtest/gtest.h>
@@ -15,7 +16,9 @@
 namespace Orvant {
 namespace {
 
+using Support::askEverything;
 using Support::DomConfigReader;
+using Support::Recorder;
 using Random = std::mt19937;
 
 template <typename Container>
@@ -27,83 +30,12 @@ const auto& anyOf(const Container& container, Random& random) {
 const std::vector<std::string> names = {"A", "B", "Value", "item", "Configuration", "Größe", "nil"};
 const std::vector<std::string> keys = {"", "1", "k", "ä", "none"};
 
-/// Writes down all that it is asked while it is loaded, and loads a child below it.
-class Recorder : public ConfigurationObject {
-public:
-    Recorder(std::ostream& record, int depth)
-        : ConfigurationObject("Recorder", "", LoadAndSave, AllProducts),
-          m_record(record),
-          m_depth(depth) {}
-
-    void loadContent(ConfigReader& reader) override;
-    ConfigurationObject* createConfigurationObject() const override {
-        return new Recorder(m_record, m_depth);
-    }
-
-private:
-    std::ostream& m_record;
-    int m_depth;
-};
-
-/// Asks a reader everything that needs only a name and writes the answers down. The values start at
-/// something that no document holds, to show what is overwritten.
-void ask(ConfigReader& reader, const std::string& name, std::ostream& record) {
-    bool boolValue = false;
-    int intValue = -7;
-    unsigned int unsignedValue = 7;
-    double doubleValue = -0.75;
-    double scientificValue = -0.75;
-    float floatValue = -0.25F;
-    std::string text = "unchanged";
-    std::vector<std::string> texts = {"unchanged"};
-    std::map<std::string, bool> itemEditable = {{"unchanged", true}};
-    std::set<std::string> foundKeys = {"unchanged"};
-    bool editable = true;
-    const auto write = [&](ConfigurationAccessResult result, const auto&... values) {
-        record << result;
-        ((record << ' ' << values), ...);
-        record << ' ' << editable << '\n';
-        editable = !editable;
-    };
-    write(reader.getBool(name, boolValue, editable), boolValue);
-    write(reader.getInt(name, intValue, editable), intValue);
-    // What a failed read leaves in these two does not matter.
-    const auto unsignedResult = reader.getUnsignedInt(name, unsignedValue, editable);
-    write(unsignedResult,
-          unsignedResult == ConfigurationAccessResult::Success ? unsignedValue : 0U);
-    const auto floatResult = reader.getFloat(name, floatValue, editable);
-    write(floatResult, floatResult == ConfigurationAccessResult::Success ? floatValue : 0.0F);
-    write(reader.getDouble(name, doubleValue, editable), doubleValue);
-    write(reader.getDoubleScientific(name, 3, scientificValue, editable), scientificValue);
-    write(reader.getString(name, text, editable), text);
-    write(reader.getStringVector(name, texts, editable, itemEditable), texts.size());
-    for (const std::string& item : texts)
-        record << '[' << item << ']';
-    for (const auto& [item, itemIsEditable] : itemEditable)
-        record << item << '=' << itemIsEditable << ' ';
-    write(reader.getEditable(editable));
-    write(reader.getKeys(name, foundKeys));
-    for (const std::string& key : foundKeys)
-        record << '{' << key << '}';
-    record << '\n';
-}
-
-void Recorder::loadContent(ConfigReader& reader) {
-    for (const std::string& name : names)
-        ask(reader, name, m_record);
-    if (m_depth == 0)
-        return;
-    Recorder child(m_record, m_depth - 1);
-    for (const std::string& name : names)
-        m_record << reader.getClassContents(name, child) << '\n';
-}
-
 /// Drives one sequence of operations, the same for the same state of `random`.
 template <typename Reader>
 std::string drive(Reader& reader, Random random, int operations) {
     std::ostringstream record;
     record.precision(17);
-    Recorder object(record, 1);
+    Recorder object(names, 1, record);
     for (int i = 0; i < operations; ++i) {
         const std::string& name = anyOf(names, random);
         const std::string& key = anyOf(keys, random);
@@ -142,7 +74,7 @@ std::string drive(Reader& reader, Random random, int operations) {
         case 9:
             record << reader.createConfigurationObjects(name, [&](const std::string& found) {
                 record << "callback " << found << '\n';
-                ask(reader, "Value", record);
+                askEverything(reader, "Value", record);
             });
             break;
         case 10: {
@@ -152,7 +84,7 @@ std::string drive(Reader& reader, Random random, int operations) {
             break;
         }
         default:
-            ask(reader, name, record);
+            askEverything(reader, name, record);
         }
     }
     return record.str();

@@ -1,0 +1,82 @@
+// Any bytes as a schema file: what is read and written is read as the same schema, and written
+// again it is the same file.
+
+#include "FuzzTarget.h"
+
+#include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/XsdConfigReader.h>
+#include <TestSupport.h>
+
+#include <optional>
+
+namespace Orvant::Fuzzing {
+
+namespace {
+
+std::string answersOf(XsdConfigReader& reader) {
+    std::string answers;
+    for (const auto& [name, type] : reader.getXsdTree()) {
+        answers += "type " + name + " named " + type->name + '\n';
+        for (const auto& child : type->children)
+            answers += "  child " + child->name + ": " + child->type + ' ' +
+                       std::to_string(child->minOccurs) + ".." + child->maxOccurs + '\n';
+        for (const std::string& attribute : reader.getAttributes(name))
+            answers += "  attribute " + attribute + '\n';
+    }
+    for (const auto& [name, type] : reader.getRootelements())
+        answers += "root " + name + ": " + type + '\n';
+    return answers;
+}
+
+bool read(XsdConfigReader& reader, bool sanitise) {
+    try {
+        reader.readXSD(sanitise);
+        return true;
+    } catch (const ConfigException&) {
+        return false;
+    }
+}
+
+/// @return the file that is written; nothing for a schema that XML cannot hold
+std::optional<std::string> written(XsdConfigReader& reader, const FileName& file, bool fixOutput) {
+    try {
+        reader.writeXSD(file, fixOutput);
+        return Support::readFile(file);
+    } catch (const ConfigException&) {
+        return std::nullopt;
+    } catch (const xml_schema::serialization&) {
+        return std::nullopt;
+    }
+}
+
+void readAndWrite(const FileName& file, bool sanitise, const Support::TemporaryDirectory& folder) {
+    XsdConfigReader reader(file);
+    if (!read(reader, sanitise))
+        return;
+    const std::string schema = answersOf(reader);
+    // What makes it a file of the suite again goes by lines and knows only the suite's.
+    (void)written(reader, folder.file("suite.xsd"), true);
+
+    const FileName first = folder.file("first.xsd");
+    const auto bytes = written(reader, first, false);
+    if (!bytes)
+        return;
+    XsdConfigReader again(first);
+    require(read(again, false), "what is written can be read", *bytes);
+    require(schema == answersOf(again), "what is written is the same schema", schema,
+            answersOf(again), *bytes);
+    const auto bytesAgain = written(again, folder.file("second.xsd"), false);
+    require(bytes == bytesAgain, "what is written again is the same file", *bytes,
+            bytesAgain.value_or("nothing"));
+}
+
+} // namespace
+
+void runTarget(std::span<const std::uint8_t> input) {
+    static const Support::TemporaryDirectory folder;
+    const FileName file = folder.file("schema.xsd", std::string(input.begin(), input.end()));
+    for (const bool sanitise : {true, false})
+        readAndWrite(file, sanitise, folder);
+}
+
+} // namespace Orvant::Fuzzing
