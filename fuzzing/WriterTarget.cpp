@@ -8,6 +8,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -34,11 +35,19 @@ std::string takeName(Operations& operations) {
     return choice < names.size() ? names[choice] : operations.takeText();
 }
 
+/// A parser takes every carriage return of a comment for a line feed; unlike in a text, there is no
+/// way to write one.
+std::string takeComment(Operations& operations) {
+    std::string comment = operations.takeText();
+    std::ranges::replace(comment, '\r', '\n');
+    return comment;
+}
+
 void operate(ConfigWriter& writer, Operations& operations) {
     const std::size_t operation = operations.takeNumber(14);
     const std::string name = takeName(operations);
     const std::string text = operations.takeText();
-    const std::string comment = operations.takeText();
+    const std::string comment = takeComment(operations);
     switch (operation) {
     case 0:
         return writer.createNode(name, comment);
