@@ -18,14 +18,6 @@ void write(std::ostream& out, const auto& value) {
     out << value;
 }
 
-std::string textOf(const ConfigurationValueBase& value, int digits) {
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    out.precision(digits);
-    visitValue(value, [&](const auto& typed) { write(out, typed.getValue()); });
-    return out.str();
-}
-
 void addStates(const ConfigurationObject& object, const std::string& path, bool locked, int digits,
                ObjectState& states) {
     locked = locked || !object.isEditable();
@@ -38,6 +30,14 @@ void addStates(const ConfigurationObject& object, const std::string& path, bool 
 }
 
 } // namespace
+
+std::string textOf(const ConfigurationValueBase& value, int digits) {
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    out.precision(digits);
+    visitValue(value, [&](const auto& typed) { write(out, typed.getValue()); });
+    return out.str();
+}
 
 ObjectState stateOf(const ConfigurationObject& object, int digits) {
     ObjectState states;

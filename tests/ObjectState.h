@@ -28,6 +28,9 @@ constexpr int allDigits = 17;
 /// So many digits of a number are written to a file.
 constexpr int writtenDigits = 6;
 
+/// @return the effective value as a text; the items of a list in brackets
+std::string textOf(const ConfigurationValueBase& value, int digits);
+
 /// @return the states of all values of an object and its children
 ObjectState stateOf(const ConfigurationObject& object, int digits = allDigits);
 

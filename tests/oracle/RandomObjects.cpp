@@ -1,0 +1,125 @@
+#include "RandomObjects.h"
+
+#include <ValueVisit.h>
+
+#include <array>
+
+namespace Orvant::Support {
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+/// What a random object consists of, to make it again and again.
+struct Shape {
+    struct Value {
+        std::string name;
+        ConfigurationValueBase::ValueType type;
+        ConfigurationItemBase::Persistence persistence;
+        std::string description;
+    };
+    std::string name;
+    ConfigurationItemBase::Persistence persistence;
+    std::vector<Value> values;
+    std::vector<Shape> children;
+};
+
+ConfigurationItemBase::Persistence randomPersistence(Random& random) {
+    if (!oneIn(6, random))
+        return ConfigurationItemBase::LoadAndSave;
+    return static_cast<ConfigurationItemBase::Persistence>(random() % 4);
+}
+
+Shape randomShape(const std::string& name, int depth, Random& random) {
+    using Base = ConfigurationValueBase;
+    constexpr std::array types = {Base::BoolValue,         Base::IntValue,   Base::UnsignedIntValue,
+                                  Base::DoubleValue,       Base::FloatValue, Base::StringValue,
+                                  Base::StringVectorValue, Base::StringValue};
+    Shape shape{name, ConfigurationItemBase::LoadAndSave, {}, {}};
+    for (const std::string& valueName : fewNames)
+        if (oneIn(3, random))
+            shape.values.push_back({valueName, anyOf(types, random), randomPersistence(random),
+                                    oneIn(3, random) ? "about " + valueName : ""});
+    if (depth == 0)
+        return shape;
+    for (auto count = random() % 3; count > 0; --count) {
+        const std::string childName = oneIn(5, random) ? "" : anyOf(fewNames, random);
+        shape.children.push_back(randomShape(childName, depth - 1, random));
+        shape.children.back().persistence = randomPersistence(random);
+    }
+    return shape;
+}
+
+void addValue(TestObject& object, const Shape::Value& value) {
+    const auto add = [&](const auto& defaultValue) {
+        object.add(value.name, defaultValue, value.persistence, ConfigurationItemBase::AllProducts,
+                   value.description);
+    };
+    switch (value.type) {
+    case ConfigurationValueBase::BoolValue:
+        return add(true);
+    case ConfigurationValueBase::IntValue:
+        return add(12);
+    case ConfigurationValueBase::UnsignedIntValue:
+        return add(7U);
+    case ConfigurationValueBase::DoubleValue:
+        return add(1.5);
+    case ConfigurationValueBase::FloatValue:
+        return add(0.25F);
+    case ConfigurationValueBase::StringValue:
+        return add(std::string("text"));
+    case ConfigurationValueBase::StringVectorValue:
+        break;
+    }
+    add(Strings{"1", "text"});
+}
+
+std::shared_ptr<TestObject> make(const Shape& shape) {
+    return TestObject::make(
+        shape.name,
+        [shape](TestObject& object) {
+            for (const Shape::Value& value : shape.values)
+                addValue(object, value);
+            for (const Shape& child : shape.children)
+                object.addChild(make(child)->createConfigurationObject());
+        },
+        shape.persistence);
+}
+
+void setRandom(ConfigurationValueBase& value, Random& random) {
+    visitValue(value, [&]<typename T>(ConfigurationValue<T>& typed) {
+        if constexpr (std::is_same_v<T, std::string>)
+            typed.setValue(randomText(random));
+        else if constexpr (std::is_same_v<T, Strings>)
+            typed.setValue(Strings(random() % 3, randomText(random)));
+        else if constexpr (std::is_same_v<T, bool>)
+            typed.setValue(oneIn(2, random));
+        else if constexpr (std::is_floating_point_v<T>)
+            typed.setValue(static_cast<T>(random()) / 1024);
+        else
+            typed.setValue(static_cast<T>(random()));
+    });
+}
+
+} // namespace
+
+std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random) {
+    return make(randomShape(name, 3, random));
+}
+
+void setRandomValues(ConfigurationObject& object, Random& random) {
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        if (oneIn(3, random))
+            setRandom(**value, random);
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child)
+        setRandomValues(**child, random);
+}
+
+const std::string& randomText(Random& random) {
+    static const std::vector<std::string> texts = {
+        "",    " ",     "text",    "true", "12",         "-1", "1.5",          "ä", "<&>\"'", "\n",
+        "]]>", "\r\n ", "a\tb  c", "--",   "\U0001F600", "1",  "a longer text"};
+    return anyOf(texts, random);
+}
+
+} // namespace Orvant::Support

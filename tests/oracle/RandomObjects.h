@@ -1,0 +1,21 @@
+#pragma once
+
+#include "RandomDocuments.h"
+
+#include <TestSupport.h>
+
+#include <memory>
+
+namespace Orvant::Support {
+
+/// @return an object of random values and nested children with the names of random documents; its
+///         factory makes objects like it with their defaults
+std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random);
+
+/// Sets some of the values of an object and its children.
+void setRandomValues(ConfigurationObject& object, Random& random);
+
+/// @return a text that a document holds as it is
+const std::string& randomText(Random& random);
+
+} // namespace Orvant::Support
