@@ -112,8 +112,8 @@ TEST(LayerEquivalence, HoldsForObjectsInTwoDocuments) {
     unsigned int lockedCount = 0;
     for (unsigned int seed = 1; seed <= 2000; ++seed) {
         Random random(seed);
-        const std::string systemDocument = randomDocument("<Configuration>", random);
-        const std::string userDocument = randomDocument("<Configuration>", random);
+        const std::string systemDocument = randomDocument("<Configuration>", random, 4);
+        const std::string userDocument = randomDocument("<Configuration>", random, 4);
         const auto object = Support::randomObject(anyOf(fewNames, random), random);
         const auto key =
             oneIn(3, random) ? std::optional(anyOf(Support::fewKeys, random)) : std::nullopt;

@@ -48,9 +48,10 @@ const std::string prolog = "<!DOCTYPE Configuration [\n"
                            "<!NOTATION n SYSTEM 'n'><!ENTITY % parameter ''> %parameter;\n"
                            "<!-- comment --><?pi in the prolog?>]>\n";
 
-std::string randomDocument(const std::string& root, Random& random) {
+std::string randomDocument(const std::string& root, Random& random, int breadth) {
     std::string document = prolog + root;
-    addContent(document, 4, random);
+    for (int i = 0; i < breadth; ++i)
+        addContent(document, 4, random);
     return document + "</Configuration>";
 }
 

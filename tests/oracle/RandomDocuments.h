@@ -26,9 +26,10 @@ inline const std::vector<std::string> fewKeys = {"", "1", "k", "ä", "none"};
 /// Declares the entities and default attributes that random documents use.
 extern const std::string prolog;
 
-/// @param root start tag of the document element
+/// @param root    start tag of the document element
+/// @param breadth the greater, the more there is in it
 /// @return a document of nested elements with texts of all kinds, and whatever else may be between
 ///         them
-std::string randomDocument(const std::string& root, Random& random);
+std::string randomDocument(const std::string& root, Random& random, int breadth = 1);
 
 } // namespace Orvant::Support
