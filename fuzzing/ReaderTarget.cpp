@@ -4,13 +4,12 @@
 #include "FuzzTarget.h"
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
-#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 #include <ReaderQuestions.h>
+#include <ReaderSupport.h>
 
 #include <algorithm>
-#include <optional>
 #include <sstream>
 
 namespace Orvant::Fuzzing {
@@ -32,16 +31,6 @@ std::vector<std::string> textsAfter(const std::string& mark, const std::string& 
             texts.push_back(text);
     }
     return texts;
-}
-
-/// @return nothing when a document is opened, else why it is not
-std::optional<ConfigException::ExceptionType> refusalOf(const auto& open) {
-    try {
-        open();
-        return std::nullopt;
-    } catch (ConfigException& e) {
-        return e.getType();
-    }
 }
 
 std::string answersOf(ConfigReader& reader, const std::vector<std::string>& names,
@@ -68,9 +57,11 @@ std::string answersOf(ConfigReader& reader, const std::vector<std::string>& name
 
 void runTarget(std::span<const std::uint8_t> input) {
     const std::string document(input.begin(), input.end());
-    const auto refusal = refusalOf([&] { SimpleConfigReader(FileName(), document, versions); });
-    const auto writerRefusal = refusalOf([&] { ConfigWriter(FileName(), document); });
-    const bool isDocument = !refusal || refusal == ConfigException::InvalidVersion;
+    auto refusal =
+        Support::refusal([&] { const SimpleConfigReader reader(FileName(), document, versions); });
+    const auto writerRefusal =
+        Support::refusal([&] { const ConfigWriter writer(FileName(), document); });
+    const bool isDocument = !refusal || refusal->getType() == ConfigException::InvalidVersion;
     require(isDocument == !writerRefusal, "readers and writers open the same documents");
 
     AdvancedConfigReader layered;

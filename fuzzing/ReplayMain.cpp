@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
     std::size_t count = 0;
     for (int i = 1; i < argc; ++i)
         for (const auto& file : filesIn(argv[i])) {
-            std::cout << file.string() << std::endl; // before what may abort
+            std::cout << file.string() << '\n' << std::flush; // before what may abort
             std::ifstream in(file, std::ios::binary);
             const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(in), {});
             Orvant::Fuzzing::runTarget(bytes);

@@ -8,24 +8,25 @@
 #include <TestSupport.h>
 
 #include <optional>
+#include <sstream>
 
 namespace Orvant::Fuzzing {
 
 namespace {
 
 std::string answersOf(XsdConfigReader& reader) {
-    std::string answers;
+    std::ostringstream answers;
     for (const auto& [name, type] : reader.getXsdTree()) {
-        answers += "type " + name + " named " + type->name + '\n';
+        answers << "type " << name << " named " << type->name << '\n';
         for (const auto& child : type->children)
-            answers += "  child " + child->name + ": " + child->type + ' ' +
-                       std::to_string(child->minOccurs) + ".." + child->maxOccurs + '\n';
+            answers << "  child " << child->name << ": " << child->type << ' ' << child->minOccurs
+                    << ".." << child->maxOccurs << '\n';
         for (const std::string& attribute : reader.getAttributes(name))
-            answers += "  attribute " + attribute + '\n';
+            answers << "  attribute " << attribute << '\n';
     }
     for (const auto& [name, type] : reader.getRootelements())
-        answers += "root " + name + ": " + type + '\n';
-    return answers;
+        answers << "root " << name << ": " << type << '\n';
+    return answers.str();
 }
 
 bool read(XsdConfigReader& reader, bool sanitise) {

@@ -6,11 +6,10 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/SimpleConfigReader.h>
+#include <ReaderSupport.h>
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 #include <xercesc/dom/DOMException.hpp>
 
@@ -89,16 +88,6 @@ void operateIfValid(ConfigWriter& writer, Operations& operations) {
     }
 }
 
-/// @return why a reader does not open a document
-std::optional<ConfigException::ExceptionType> refusalOf(const std::string& document) {
-    try {
-        SimpleConfigReader(FileName(), document, {"1.0"});
-        return std::nullopt;
-    } catch (ConfigException& e) {
-        return e.getType();
-    }
-}
-
 /// @return a document in which an element that holds an empty text is printed as one that holds
 ///         nothing, which it is when it is opened again
 std::string withShortTags(std::string document) {
@@ -123,8 +112,8 @@ void runTarget(std::span<const std::uint8_t> input) {
         return;
     require(printed == writer->getAsString(), "printing changes nothing", printed,
             writer->getAsString());
-    const auto refusal = refusalOf(printed);
-    require(!refusal || refusal == ConfigException::InvalidVersion,
+    auto refusal = Support::refusal([&] { Support::openString(printed); });
+    require(!refusal || refusal->getType() == ConfigException::InvalidVersion,
             "a reader opens what is printed", printed);
     const auto reopened = makeWriter(printed);
     require(reopened != nullptr, "a writer opens what is printed", printed);
