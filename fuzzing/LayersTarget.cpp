@@ -1,5 +1,7 @@
-// A system's and a user's document, and what a user changes: no lock is broken, what is saved is
-// what is loaded the next time, and saved again it is the same file.
+// A system's and a user's document, a way to save and what a user changes, and perhaps what another
+// process writes meanwhile: no lock is broken, what is saved is what is loaded the next time, saved
+// again it is the same file, and a merge keeps both what was changed here and what was written
+// there.
 
 #include "FuzzInput.h"
 #include "FuzzTarget.h"
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <sstream>
 
 namespace Orvant::Fuzzing {
@@ -113,12 +116,10 @@ Registrations load() {
     return registrations;
 }
 
-/// @return what the system's file alone says of the objects that it holds
-ObjectState stateOfSystem() {
-    AdvancedConfigReader reader;
-    reader.addFileSource(files().system, {}, AdvancedConfigReader::System, versions);
+/// @return those of the objects that are found
+Registrations loadFrom(AdvancedConfigReader& reader, const Registrations& registrations) {
     Registrations found;
-    for (const ConfigurationRegistration& registration : makeObjects()) {
+    for (const ConfigurationRegistration& registration : registrations) {
         ConfigurationObject& object = *registration.object;
         const auto result =
             registration.key ? reader.getClassContents(registration.name, *registration.key, object)
@@ -126,7 +127,29 @@ ObjectState stateOfSystem() {
         if (result == ConfigurationAccessResult::Success)
             found.push_back(registration);
     }
-    return stateOf(found, Support::writtenDigits);
+    return found;
+}
+
+/// @return what the system's file alone says of the objects that it holds
+ObjectState stateOfSystem() {
+    AdvancedConfigReader reader;
+    reader.addFileSource(files().system, {}, AdvancedConfigReader::System, versions);
+    return stateOf(loadFrom(reader, makeObjects()), Support::writtenDigits);
+}
+
+/// @return what both files say
+ObjectState stateOfFiles() {
+    AdvancedConfigReader reader;
+    reader.addFileSource(files().system, {}, AdvancedConfigReader::System, versions);
+    reader.addFileSource(files().user, {}, AdvancedConfigReader::User, versions);
+    const Registrations registrations = makeObjects();
+    loadFrom(reader, registrations);
+    return stateOf(registrations, Support::writtenDigits);
+}
+
+/// @return the bytes of the user's file; nothing when there is none
+std::string bytesOfUser() {
+    return FileUtilities::exists(files().user) ? Support::readFile(files().user) : "";
 }
 
 void requireLocks(const ObjectState& system, const ObjectState& loaded) {
@@ -172,13 +195,16 @@ std::string plain(std::string text) {
 }
 
 /// Does what a user does: changes what is not locked, and resets.
-void change(const Registrations& registrations, Operations operations) {
+/// @return whether there were resets
+bool change(const Registrations& registrations, Operations& operations) {
+    bool resets = false;
     while (!operations.atEnd()) {
         const auto& registration = registrations[operations.takeNumber(registrations.size())];
         const std::size_t choice = operations.takeNumber(16);
         if (choice < 2) {
             ConfigurationManager::getInstance().resetConfigurationObject(registration.name,
                                                                          choice == 1);
+            resets = true;
             continue;
         }
         std::vector<ConfigurationValueBase*> values;
@@ -187,11 +213,12 @@ void change(const Registrations& registrations, Operations operations) {
         if (!values.empty())
             set(*values[choice % values.size()], text);
     }
+    return resets;
 }
 
-bool isSource(const FileName& file) {
+bool isSource(const FileName& file, const std::list<std::string>& accepted = versions) {
     AdvancedConfigReader reader;
-    return reader.addFileSource(file, {}, AdvancedConfigReader::User, versions) ==
+    return reader.addFileSource(file, {}, AdvancedConfigReader::User, accepted) ==
            ConfigurationAccessResult::Success;
 }
 
@@ -205,12 +232,14 @@ bool hasDefaultPlotter() {
     return keys.contains("");
 }
 
+const std::string savedVersion = "2.1";
+
 bool save() {
-    return ConfigurationManager::getInstance().saveConfiguration("2.1");
+    return ConfigurationManager::getInstance().saveConfiguration(savedVersion);
 }
 
 void requireSameAfterRestart(const Registrations& saved, const ObjectState& system) {
-    const std::string bytes = Support::readFile(files().user);
+    const std::string bytes = bytesOfUser();
     const ObjectState before = stateOf(saved, Support::writtenDigits);
     const ObjectState exactlyBefore = stateOf(saved, Support::allDigits);
     const Registrations loaded = load();
@@ -220,35 +249,81 @@ void requireSameAfterRestart(const Registrations& saved, const ObjectState& syst
     require(save(), "what was saved can be saved", bytes);
     // What was rounded for the file may now be what the system says.
     if (exactlyBefore == stateOf(loaded, Support::allDigits))
-        require(bytes == Support::readFile(files().user), "a save after a restart changes nothing",
-                bytes, Support::readFile(files().user));
+        require(bytes == bytesOfUser(), "a save after a restart changes nothing", bytes,
+                bytesOfUser());
+}
+
+void requireNoLitter() {
+    const auto names = Support::filesIn(files().directory);
+    const std::set<std::string> known = {"system.xml", "user.xml", "user.xml.lock"};
+    for (const std::string& name : names)
+        require(known.contains(name), "a save leaves no other files", name);
+}
+
+void requireUnchanged(const std::string& bytes) {
+    require(bytesOfUser() == bytes,
+            "a save that fails, or has nothing to save, leaves the file as it was", bytes);
+}
+
+/// Merges changes into what another process wrote.
+/// @param before the state in which the objects were loaded
+/// @param others bytes of the user's file by now
+void requireMerge(const Registrations& registrations, const ObjectState& before,
+                  const std::string& others) {
+    const ObjectState changed = stateOf(registrations, Support::writtenDigits);
+    place(files().user, others);
+    if (!isSource(files().user) || hasDefaultPlotter())
+        return;
+    ObjectState expected = stateOfFiles();
+    for (auto& [path, state] : expected)
+        if (changed.at(path) != before.at(path))
+            state = changed.at(path);
+    require(save(), "what another process wrote can be merged with", others);
+    const std::string merged = Support::readFile(files().user);
+    const ObjectState loaded = stateOf(load(), Support::writtenDigits);
+    require(loaded == expected, "a merge keeps what was changed here and written there",
+            textOf(before), textOf(expected), textOf(loaded), others, merged);
 }
 
 } // namespace
 
 void runTarget(std::span<const std::uint8_t> input) {
-    const auto parts = partsOf(input, 3);
+    const auto parts = partsOf(input, 4);
     place(files().system, parts[0]);
     place(files().user, parts[1]);
     const bool userIsRead = parts[1].empty() || isSource(files().user);
     const ObjectState system = stateOfSystem();
 
+    auto& manager = ConfigurationManager::getInstance();
+    Operations operations(parts[2]);
+    const auto mode = static_cast<ConfigurationManager::SaveMode>(operations.takeNumber(3));
+    const bool merges = mode == ConfigurationManager::Merge;
+    const bool hasOperations = !operations.atEnd();
+    manager.setSaveMode(mode);
     const Registrations registrations = load();
-    requireLocks(system, stateOf(registrations, Support::writtenDigits));
-    change(registrations, Operations(parts[2]));
+    const ObjectState before = stateOf(registrations, Support::writtenDigits);
+    requireLocks(system, before);
+    const bool resets = change(registrations, operations);
     requireLocks(system, stateOf(registrations, Support::writtenDigits));
 
     const bool defaultPlotter = hasDefaultPlotter();
-    if (!save()) {
-        require(parts[1].empty() ? !FileUtilities::exists(files().user)
-                                 : Support::readFile(files().user) == parts[1],
-                "a save that fails leaves the file as it was");
+    if (merges && userIsRead && !parts[1].empty() && !parts[3].empty() && !resets) {
+        requireMerge(registrations, before, parts[3]);
         return;
     }
-    const std::string bytes = Support::readFile(files().user);
-    require(save() && bytes == Support::readFile(files().user), "a second save changes nothing",
-            bytes, Support::readFile(files().user));
-    if (userIsRead && !defaultPlotter)
+    const bool isCurrent = isSource(files().user, {savedVersion});
+    const bool saved = save();
+    requireNoLitter();
+    if (!saved || (merges && isCurrent && !hasOperations))
+        requireUnchanged(parts[1]);
+    if (!saved)
+        return;
+    require(userIsRead || !merges, "a merge spares a file that cannot be read", parts[1]);
+    const std::string bytes = bytesOfUser();
+    require(save() && bytes == bytesOfUser(), "a second save changes nothing", bytes,
+            bytesOfUser());
+    // A merge takes what a reset leaves for the state that was loaded, so it does not write it.
+    if (userIsRead && !defaultPlotter && !(merges && resets))
         requireSameAfterRestart(registrations, system);
 }
 
