@@ -50,6 +50,21 @@ Shape randomShape(const std::string& name, int depth, Random& random) {
     return shape;
 }
 
+Shape plainShape(const std::string& name, int depth, Random& random) {
+    using Base = ConfigurationValueBase;
+    constexpr std::array types = {Base::BoolValue,   Base::IntValue,   Base::UnsignedIntValue,
+                                  Base::DoubleValue, Base::FloatValue, Base::StringValue};
+    Shape shape{name, ConfigurationItemBase::LoadAndSave, {}, {}};
+    for (const std::string& itemName : fewNames)
+        if (depth > 0 && oneIn(3, random))
+            shape.children.push_back(plainShape(itemName, depth - 1, random));
+        else if (oneIn(2, random))
+            shape.values.push_back({itemName, anyOf(types, random),
+                                    ConfigurationItemBase::LoadAndSave,
+                                    oneIn(3, random) ? "about " + itemName : ""});
+    return shape;
+}
+
 void addValue(TestObject& object, const Shape::Value& value) {
     const auto add = [&](const auto& defaultValue) {
         object.add(value.name, defaultValue, value.persistence, ConfigurationItemBase::AllProducts,
@@ -102,6 +117,20 @@ void setRandom(ConfigurationValueBase& value, Random& random) {
 }
 
 } // namespace
+
+std::shared_ptr<TestObject> randomPlainObject(const std::string& name, Random& random) {
+    return make(plainShape(name, 2, random));
+}
+
+void setRandomUnlockedValues(ConfigurationObject& object, Random& random) {
+    if (!object.isEditable())
+        return;
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        if ((*value)->isEditable() && oneIn(3, random))
+            setRandom(**value, random);
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child)
+        setRandomUnlockedValues(**child, random);
+}
 
 std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random) {
     return make(randomShape(name, 3, random));

@@ -12,8 +12,15 @@ namespace Orvant::Support {
 ///         factory makes objects like it with their defaults
 std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random);
 
+/// As randomObject(), but everything is loaded and saved, what stands in one element has different
+/// names, and there are no lists, which are looked for at every depth.
+std::shared_ptr<TestObject> randomPlainObject(const std::string& name, Random& random);
+
 /// Sets some of the values of an object and its children.
 void setRandomValues(ConfigurationObject& object, Random& random);
+
+/// As setRandomValues(), but what is locked stays.
+void setRandomUnlockedValues(ConfigurationObject& object, Random& random);
 
 /// @return a text that a document holds as it is
 const std::string& randomText(Random& random);
