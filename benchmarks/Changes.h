@@ -22,4 +22,28 @@ void changeTenth(Store& store, Shape shape, unsigned int edition) {
     });
 }
 
+/// What is changed between two saves.
+template <typename Store>
+struct Change {
+    const char* subject; ///< of the benchmark
+    void (*make)(Store& store, Shape shape, unsigned int edition);
+    bool (*covers)(Shape shape, std::size_t object, std::size_t value);
+};
+
+template <typename Store>
+inline constexpr Change<Store> oneChange{"Save one changed value", changeProbe<Store>,
+                                         [](Shape shape, std::size_t object, std::size_t value) {
+                                             return object == probeOf(shape).object &&
+                                                    value == probeOf(shape).value;
+                                         }};
+
+template <typename Store>
+inline constexpr Change<Store> tenthChange{
+    "Save a changed tenth of the values", changeTenth<Store>,
+    [](Shape, std::size_t object, std::size_t value) { return isOverridden(object, value); }};
+
+template <typename Store>
+inline constexpr Change<Store> noChange{"Save without a change", [](Store&, Shape, unsigned int) {},
+                                        [](Shape, std::size_t, std::size_t) { return false; }};
+
 } // namespace Orvant::Benchmarks

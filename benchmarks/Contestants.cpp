@@ -25,6 +25,8 @@ Loaded parseBoth(const SettingsFiles& files) {
 const std::vector<Contestant>& contestants() {
     static const std::vector<Contestant> s_contestants{
         {thisLibrary, loadInBatch},
+        {"this library, to save by Replace", loadInBatchFor<SaveMode::Replace>},
+        {"this library, to save by Merge", loadInBatchFor<SaveMode::Merge>},
         {"KConfig", loadWithKConfig},
         {"QSettings", loadWithQSettings},
         {"Boost.PropertyTree", loadWithPropertyTree},

@@ -36,9 +36,10 @@ void runLoad(benchmark::State& state, Shape shape) {
 /// @param change sets values of a store to those of an edition
 /// @param save saves what has changed
 template <typename Change, typename Save>
-void runSave(benchmark::State& state, Shape shape, Change change, Save save) {
+void runSave(benchmark::State& state, Shape shape, Change change, Save save,
+             SaveMode mode = SaveMode::InPlace) {
     const SettingsFiles files(shape);
-    LibraryStore store(files);
+    LibraryStore store(files, mode);
     unsigned int edition = userEdition;
     for ([[maybe_unused]] const auto _ : state) {
         change(store, shape, ++edition);
@@ -242,6 +243,16 @@ void registerGrowthBenchmarks() {
     addGrowth("save one change in an object of that many values", 1'000,
               [](auto& state, std::size_t count) {
                   runSave(state, {1, count}, changeProbe<LibraryStore>, saveDifferences);
+              });
+    addGrowth("merge one change into objects of 20 values", 1'000,
+              [](auto& state, std::size_t count) {
+                  runSave(state, {count, 20}, changeProbe<LibraryStore>, saveDifferences,
+                          SaveMode::Merge);
+              });
+    addGrowth("merge one change into an object of that many values", 1'000,
+              [](auto& state, std::size_t count) {
+                  runSave(state, {1, count}, changeProbe<LibraryStore>, saveDifferences,
+                          SaveMode::Merge);
               });
     addGrowth("save objects of 20 values in full", 1'000, [](auto& state, std::size_t count) {
         runSave(state, {count, 20}, changeProbe<LibraryStore>, saveInFull);

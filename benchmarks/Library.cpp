@@ -115,12 +115,15 @@ bool checkUserFile(const SettingsFiles& files) {
     return !managerOf(files).hasUserConfigFileErrors();
 }
 
-LibraryStore::LibraryStore(const SettingsFiles& files) : m_registrations(declare(files.shape())) {
+LibraryStore::LibraryStore(const SettingsFiles& files, SaveMode mode)
+    : m_registrations(declare(files.shape())) {
+    ConfigurationManager::getInstance().setSaveMode(mode);
     managerOf(files).addConfigurationObjects(m_registrations);
 }
 
 LibraryStore::~LibraryStore() {
     ConfigurationManager::getInstance().reset();
+    ConfigurationManager::getInstance().setSaveMode(SaveMode::InPlace);
 }
 
 void LibraryStore::set(std::size_t object, std::size_t value, const Value& newValue) {

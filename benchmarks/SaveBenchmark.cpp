@@ -6,41 +6,92 @@
 #include "PugixmlPeer.h"
 #include "QSettingsPeer.h"
 
+#include <string>
+
 namespace Orvant::Benchmarks {
 
 namespace {
 
-/// Changes and saves again and again, over what the last save left.
-/// @param change sets values of a store to those of an edition
+/// Something that saves, and loads what it saved.
 template <typename Store>
-void run(benchmark::State& state, Shape shape, void (*change)(Store&, Shape, unsigned int)) {
-    const SettingsFiles files(shape);
-    Store store(files);
+struct Saver {
+    const char* name;
+    Store (*open)(const SettingsFiles&);
+    Loaded (*load)(const SettingsFiles&);
+};
+
+template <typename Store>
+Saver<Store> peer(const char* name, Loaded (*load)(const SettingsFiles&)) {
+    return {name, [](const SettingsFiles& files) { return Store(files); }, load};
+}
+
+template <SaveMode mode>
+Saver<LibraryStore> library(const char* name) {
+    return {name, [](const SettingsFiles& files) { return LibraryStore(files, mode); },
+            loadInBatch};
+}
+
+/// Changes and saves again and again, over what the last save left.
+template <typename Store>
+void run(benchmark::State& state, const SettingsFiles& files, const Saver<Store>& saver,
+         const Change<Store>& change) {
+    const Shape shape = files.shape();
     unsigned int edition = userEdition;
-    for ([[maybe_unused]] const auto _ : state) {
-        change(store, shape, ++edition);
-        if (!store.save())
-            state.SkipWithError("Could not save");
+    {
+        Store store = saver.open(files);
+        for ([[maybe_unused]] const auto _ : state) {
+            change.make(store, shape, ++edition);
+            if (!store.save())
+                state.SkipWithError("Could not save");
+        }
     }
+    const double expected = expectedWeight(shape, [&](std::size_t object, std::size_t value) {
+        return change.covers(shape, object, value) ? edition : editionIn(object, value);
+    });
+    if (saver.load(files).weight() != expected)
+        state.SkipWithError("Saved something else than was set");
 }
 
 template <typename Store>
-void addSaves(const char* name, Shape shape) {
-    add("Save one changed value", name, toString(shape),
-        [=](benchmark::State& state) { run<Store>(state, shape, changeProbe<Store>); });
-    add("Save a changed tenth of the values", name, toString(shape),
-        [=](benchmark::State& state) { run<Store>(state, shape, changeTenth<Store>); });
+benchmark::internal::Benchmark* addSave(const std::string& subject, const Saver<Store>& saver,
+                                        Shape shape, Place place, const Change<Store>& change) {
+    return add(subject, saver.name, toString(shape), [=](benchmark::State& state) {
+        run(state, SettingsFiles(shape, place), saver, change);
+    });
+}
+
+template <typename Store>
+void addSavesInMemory(const Saver<Store>& saver, Shape shape) {
+    for (const Change<Store>& change : {oneChange<Store>, tenthChange<Store>})
+        addSave(change.subject, saver, shape, Place::Memory, change);
+}
+
+/// The wall time counts as well: it has the wait for the disk in it.
+template <typename Store>
+void addSavesToDisk(const Saver<Store>& saver, Shape shape) {
+    for (const Change<Store>& change : {oneChange<Store>, tenthChange<Store>, noChange<Store>})
+        addSave(std::string(change.subject) + " to the disk", saver, shape, Place::Disk, change)
+            ->MeasureProcessCPUTime()
+            ->UseRealTime();
 }
 
 } // namespace
 
 void registerSaveBenchmarks() {
     for (const Shape shape : shapes) {
-        addSaves<LibraryStore>(thisLibrary, shape);
-        addSaves<KConfigStore>("KConfig", shape);
-        addSaves<QSettingsStore>("QSettings", shape);
-        addSaves<PropertyTreeStore>("Boost.PropertyTree", shape);
-        addSaves<PugixmlStore>("pugixml by hand", shape);
+        const auto addSaves = [&](const auto& saver) {
+            addSavesInMemory(saver, shape);
+            addSavesToDisk(saver, shape);
+        };
+        addSaves(library<SaveMode::InPlace>("this library, InPlace"));
+        addSaves(library<SaveMode::Replace>("this library, Replace"));
+        addSaves(library<SaveMode::Merge>("this library, Merge"));
+        addSaves(peer<KConfigStore>("KConfig", loadWithKConfig));
+        addSaves(peer<QSettingsStore>("QSettings", loadWithQSettings));
+        // These two only write over the file.
+        addSavesInMemory(peer<PropertyTreeStore>("Boost.PropertyTree", loadWithPropertyTree),
+                         shape);
+        addSavesInMemory(peer<PugixmlStore>("pugixml by hand", loadWithPugixml), shape);
     }
 }
 

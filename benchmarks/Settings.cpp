@@ -59,13 +59,7 @@ Value valueOf(std::size_t object, std::size_t value, unsigned int edition) {
 }
 
 double expectedWeight(Shape shape) {
-    double sum = 0.0;
-    forEachValue(shape, [&](std::size_t object, std::size_t value) {
-        const auto edition = isOverridden(object, value) ? userEdition : systemEdition;
-        std::visit([&](const auto& held) { sum += weightOf(held); },
-                   valueOf(object, value, edition));
-    });
-    return sum;
+    return expectedWeight(shape, editionIn);
 }
 
 } // namespace Orvant::Benchmarks

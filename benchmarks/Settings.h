@@ -80,7 +80,21 @@ template <typename Text>
 double weightOf(const Text& text) {
     return static_cast<double>(text.size());
 }
-/// @return weight of both layers, the user's over the system's
+/// @param editionOf takes an object and a value
+template <typename EditionOf>
+double expectedWeight(Shape shape, EditionOf editionOf) {
+    double sum = 0.0;
+    forEachValue(shape, [&](std::size_t object, std::size_t value) {
+        std::visit([&](const auto& held) { sum += weightOf(held); },
+                   valueOf(object, value, editionOf(object, value)));
+    });
+    return sum;
+}
+/// The edition of a value in both layers, the user's over the system's.
+constexpr unsigned int editionIn(std::size_t object, std::size_t value) {
+    return isOverridden(object, value) ? userEdition : systemEdition;
+}
+/// @return weight of both layers
 double expectedWeight(Shape shape);
 /// @}
 

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <map>
 
+#include <unistd.h>
+
 namespace Orvant::Benchmarks {
 
 namespace {
@@ -75,13 +77,15 @@ void writeIni(const std::string& file, Shape shape, Layer layer) {
 
 } // namespace
 
-SettingsFiles::SettingsFiles(Shape shape) : m_shape(shape) {
+SettingsFiles::SettingsFiles(Shape shape, Place place) : m_shape(shape), m_directory(place) {
     std::filesystem::create_directory(systemDirectory());
     std::filesystem::create_directory(userDirectory());
     writeXml(systemXml(), shape, Layer::System);
     writeXml(userXml(), shape, Layer::User);
     writeIni(systemIni(), shape, Layer::System);
     writeIni(userIni(), shape, Layer::User);
+    if (place == Place::Disk)
+        sync(); // or the first flush of what is measured would wait for these
 }
 
 const SettingsFiles& sharedFiles(Shape shape) {

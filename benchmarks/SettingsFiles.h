@@ -12,7 +12,7 @@ inline constexpr const char* documentVersion = "1.0";
 /// Both layers of the settings on disk, as XML and as INI, until the end of the scope.
 class SettingsFiles {
 public:
-    explicit SettingsFiles(Shape shape);
+    explicit SettingsFiles(Shape shape, Place place = Place::Memory);
 
     Shape shape() const { return m_shape; }
     std::string systemXml() const { return m_directory.file("system.xml"); }

@@ -9,8 +9,10 @@ namespace Orvant::Benchmarks {
 
 namespace {
 
-std::filesystem::path make() {
-    std::string name = (std::filesystem::temp_directory_path() / "benchmark-XXXXXX").string();
+std::filesystem::path make(Place place) {
+    const std::filesystem::path parent =
+        place == Place::Disk ? DISK_DIRECTORY : std::filesystem::temp_directory_path();
+    std::string name = (parent / "benchmark-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr)
         throw std::runtime_error("No directory for the files");
     return name;
@@ -18,7 +20,7 @@ std::filesystem::path make() {
 
 } // namespace
 
-TemporaryDirectory::TemporaryDirectory() : m_path(make()) {}
+TemporaryDirectory::TemporaryDirectory(Place place) : m_path(make(place)) {}
 
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;

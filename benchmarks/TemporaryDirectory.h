@@ -5,10 +5,13 @@
 
 namespace Orvant::Benchmarks {
 
+/// Where files are put. Memory is where temporary files go, as the caller sets it.
+enum class Place { Memory, Disk };
+
 /// A directory that is removed at the end of the scope.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory();
+    explicit TemporaryDirectory(Place place = Place::Memory);
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
     ~TemporaryDirectory();

@@ -10,6 +10,7 @@ import statistics
 import sys
 
 LIBRARY = "this library"
+MODES = [f"{LIBRARY}, {mode}" for mode in ("InPlace", "Replace", "Merge")]
 DOM = "XercesDOMParser, parsing only"
 MIDDLE = "1000x20"
 
@@ -24,7 +25,7 @@ TARGETS = [
     ("the same, against QSettings", LOAD, ("Load", "QSettings", MIDDLE), 0.6),
     ("the same, against Boost.PropertyTree", LOAD, ("Load", "Boost.PropertyTree", MIDDLE), 0.4),
     ("save one changed value of 1,000 × 20, against KConfig's sync of one changed entry",
-     (SAVE, LIBRARY, MIDDLE), (SAVE, "KConfig", MIDDLE), 1.5),
+     (SAVE, MODES[0], MIDDLE), (SAVE, "KConfig", MIDDLE), 1.5),
     ("memory held by an open reader, against the Xerces DOM of the same file",
      (OPEN, LIBRARY, MIDDLE), (OPEN, "XercesDOMParser", MIDDLE), 0.4),
 ]
@@ -37,16 +38,23 @@ Written by `scripts/benchmark.sh`, which compares this library with others that 
 settings with, in one process and on the same generated settings: a system file and a user file that
 overrides a tenth of it, each of so many objects × so many values, the seven types in turn.
 
-Times are medians of the processor time in milliseconds, with the files in memory. A figure in parentheses
-is this library's divided by the one before it: below 1, this library takes less. Only figures of the same
-run are comparable.
+Times are medians of the processor time in milliseconds, with the files in memory, except where a table
+says otherwise. A figure in parentheses is this library's divided by the one before it, one for each mode
+of saving where there are several: below 1, this library takes less. Only figures of the same run are
+comparable.
 
 - *Load*: from nothing to typed values of both layers; the library's objects are made, registered
   in one batch and loaded. INI files for KConfig and QSettings, XML for the others. QSettings,
   Boost.PropertyTree and pugixml do not layer: the benchmark asks the user's file, then the system's.
 - *Save*: into the user's file, from settings that are loaded. The library compares with the system
-  file, which it reads for that. KConfig and QSettings also wait for the disk, which is not counted.
-  Boost.PropertyTree and pugixml keep the user's document and write it whole, over the file.
+  file, which it reads for that; `Merge` also reads the user's file anew. KConfig and QSettings merge
+  into what the file holds by then. Boost.PropertyTree and pugixml keep the user's document and write it
+  whole, over the file. After each benchmark, the file is loaded anew and has to hold what was set.
+- *Save to the disk*: the same with the files on one, as processor time and as wall time, until the save
+  has returned. `InPlace` writes over the file and does not wait for the disk. All others write a new
+  file, flush it and rename it over the old one. `Replace` and `Merge` also flush the directory, so that
+  the new name is on the disk, too; KConfig and QSettings, as they are by default, flush their lock's
+  file instead. Without a change, `InPlace` and `Replace` write the file again; the others write nothing.
 - *Open and check*: whether the user's file could be loaded. KConfig skips what it does not understand,
   and is left out.
 - *Memory*: what the whole process takes from the heap.
@@ -88,6 +96,13 @@ Counted in millions of instructions (callgrind, 1,000 × 20), which are the same
 """
 
 
+def times(run):
+    """The wall time counts where it has the wait for the disk in it."""
+    if run["run_name"].endswith("/real_time"):
+        return {"processor ms": run["cpu_time"], "wall ms": run["real_time"]}
+    return {"ms": run["cpu_time"]}
+
+
 def read(file):
     """The results by (subject, contestant, size): a dictionary of medians by what was counted."""
     with open(file, encoding="utf-8") as text:
@@ -101,7 +116,7 @@ def read(file):
             continue
         counters = {name: value for name, value in run.items() if " " in name}
         figures = samples.setdefault(tuple(run["run_name"].split("/")[:3]), {})
-        for name, value in (counters or {"ms": run["cpu_time"]}).items():
+        for name, value in (counters or times(run)).items():
             figures.setdefault(name, []).append(value)
     medians = {key: {name: statistics.median(values) for name, values in figures.items()}
                for key, figures in samples.items()}
@@ -153,14 +168,15 @@ def comparison(subject, counted, results):
                   if key[0] == subject}
     sizes = list(dict.fromkeys(size for _, size in of_subject))
     contestants = list(dict.fromkeys(name for name, _ in of_subject))
+    compared = [name for name in contestants if name in MODES] or contestants[:1]
     rows = []
     for contestant in contestants:
         row = [contestant]
         for size in sizes:
             value = of_subject.get((contestant, size))
-            compared = "" if value is None or contestant.startswith(LIBRARY) else \
-                f" ({number(of_subject[contestants[0], size] / value)})"
-            row.append("" if value is None else number(value) + compared)
+            ratios = "" if value is None or contestant.startswith(LIBRARY) else \
+                f" ({', '.join(number(of_subject[mine, size] / value) for mine in compared)})"
+            row.append("" if value is None else number(value) + ratios)
         rows.append(row)
     print(f"\n## {subject}, {counted}\n")
     table([""] + [" × ".join(f"{int(count):,}" for count in size.split("x")) for size in sizes],
