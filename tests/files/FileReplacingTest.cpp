@@ -343,9 +343,10 @@ TEST_F(FileReplacingTest, DoesNotSayInPlaceWhenThatFailsToo) {
 
 TEST_F(FileReplacingTest, LeavesAFileThatThisProcessMayNotWrite) {
     fs::permissions(directory.path(), fs::perms(0777));
-    writeFile(file, "old");
-    fs::permissions(file.toPath(), fs::perms(0444));
     EXPECT_EQ(0, asOrdinaryUser([&] {
+                  // One of its own, which it could replace.
+                  writeFile(file, "old");
+                  fs::permissions(file.toPath(), fs::perms(0444));
                   const FileSave save = replaceFile(file, "new");
                   return save.error == std::errc::permission_denied && !save.inPlace ? 0 : 1;
               }));
