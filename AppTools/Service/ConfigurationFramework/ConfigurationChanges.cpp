@@ -77,15 +77,14 @@ void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
     });
 }
 
-/// An object as a save in full writes it.
+} // namespace
+
 WrittenElement writeInFull(const ConfigurationRegistration& registration,
                            const ConfigurationObject& object) {
     ConfigWriter writer("");
     ElementAddress(registration).put(writer, object);
     return takeOnlyElement(writer).value();
 }
-
-} // namespace
 
 std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
                                           const ConfigurationObject& object) {

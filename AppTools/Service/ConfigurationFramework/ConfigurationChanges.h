@@ -63,6 +63,10 @@ private:
     WrittenElement m_stored{{u"Configuration", {}}};
 };
 
+/// @return an object as a save in full writes it
+WrittenElement writeInFull(const ConfigurationRegistration& registration,
+                           const ConfigurationObject& object);
+
 /// @return what a save in full writes of an object and a load takes; nothing when it loads nothing
 std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
                                           const ConfigurationObject& object);
