@@ -419,6 +419,15 @@ TEST_P(ConfigurationManagerMergeTwoFiles, NeverWritesALockedValue) {
     EXPECT_EQ("<Test><b>20</b></Test>", contents());
 }
 
+TEST_P(ConfigurationManagerMergeTwoFiles, TakesLocksAsALoadDoes) {
+    writeSystem("<Test><a editable=\"false\"><x/></a></Test>");
+    const auto object = add(makeObject());
+    ASSERT_TRUE(object->value<int>("a").isEditable());
+    object->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a></Test>", contents());
+}
+
 TEST_P(ConfigurationManagerMergeTwoFiles, DropsTheUsersValuesAfterAResetFromTheSystemFile) {
     writeSystem("<Test><a>5</a></Test>");
     write("<Test><a>50</a></Test><P key=\"1\"><a>6</a></P><P key=\"2\"><a>7</a></P>");

@@ -64,13 +64,19 @@ Element find(DocumentTree& tree, Element parent, const WrittenElement& written) 
     return child != DocumentTree::none || written.isGroup() ? child : tree.findBelow(parent, name);
 }
 
+/// Whether a load takes the lock of an element. It does not where a value holds markup.
+bool isLocked(const DocumentTree& tree, Element element, const WrittenElement& written) {
+    const bool holdsMarkup = tree.hasChildren(element) && !tree.text(element);
+    return !tree.isEditable(element) && (!holdsMarkup || written.isGroup() || written.isList());
+}
+
 /// Removes what is locked in a document below an element.
 void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
     std::erase_if(written.children, [&](WrittenElement& child) {
         const Element element = find(tree, parent, child);
         if (element == DocumentTree::none)
             return false;
-        if (!tree.isEditable(element))
+        if (isLocked(tree, element, child))
             return true;
         removeLocked(tree, element, child);
         return false;
