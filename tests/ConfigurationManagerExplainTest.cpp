@@ -11,14 +11,20 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <ostream>
+#include <random>
 #include <string>
 #include <vector>
 
 namespace Orvant {
 
-/// A line that shows all of an origin but the file, of which only the name is shown.
-static std::string show(const ConfigurationOrigin& origin) {
+namespace {
+
+using namespace Support;
+using Lines = std::vector<std::string>;
+using Strings = std::vector<std::string>;
+
+/// Everything in an origin; of the file, only the name.
+std::string show(const ConfigurationOrigin& origin) {
     static const std::vector<std::string> s_layers{"default", "system", "user"};
     const auto text = [](const std::optional<std::string>& value) {
         return value ? "'" + *value + "'" : "-";
@@ -30,12 +36,6 @@ static std::string show(const ConfigurationOrigin& origin) {
            text(origin.systemValue) + " | " + text(origin.userValue) + " | " +
            file.substr(file.find_last_of("/\\") + 1) + ":" + std::to_string(origin.line);
 }
-
-namespace {
-
-using namespace Support;
-using Lines = std::vector<std::string>;
-using Strings = std::vector<std::string>;
 
 class ConfigurationManagerExplain : public ManagerFixture {
 protected:
@@ -82,11 +82,11 @@ TEST_F(ConfigurationManagerExplain, NamesTheHighestLayerThatHoldsAValue) {
     writeTwo("<View>\n<a>2</a><b>3</b></View>", "<View>\n\n<b>4</b><c>5</c></View>");
     add(TestObject::make("View",
                          [](TestObject& o) { o.add("a", 1).add("b", 1).add("c", 1).add("d", 1); }));
-    EXPECT_EQ((Lines{"View/a = '2' system | '2' | - | system.xml:2",
-                     "View/b = '4' user | '3' | '4' | user.xml:3",
-                     "View/c = '5' user | - | '5' | user.xml:3",
-                     "View/d = '1' default | - | - | :0"}),
-              explained());
+    EXPECT_EQ(
+        (Lines{"View/a = '2' system | '2' | - | system.xml:2",
+               "View/b = '4' user | '3' | '4' | user.xml:3",
+               "View/c = '5' user | - | '5' | user.xml:3", "View/d = '1' default | - | - | :0"}),
+        explained());
 }
 
 TEST_F(ConfigurationManagerExplain, PassesOverATextThatDoesNotConvert) {
@@ -108,22 +108,22 @@ TEST_F(ConfigurationManagerExplain, GivesTextsAsFilesHoldThem) {
         o.add("b", false).add("i", -7).add("u", 1U).add("d", 0.0).add("f", 0.0F);
         o.add<std::string>("s", "").add<Strings>("l", {}).add<Strings>("m", {"z"});
     }));
-    EXPECT_EQ((Lines{"All/b = 'true' user | - | 'true' | settings.xml:1",
-                     "All/i = '-7' default | - | - | :0",
-                     "All/u = '-1' user | - | '-1' | settings.xml:1",
-                     "All/d = '1e-07' user | - | '1e-7' | settings.xml:1",
-                     "All/f = '2.5' user | - | '2.50' | settings.xml:1",
-                     "All/s = ' a ' user | - | ' a ' | settings.xml:1",
-                     R"(All/l = '"x, y", ""' user | - | '"x, y", ""' | settings.xml:1)",
-                     R"(All/m = '"z"' default | - | - | :0)"}),
-              explained());
+    EXPECT_EQ(
+        (Lines{"All/b = 'true' user | - | 'true' | settings.xml:1",
+               "All/i = '-7' default | - | - | :0", "All/u = '-1' user | - | '-1' | settings.xml:1",
+               "All/d = '1e-07' user | - | '1e-7' | settings.xml:1",
+               "All/f = '2.5' user | - | '2.50' | settings.xml:1",
+               "All/s = ' a ' user | - | ' a ' | settings.xml:1",
+               R"(All/l = '"x, y", ""' user | - | '"x, y", ""' | settings.xml:1)",
+               R"(All/m = '"z"' default | - | - | :0)"}),
+        explained());
 }
 
 TEST_F(ConfigurationManagerExplain, TakesAListFromWhereItIsRead) {
     writeTwo("<View><l><item>s</item></l></View>",
              "<View><Below>\n<l><item>u</item></l></Below><m><item><x/></item></m></View>");
-    add(TestObject::make(
-        "View", [](TestObject& o) { o.add<Strings>("l", {}).add<Strings>("m", {"d"}); }));
+    add(TestObject::make("View",
+                         [](TestObject& o) { o.add<Strings>("l", {}).add<Strings>("m", {"d"}); }));
     EXPECT_EQ((Lines{R"(View/l = '"u"' user | '"s"' | '"u"' | user.xml:2)",
                      R"(View/m = '"d"' default | - | '""' | :0)"}),
               explained());
@@ -157,7 +157,7 @@ TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAfterASave) {
         view->value<int>("Zoom").setValue(7);
         EXPECT_EQ(Lines{"View/Zoom = '7' user | '2' | - | :0"}, explained());
         ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
-        EXPECT_EQ(Lines{"View/Zoom = '7' user | '2' | '7' | user.xml:3"}, explained());
+        EXPECT_EQ(Lines{"View/Zoom = '7' user | '2' | '7' | user.xml:4"}, explained());
         view->value<int>("Zoom").setValue(2);
         ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
         EXPECT_EQ(Lines{"View/Zoom = '2' system | '2' | - | system.xml:1"}, explained());
@@ -198,14 +198,14 @@ TEST_F(ConfigurationManagerExplain, NamesTheElementThatLocks) {
         add(TestObject::make(name, [](TestObject& o) {
             o.add("a", 1).add("b", 1).addChild(&(new TestObject("Camera"))->add("f", 1));
         }));
-    EXPECT_EQ((Lines{
-                  "Other/a = '4' system locked by Other/a | '4' | '40' | system.xml:1",
-                  "Other/b = '50' user | '5' | '50' | user.xml:1",
-                  "Other/Camera/f = '6' system locked by Other/Camera | '6' | '60' | system.xml:1",
-                  "View/a = '2' system locked by View | '2' | '20' | system.xml:1",
-                  "View/b = '1' default locked by View | - | '21' | :0",
-                  "View/Camera/f = '3' system locked by View | '3' | '30' | system.xml:1"}),
-              explained());
+    EXPECT_EQ(
+        (Lines{"Other/a = '4' system locked by Other/a | '4' | '40' | system.xml:1",
+               "Other/b = '50' user | '5' | '50' | user.xml:1",
+               "Other/Camera/f = '6' system locked by Other/Camera | '6' | '60' | system.xml:1",
+               "View/a = '2' system locked by View | '2' | '20' | system.xml:1",
+               "View/b = '1' default locked by View | - | '21' | :0",
+               "View/Camera/f = '3' system locked by View | '3' | '30' | system.xml:1"}),
+        explained());
 }
 
 TEST_F(ConfigurationManagerExplain, GivesTheDefaultWhereTheTextOfALockedValueDoesNotConvert) {
@@ -263,8 +263,7 @@ TEST_F(ConfigurationManagerExplain, PutsNamelessChildrenIntoTheElementOfTheirPar
     writeTwo("<View editable='false'><Unit>cm</Unit><Camera><f>3</f></Camera></View>", "");
     add(TestObject::make("View", [](TestObject& o) {
         auto* const inline_ = new TestObject("");
-        inline_->add<std::string>("Unit", "mm")
-            .addChild(&(new TestObject("Camera"))->add("f", 1));
+        inline_->add<std::string>("Unit", "mm").addChild(&(new TestObject("Camera"))->add("f", 1));
         o.addChild(inline_).addChild(&(new TestObject("Last"))->add("z", 1));
     }));
     EXPECT_EQ((Lines{"View/Unit = 'cm' system locked by View | 'cm' | - | system.xml:1",
@@ -284,8 +283,8 @@ TEST_F(ConfigurationManagerExplain, ExplainsWhatIsNeverWrittenOrNeverLoaded) {
     }));
     add(TestObject::make(
         "Never", [](TestObject& o) { o.add("z", 1); }, ConfigurationItemBase::NotPersistent));
-    EXPECT_EQ((Lines{"Never/z = '1' default | - | '3' | :0",
-                     "View/a = '1' default | - | '2' | :0", "View/b = '1' default | - | '2' | :0",
+    EXPECT_EQ((Lines{"Never/z = '1' default | - | '3' | :0", "View/a = '1' default | - | '2' | :0",
+                     "View/b = '1' default | - | '2' | :0",
                      "View/c = '2' user | - | '2' | settings.xml:1",
                      "View/d = '2' user | - | '2' | settings.xml:1"}),
               explained());
@@ -297,8 +296,9 @@ TEST_F(ConfigurationManagerExplain, ExplainsFeatureSwitches) {
     add(std::make_shared<DisableFeaturesConfiguration>());
     const Lines lines = explained();
     ASSERT_EQ(10U, lines.size());
-    EXPECT_EQ("DisableFeaturesConfiguration/EditorSketchItemsDisable = 'false' default | - | - | :0",
-              lines[0]);
+    EXPECT_EQ(
+        "DisableFeaturesConfiguration/EditorSketchItemsDisable = 'false' default | - | - | :0",
+        lines[0]);
     EXPECT_EQ("DisableFeaturesConfiguration/EditorFoldItemsDisable = 'true' user | - | 'true' | "
               "settings.xml:1",
               lines[1]);
@@ -395,6 +395,66 @@ TEST_F(ConfigurationManagerExplain, LeavesObjectsAndFilesAsTheyAre) {
     EXPECT_EQ(0, view->signals);
     EXPECT_EQ(before, readFile(m_userFile));
     EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+/// An element, which may be missing, be locked or hold nothing that converts.
+std::string randomElement(const std::string& tag, const std::string& content,
+                          std::mt19937& random) {
+    static const Strings s_attributes{"", "", "", " editable='false'", " editable='true'"};
+    if (random() % 4 == 0)
+        return {};
+    return '<' + tag + s_attributes[random() % s_attributes.size()] + '>' +
+           (random() % 5 == 0 && !content.starts_with('<') ? "x" : content) + "</" +
+           tag.substr(0, tag.find(' ')) + '>';
+}
+
+/// @param first  smallest of the numbers in the elements
+std::string randomView(int first, std::mt19937& random) {
+    const auto number = [&](const std::string& tag) {
+        return randomElement(tag, std::to_string(first + static_cast<int>(random() % 100)), random);
+    };
+    const auto machine = [&](const std::string& tag) {
+        return randomElement(tag, "<a/>" + number("MaxFeed"), random);
+    };
+    return randomElement(
+               "View",
+               "<z/>" + number("a") + number("b") + number("Inline") +
+                   randomElement("Camera", "<z/>" + number("c"), random) +
+                   randomElement("l", "<item>" + std::to_string(first) + "</item>", random),
+               random) +
+           machine("Machine") + machine("Machine key='1'");
+}
+
+TEST_F(ConfigurationManagerExplain, NeverDisagreesWithALoad) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 200; ++round) {
+        m_manager.reset();
+        const std::string system = randomView(1000, random);
+        const std::string user = randomView(2000, random);
+        if (round % 3 == 0)
+            writeOne(user);
+        else
+            writeTwo(system, user);
+        add(TestObject::make("View", [](TestObject& o) {
+            o.add("a", 1).add("b", 1).add<Strings>("l", {"1"});
+            o.addChild(&(new TestObject(""))->add("Inline", 1));
+            o.addChild(&(new TestObject("Camera"))->add("c", 1));
+        }));
+        for (const char* key : {"1", "2"})
+            add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine",
+                key);
+        for (const ConfigurationOrigin& origin : m_manager.explain()) {
+            // The first digit tells the layer; an empty list comes from an element without items.
+            const auto digit = origin.value.find_first_of("12");
+            if (digit == std::string::npos)
+                continue;
+            const auto expected = origin.value.size() < 4      ? ConfigurationOrigin::Default
+                                  : origin.value[digit] == '1' ? ConfigurationOrigin::System
+                                                               : ConfigurationOrigin::User;
+            ASSERT_EQ(expected, origin.layer) << show(origin) << '\n' << system << '\n' << user;
+            ASSERT_EQ(origin.layer != ConfigurationOrigin::Default, origin.line == 1);
+        }
+    }
 }
 
 } // namespace

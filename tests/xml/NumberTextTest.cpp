@@ -110,5 +110,38 @@ TEST(NumberText, IsExtractedAsAStreamDoesInAMillionGeneratedTexts) {
     }
 }
 
+template <typename Number>
+NumberMatch matchOf(const std::string& text) {
+    Number number{};
+    const NumberMatch match = matchNumber(text, number);
+    Number extracted{};
+    EXPECT_EQ(extractNumber(text, extracted), match >= NumberMatch::Beginning) << text;
+    EXPECT_EQ(extracted, number) << text;
+    return match;
+}
+
+TEST(NumberText, TellsHowMuchOfATextIsANumber) {
+    for (const char* text : {"5", " +5\n", "-5 \t\r", "007"}) {
+        EXPECT_EQ(NumberMatch::Whole, matchOf<int>(text)) << text;
+        EXPECT_EQ(NumberMatch::Whole, matchOf<double>(text)) << text;
+    }
+    for (const char* text : {"60,5", "3O", "12 x", "1 2", "5-", "0x1F"}) {
+        EXPECT_EQ(NumberMatch::Beginning, matchOf<int>(text)) << text;
+        EXPECT_EQ(NumberMatch::Beginning, matchOf<double>(text)) << text;
+    }
+    for (const char* text : {"", " ", "x", "-", "+-1", ",5"}) {
+        EXPECT_EQ(NumberMatch::None, matchOf<int>(text)) << text;
+        EXPECT_EQ(NumberMatch::None, matchOf<double>(text)) << text;
+    }
+    EXPECT_EQ(NumberMatch::Beginning, matchOf<int>("1.5"));
+    EXPECT_EQ(NumberMatch::Whole, matchOf<double>("1.5"));
+    EXPECT_EQ(NumberMatch::Beginning, matchOf<double>("1.5.2"));
+    EXPECT_EQ(NumberMatch::None, matchOf<double>("1e"));
+    EXPECT_EQ(NumberMatch::OutOfRange, matchOf<int>("2147483648x"));
+    EXPECT_EQ(NumberMatch::Whole, matchOf<double>("2147483648"));
+    EXPECT_EQ(NumberMatch::OutOfRange, matchOf<double>("1e999"));
+    EXPECT_EQ(NumberMatch::Whole, matchOf<double>("1e-999"));
+}
+
 } // namespace
 } // namespace Orvant

@@ -198,13 +198,29 @@ public:
     /// @return false when a file is there but cannot be read or is not accepted, or a required
     ///         system file is missing; then nothing is taken over
     bool reloadConfiguration();
-    /// Tells what in the files, as they were at the last load, did not take effect. The files' text
-    /// is searched by this call; loads do not become slower.
+    /// Tells what in the files, as they were at the last load or save, does not take effect when
+    /// the registered objects are loaded. The files' text is searched by this call; loads do not
+    /// become slower.
+    ///
+    /// Lines and columns are those of an element's '<' (what comes from an entity stands at the
+    /// reference) or of the first error in a damaged file. Below an element that nobody declares,
+    /// nothing more is reported; neither is what stands below an object without values and
+    /// children that writes nothing, since only its class knows what it reads.
     /// @return problems of the system file, then those of the user's, in the order of the text
+    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and what
+    ///         objects throw when they are loaded or saved
     std::vector<ConfigurationProblem> getLoadProblems() const;
     /// Tells for every value of every registered object where it comes from, according to the files
-    /// as they were at the last load or save.
-    /// @return origins in the order of saving
+    /// as they were at the last load or save. Includes values that are never saved, and what a
+    /// class saves besides its values.
+    ///
+    /// A value that is not what the files give was changed by the application: its layer is the
+    /// user's, without file and line. What the system file locks is decided by the system file, or
+    /// is the default if the text there does not convert.
+    /// @return origins in the order of saving; in an object, values come before children, and these
+    ///         before what else the class saves
+    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and what
+    ///         objects throw when they are loaded or saved
     std::vector<ConfigurationOrigin> explain() const;
 
     /// Unregisters an object; the next save drops its element from the file.
