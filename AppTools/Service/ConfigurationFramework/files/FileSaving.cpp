@@ -48,7 +48,10 @@ std::error_code overwriteFile(const std::filesystem::path& target, std::string_v
     OpenFile out(target, OpenFile::Purpose::Overwrite);
     if (!out.isOpen())
         return out.error();
-    const Former former{.size = out.size(), .bytes = std::move(formerBytes)};
+    Former former{.size = 0, .bytes = std::move(formerBytes)};
+    // With 0 for a size that the system does not tell, the end of a longer document would stay.
+    if (const std::error_code error = out.getSize(former.size))
+        return error;
     if (const std::error_code error = overwrite(out, bytes, former))
         return error;
     const std::error_code error = out.close();

@@ -104,13 +104,18 @@ OpenFile::~OpenFile() {
     [[maybe_unused]] const std::error_code ignored = close();
 }
 
-std::uintmax_t OpenFile::size() const {
+std::error_code OpenFile::getSize(std::uintmax_t& bytes) const {
     struct stat status{};
-    return ::fstat(m_descriptor, &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
+    if (::fstat(m_descriptor, &status) != 0)
+        return lastError();
+    bytes = static_cast<std::uintmax_t>(status.st_size);
+    return {};
 }
 
 std::error_code OpenFile::readAll(std::string& bytes, std::size_t most) {
-    const std::uintmax_t expected = size();
+    std::uintmax_t expected = 0;
+    if (const std::error_code error = getSize(expected))
+        return error;
     if (expected > most)
         return std::make_error_code(std::errc::file_too_large);
     // Others may write at the same time: the end is where no byte follows, hence one more.

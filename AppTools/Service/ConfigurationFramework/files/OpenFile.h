@@ -33,8 +33,8 @@ public:
     /// @return why the file could not be opened
     const std::error_code& error() const { return m_error; }
 
-    /// @return the number of bytes; 0 for what has none of its own, as devices
-    std::uintmax_t size() const;
+    /// @param bytes number of bytes; 0 for what has none of its own, as devices
+    std::error_code getSize(std::uintmax_t& bytes) const;
 
     /// Reads what there is until the end.
     /// @param most file_too_large is returned for more bytes
