@@ -271,8 +271,8 @@ private:
     using Objects = std::multimap<std::string, ConfigurationRegistration>;
 
     friend class ConfigurationChanges; // which needs what is known of an object
-    struct KnownState;
-    class Saving;
+    struct ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT KnownState;
+    class ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT Saving;
 
     bool registerObject(const ConfigurationRegistration& registration);
     Objects::const_iterator find(const std::string& name) const;
