@@ -77,9 +77,10 @@ void addRows(const std::string& place, const ConfigurationObject& object,
     auto inUser = user.beginValueIterator();
     for (const ConfigurationValueBase* value : object.getConfigurationValues()) {
         const bool locked = objectLocked || !value->isEditable();
-        const std::string source = !locked && (*inUser)->hasValue() ? "user"
-                                   : (*inSystem)->hasValue()        ? "system"
-                                                                    : "default";
+        const std::string source = !value->hasValue()                 ? "default"
+                                   : !locked && (*inUser)->hasValue() ? "user"
+                                   : (*inSystem)->hasValue()          ? "system"
+                                                                      : "default";
         rows.push_back(
             {place + '/' + value->getName(), text(*value), source, locked ? "locked" : ""});
         ++inSystem;

@@ -30,6 +30,9 @@ std::vector<Registered> start(const Layers& layers) {
     auto& manager = ConfigurationManager::getInstance();
     manager.reset();
     manager.setValidVersionList(layers.versions);
+    manager.setSaveMode(ConfigurationManager::Merge);
+    // Without the administrator's file (a share that is not mounted), its locks would be gone.
+    manager.setSystemFileRequired(true);
     manager.setSystemAndUserConfigurationFile(layers.systemFile, layers.userFile);
 
     std::vector<Registered> settings;
@@ -70,17 +73,14 @@ std::string fault(const std::string& file, const Layers& layers) {
 }
 
 /// Tells the user of files that could not be loaded.
-/// @return true when the user's file may be overwritten
-bool checkFiles(const Layers& layers) {
+void reportFiles(const Layers& layers) {
     auto& manager = ConfigurationManager::getInstance();
     if (manager.hasSystemConfigFileErrors())
-        std::cout << "Your administrator's settings do not apply: " << layers.systemFile << ' '
-                  << fault(layers.systemFile, layers) << ".\n\n";
-    if (!manager.hasUserConfigFileErrors())
-        return true;
-    std::cout << "Your settings could not be loaded: " << layers.userFile << ' '
-              << fault(layers.userFile, layers) << ".\n\n";
-    return false;
+        std::cout << "No settings are loaded without your administrator's: " << layers.systemFile
+                  << ' ' << fault(layers.systemFile, layers) << ".\n\n";
+    if (manager.hasUserConfigFileErrors())
+        std::cout << "Your settings could not be loaded: " << layers.userFile << ' '
+                  << fault(layers.userFile, layers) << ".\n\n";
 }
 
 template <typename T>
@@ -105,7 +105,7 @@ int main(int argc, char** argv) {
     auto& manager = ConfigurationManager::getInstance();
 
     const auto settings = start(layers);
-    const bool userFileIsLoaded = checkFiles(layers);
+    reportFiles(layers);
     std::cout << "== Settings at start\n\n" << settingsTable(settings, layers);
     printFile("User file before", layers.userFile);
 
@@ -114,23 +114,10 @@ int main(int argc, char** argv) {
                                      {"gear box.dwg", "Gehäuse.dwg", "R&D <new>.dwg"});
     change<unsigned int>(settings[3], "Copies", 3);
 
-    // A save over a file that was not loaded loses what it holds, also when the file was damaged or
-    // replaced since then.
-    if (!userFileIsLoaded || manager.hasUserConfigFileErrors()) {
-        std::cout << "\nYour changes are not saved, so that " << layers.userFile
-                  << " stays as it is. Repair it or move it away, and start again.\n";
-        return 0;
-    }
-    // A save compares with the system file: without it, the administrator's values are saved, too.
-    if (manager.hasSystemConfigFileErrors()) {
-        std::cout << "\nYour changes are not saved: " << layers.userFile
-                  << " would get your administrator's values, too. Have " << layers.systemFile
-                  << " repaired, and start again.\n";
-        return 0;
-    }
     if (!manager.saveConfiguration("2.1")) {
-        std::cerr << "The settings could not be saved\n";
-        return 1;
+        // The files are as they were. Once they are repaired, a new start finds everything.
+        std::cout << '\n' << manager.getSaveReport().text << '\n';
+        return 0;
     }
     printFile("User file after", layers.userFile);
 

@@ -10,6 +10,7 @@ using namespace Orvant;
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
 
     //! [ask]

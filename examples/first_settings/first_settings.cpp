@@ -36,6 +36,7 @@ public:
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setConfigurationFile("settings.xml");
 
     const auto welcome = std::make_shared<Welcome>();
@@ -46,7 +47,7 @@ int main() {
               << welcome->starts().getValue() << '\n';
 
     if (!manager.saveConfiguration("1.0")) {
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
         return 1;
     }
 }

@@ -53,6 +53,7 @@ std::set<std::string> findPrinters(const std::list<std::string>& versions) {
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
 
     //! [register]
@@ -73,6 +74,9 @@ int main() {
                   << printer->copies().getValue() << '\n';
 
     printers["Basement"]->copies().setValue(3);
+    //! [remove]
+    manager.removeConfigurationObject("Printer", "At home"); // the next save drops its element
+    //! [remove]
     if (!manager.saveConfiguration("1.0"))
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
 }

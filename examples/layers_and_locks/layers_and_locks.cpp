@@ -39,6 +39,7 @@ int main() {
     //! [load]
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0", "1.1"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
 
     const auto editor = std::make_shared<Editor>();
@@ -52,6 +53,6 @@ int main() {
     //! [save]
     editor->value("UndoSteps").setValue(200);
     if (!manager.saveConfiguration("1.1"))
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
     //! [save]
 }

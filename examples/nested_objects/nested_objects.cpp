@@ -56,6 +56,7 @@ ConfigurationValue<T>& value(const ConfigurationObject& object, const std::strin
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setConfigurationFile("settings.xml");
     const auto view = std::make_shared<View>();
     manager.addConfigurationObjects({{view, "View"}});
@@ -69,5 +70,5 @@ int main() {
 
     value<double>(*view, "Zoom").setValue(2.5);
     if (!manager.saveConfiguration("1.0"))
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
 }

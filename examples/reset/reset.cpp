@@ -43,6 +43,7 @@ void print(const std::string& when, const Editor& editor) {
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
     const auto editor = std::make_shared<Editor>();
     manager.addConfigurationObjects({{editor, "Editor"}});
@@ -66,5 +67,5 @@ int main() {
     //! [reset]
 
     if (!manager.saveConfiguration("1.0"))
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
 }

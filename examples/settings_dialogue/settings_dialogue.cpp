@@ -59,6 +59,7 @@ void addRows(const ConfigurationObject& object, bool parentEditable, std::vector
 int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
     const auto editor = std::make_shared<Editor>();
     manager.addConfigurationObjects({{editor, "Editor"}});
@@ -73,6 +74,6 @@ int main() {
         if (auto* box = dynamic_cast<ConfigurationValue<bool>*>(row.value); box && row.editable)
             box->setValue(!box->getValue()); // as a click on its check box does
     if (!manager.saveConfiguration("1.0"))   // the button OK
-        std::cerr << "The settings could not be saved\n";
+        std::cerr << manager.getSaveReport().text << '\n';
     //! [edit]
 }

@@ -43,6 +43,7 @@ void start(const std::string& userFile) {
     auto& manager = ConfigurationManager::getInstance();
     manager.reset();
     manager.setValidVersionList({"1.0"});
+    manager.setSaveMode(ConfigurationManager::Merge);
     manager.setSystemAndUserConfigurationFile("system.xml", userFile);
     const auto view = std::make_shared<View>();
     manager.addConfigurationObjects({{view, "View"}});
@@ -56,7 +57,8 @@ void start(const std::string& userFile) {
     //! [tell]
 
     std::cout << "Zoom factor: " << view->zoom().getValue() << '\n';
-    std::cout << (manager.saveConfiguration("1.0") ? "Saved\n" : "Not saved\n");
+    std::cout << (manager.saveConfiguration("1.0") ? "Saved" : manager.getSaveReport().text)
+              << '\n';
 }
 
 } // namespace
