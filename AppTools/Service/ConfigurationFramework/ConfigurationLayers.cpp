@@ -24,7 +24,7 @@ bool isThere(const FileName& file) try {
     return false;
 }
 
-/// @return null when it is no configuration document
+/// @return null when it cannot be parsed
 std::shared_ptr<ParsedDocument> parse(const std::string& bytes) {
     XmlErrorHandler errors;
     ParserConfinement confinement(ParserConfinement::configurations);

@@ -17,14 +17,14 @@ struct ParsedDocument;
 /// What a configuration file held when it was read.
 class LayerDocument {
 public:
-    /// Of no file.
+    /// Makes the document of no file.
     LayerDocument() = default;
-    /// Adds a file to a reader as a source and keeps what it holds.
+    /// Adds a file to a reader as a source and keeps what the file holds.
     LayerDocument(AdvancedConfigReader& reader, const FileName& file,
                   AdvancedConfigReader::Priority priority,
                   const std::list<std::string>& validVersions);
 
-    /// Of a file that was written.
+    /// Makes the document of a file that was written.
     /// @param isAccepted whether loading accepts the version
     LayerDocument(const FileName& file, std::string bytes, bool isAccepted);
 
@@ -46,19 +46,20 @@ public:
     bool exists() const { return m_exists; }
     /// @return what the file held, as far as it could be read
     const std::string& bytes() const;
-    /// @return why a refused file could not be read; none when it could
+    /// @return why a refused file could not be read; no error when it could
     const std::error_code& error() const { return m_error; }
     /// @return the document, null when the file was not accepted
     std::shared_ptr<ParsedDocument> document() const;
 
-    /// @return true when both files were the same, there or not, and held the same
+    /// @return true when both have the same file name, and the file was missing both times or held
+    ///         the same
     bool holdsSame(const LayerDocument& other) const;
 
 private:
     FileName m_file;
     bool m_exists = false;
     bool m_isAccepted = false;
-    mutable std::shared_ptr<ParsedDocument> m_document; ///< of a written file made when needed
+    mutable std::shared_ptr<ParsedDocument> m_document; ///< of a written file, made when needed
     std::string m_bytes;                                ///< of a refused or written file
     std::error_code m_error;
 };

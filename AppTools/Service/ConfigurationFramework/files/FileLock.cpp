@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
-/// What a lock of this process has taken before it asks the system: at most one has each file.
+/// A lock within this process, taken before the system is asked: at most one has each file.
 class OwnLock {
 public:
     explicit OwnLock(fs::path lockFile) : m_lockFile(std::move(lockFile)) {
@@ -47,7 +47,7 @@ private:
     bool m_isTaken;
 };
 
-/// @return the file that is locked, by the same name for all that know it by different ones
+/// @return the file that is locked, under one name, whatever names lead to the target
 fs::path lockFileOf(const FileName& target, std::error_code& error) {
     const fs::path last = followLinks(toPath(target)).back();
     const fs::path directory = last.has_parent_path() ? last.parent_path() : fs::path(".");
@@ -55,7 +55,8 @@ fs::path lockFileOf(const FileName& target, std::error_code& error) {
     return lockFile += ".lock";
 }
 
-/// @return why there is no lock file, or none to be opened
+/// Makes the lock file unless it is there.
+/// @return why there is no lock file, or why it must not be opened
 std::error_code makeLockFile(const fs::path& lockFile) {
     const OpenFile made(lockFile, OpenFile::Purpose::Make);
     std::error_code error;
@@ -87,7 +88,8 @@ public:
 private:
     using Lock = boost::interprocess::scoped_lock<boost::interprocess::file_lock>;
 
-    // The order matters: the lock goes first, and the file is closed before another may open it.
+    // The order matters: the lock is released first, and the file is closed before another lock of
+    // this process may open it.
     OwnLock m_own;
     std::error_code m_error;
     boost::interprocess::file_lock m_file;

@@ -13,18 +13,19 @@ class FileName;
 /// the target, "TARGET.lock" (links to the target are followed), which is never deleted: a process
 /// could otherwise lock a file that has no name any more.
 ///
-/// The system's locks bind processes: they do not exclude a second lock of the same process, and
-/// end as soon as that closes the lock file. So the locks of a process also know each other, and
-/// nothing else may open the lock file.
+/// The system's locks belong to a process: they do not exclude a second lock of the same process,
+/// and end as soon as it closes the lock file anywhere. So the locks of a process also exclude each
+/// other, and nothing else may open the lock file.
 class FileLock {
 public:
     enum class State {
         Held,
         Busy,   ///< another lock was held all the time
-        NotMade ///< the lock file cannot be made, opened or locked
+        NotMade ///< the lock file could not be made, opened or locked
     };
 
-    /// Takes the lock, and waits for it as long as patience lasts.
+    /// Takes the lock, if necessary after a wait.
+    /// @param patience longest time to wait for it
     /// @throws FileNameException for a name that no file system could hold
     FileLock(const FileName& target, std::chrono::milliseconds patience);
     FileLock(const FileLock&) = delete;

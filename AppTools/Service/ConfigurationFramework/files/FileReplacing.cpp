@@ -26,7 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Longer than any save lasts between two writes. One that is stopped for longer fails.
+/// Longer than any save pauses between two writes. A save that is stopped for longer may fail.
 constexpr auto ageOfLeftovers = std::chrono::minutes(10);
 
 /// The names of new files for a target: ".TARGET.0123456789abcdef.new".
@@ -56,9 +56,9 @@ private:
     static constexpr std::u8string_view digits = u8"0123456789abcdef";
     static constexpr std::u8string_view end = u8".new";
     static constexpr std::size_t randomDigits = 16;
-    static constexpr std::size_t longest = 255; ///< of all names, with most file systems
+    static constexpr std::size_t longest = 255; ///< that most file systems allow for a name
 
-    /// @return as much as leaves room for the rest, and no part of a character
+    /// @return as much of a name as leaves room for the rest, without cutting a character
     static std::u8string beginning(std::u8string name) {
         const std::size_t most = longest - randomDigits - end.size() - 2;
         if (name.size() <= most)
@@ -78,7 +78,7 @@ fs::path directoryOf(const fs::path& file) {
 }
 
 /// Removes what processes left beside a target when they ended in the middle of a save.
-/// @param made the new file of this save; its time is of the clock that the others' times are of
+/// @param made the new file of this save: its time comes from the same clock as those of the others
 void removeLeftovers(const fs::path& made, const NewNames& names) {
     std::error_code error;
     const auto now = fs::last_write_time(made, error);
@@ -95,8 +95,8 @@ void removeLeftovers(const fs::path& made, const NewNames& names) {
     }
 }
 
-/// Whether another way of writing may do what the system does not allow for a new file. A full disk
-/// would cost the old bytes.
+/// Whether the file may still be written in place, though a new one is not allowed. A full disk
+/// does not count: writing in place could then lose the old bytes.
 bool isRefusal(const std::error_code& error) {
     constexpr std::errc refusals[] = {
         std::errc::permission_denied,       std::errc::operation_not_permitted,
@@ -121,7 +121,7 @@ std::error_code checkWritable(const fs::path& file) {
     return {errno, std::generic_category()};
 }
 
-/// The new file has its place whether or not that is on the disk yet.
+/// A failure does not matter: the new file has its name, only perhaps not on the disk yet.
 void flushDirectory(const fs::path& directory) {
     OpenFile opened(directory, OpenFile::Purpose::Read);
     [[maybe_unused]] const std::error_code ignored =
@@ -130,8 +130,8 @@ void flushDirectory(const fs::path& directory) {
 
 #endif
 
-/// @param former nothing: there is no file yet
-/// @return what the system reported; nothing where a new file may not take the place of the target
+/// @param former rights of the old file; nothing when there is none
+/// @return what the system reported; nothing where the target has to be written in place
 std::optional<std::error_code> putNewFile(const fs::path& target, const std::string& bytes,
                                           const std::optional<FileRights>& former) {
     const NewNames names(target);

@@ -73,8 +73,8 @@ bool FileRights::giveTo(int descriptor) const {
     if ((status.st_uid != m_owner || status.st_gid != m_group) &&
         fchown(descriptor, m_owner, m_group) != 0)
         return false;
-    // The mode is last: it would open the file to those whom only the list keeps out, and a new
-    // owner takes bits away.
+    // The mode comes last: without the list, it would let in those whom only the list keeps out,
+    // and a change of owner clears some of its bits.
     return giveAccessListTo(descriptor) && fchmod(descriptor, static_cast<mode_t>(m_mode)) == 0 &&
            isLikeThoseOf(descriptor);
 }
@@ -90,7 +90,7 @@ bool FileRights::giveAccessListTo([[maybe_unused]] int descriptor) const {
     if (m_accessList)
         return fsetxattr(descriptor, accessListName, m_accessList->data(), m_accessList->size(),
                          0) == 0;
-    // It may have one from its directory.
+    // The new file may have inherited a list from its directory.
     return fremovexattr(descriptor, accessListName) == 0 || isWithoutAccessList();
 #else
     return true;

@@ -17,9 +17,10 @@ public:
     /// @return the mode to make the new file with: readable at most for its owner
     unsigned int firstMode() const { return m_mode & 0600U; }
 
-    /// Gives them to a file that was made with firstMode(), once it holds its bytes: writing takes
-    /// bits of the mode away. At no moment can somebody read it who could not read the other.
-    /// @return false when the new file has not all of them
+    /// Gives them to a file that was made with firstMode(), once it holds its bytes: writing clears
+    /// some bits of the mode. At no moment can the new file be read by anyone who could not read
+    /// the old one.
+    /// @return false when the new file does not have all of them
     bool giveTo(int descriptor) const;
 
 private:

@@ -19,15 +19,16 @@ struct Former {
     std::optional<std::string> bytes; ///< nothing where they cannot be read
 };
 
-/// As far as the disk allows.
+/// Restores the former bytes as far as the disk allows.
 void putBack(OpenFile& out, const Former& former) {
-    // First what needs no room on it.
+    // First what needs no room on the disk.
     [[maybe_unused]] std::error_code ignored = out.resize(former.size);
     if (former.bytes)
         ignored = out.writeAt(0, *former.bytes);
 }
 
-/// A full disk shows while the former bytes are still there: what goes beyond them is first.
+/// Writes what goes beyond the former bytes first: if the disk is full, that fails while they are
+/// still there.
 std::error_code overwrite(OpenFile& out, std::string_view bytes, const Former& former) {
     const std::string_view front = bytes.substr(0, former.size);
     std::error_code error = out.writeAt(former.size, bytes.substr(front.size()));
@@ -57,7 +58,7 @@ std::error_code overwriteFile(const std::filesystem::path& target, std::string_v
     const std::error_code error = out.close();
     if (!error)
         return {};
-    // Some file systems tell only now that there is no room.
+    // Some file systems report only on closing that there is no room.
     OpenFile again(target, OpenFile::Purpose::Overwrite);
     if (again.isOpen())
         putBack(again, former);
@@ -78,7 +79,7 @@ std::error_code saveInPlace(const FileName& file, const std::string& bytes) {
     if (std::filesystem::is_fifo(target, ignored))
         return std::make_error_code(std::errc::no_such_device_or_address);
     const std::error_code error = overwriteFile(target, bytes, readRegularFile(file));
-    // Then the reason is why it could not be made.
+    // If there is no such file, the reason is why it could not be made.
     return error == std::errc::no_such_file_or_directory ? made.error() : error;
 }
 

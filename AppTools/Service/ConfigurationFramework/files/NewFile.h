@@ -21,9 +21,10 @@ class FileName;
 class NewFile {
 public:
     /// Makes the file; ask isMade() whether that went well.
-    /// @param mode permissions of the file, of which the process's mask takes some away
     /// @throws FileNameException for a name that no file system could hold
     explicit NewFile(const FileName& file);
+    /// Likewise.
+    /// @param mode permissions of the file, of which the process's mask takes some away
     explicit NewFile(std::filesystem::path path, unsigned int mode = 0666);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
@@ -49,8 +50,8 @@ public:
     /// @return false when these or earlier bytes could not be written, or no file was made
     bool flush();
 
-    /// Closes the file and gives it another name, whose former file goes. That happens at one
-    /// moment: whoever opens the name finds either file whole.
+    /// Closes the file and renames it, replacing the file that has the new name. That is one step:
+    /// whoever opens the name finds the former file or the new one, whole.
     /// @return false when the file was removed and the former one stays, or none was made
     bool finishAs(const std::filesystem::path& name);
 

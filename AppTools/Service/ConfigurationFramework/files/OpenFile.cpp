@@ -72,8 +72,8 @@ int flagsFor(OpenFile::Purpose purpose) {
     return O_WRONLY | O_CREAT | O_EXCL;
 }
 
-/// Repeats a call that a signal interrupted; not for ever, as a lost file system may have all calls
-/// interrupted.
+/// Repeats a call that a signal interrupted; not for ever, since a file system that is gone may
+/// have every call interrupted.
 template <typename Call>
 auto repeated(Call call) {
     auto result = call();
@@ -100,7 +100,7 @@ OpenFile::OpenFile(const std::filesystem::path& path, Purpose purpose, unsigned 
       m_error(errorOf(m_descriptor)) {}
 
 OpenFile::~OpenFile() {
-    // Who wants to know whether that goes well calls it.
+    // Callers that need to know whether closing succeeds call close() themselves.
     [[maybe_unused]] const std::error_code ignored = close();
 }
 
@@ -118,7 +118,7 @@ std::error_code OpenFile::readAll(std::string& bytes, std::size_t most) {
         return error;
     if (expected > most)
         return std::make_error_code(std::errc::file_too_large);
-    // Others may write at the same time: the end is where no byte follows, hence one more.
+    // The size may change meanwhile: the end is where no byte follows, so one more is asked for.
     bytes.resize(static_cast<std::size_t>(expected) + 1);
     std::size_t read = 0;
     while (true) {
@@ -167,7 +167,7 @@ std::error_code OpenFile::flush() {
 std::error_code OpenFile::close() {
     if (!isOpen())
         return {};
-    // Whatever it answers, the descriptor is no longer ours, so that there is nothing to repeat.
+    // Whatever the result, the descriptor is no longer ours: the call must not be repeated.
     const int result = ::close(std::exchange(m_descriptor, -1));
     return result < 0 && errno != EINTR ? lastError() : std::error_code();
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t maxFileSize = std::size_t{1} << 30U;
 
-/// @return why a file is not one to be opened, none for a regular file
+/// @return why a file must not be opened; no error for a regular file
 std::error_code checkKind(const std::filesystem::path& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);

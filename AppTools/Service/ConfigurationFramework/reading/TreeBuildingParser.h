@@ -14,8 +14,9 @@ namespace Orvant {
 
 /// The Xerces DOM parser, filling another tree: its scanner, defaults and error handling stay, but
 /// what it reports becomes a DocumentTree instead of a DOM, whose nodes take six times as long as
-/// the scanning. An empty DOM stays, for what it refuses (XML versions, names of document types)
-/// and for what it takes: editing the document needs a whole one.
+/// the scanning. An empty DOM stays, to refuse what every DOM refuses (XML versions, names of
+/// document types), and a DocumentMeasure adds up what a whole DOM would take: whatever is read can
+/// then also be edited.
 class TreeBuildingParser : public ConfinedParser {
 public:
     using ConfinedParser::ConfinedParser;

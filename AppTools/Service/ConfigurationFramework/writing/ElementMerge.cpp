@@ -26,7 +26,7 @@ const ElementId& idOf(const ElementChange& change) {
 bool isChanged(const ElementChange& change) {
     const auto& [base, now, stored] = change;
     if (base == nullptr && now == nullptr)
-        return true; // written only beside what the object writes otherwise
+        return true; // written in a save of differences, but not in one in full
     return base == nullptr || now == nullptr || !(*base == *now);
 }
 
@@ -43,7 +43,7 @@ bool isGroup(const ElementChange& change) {
     return group;
 }
 
-/// The children that are added, changed or gone, in the order in which they are written.
+/// The children that were added, changed or removed, in the order in which they are written.
 std::vector<ElementChange> changesWithin(const ElementChange& change) {
     static const std::vector<WrittenElement> none;
     const auto childrenOf = [](const WrittenElement* element) -> const auto& {
@@ -88,7 +88,7 @@ public:
 
     /// @param areKeyed whether the tag's elements are told apart by keys
     DOMElement* find(const ElementId& id, bool areKeyed) const {
-        // Readers take the first element of a tag that is not asked for with a key.
+        // Asked for a tag without a key, readers take the first element of the tag.
         return m_children.find({id.tag, areKeyed ? id.key.value_or(XmlString()) : id.key});
     }
 
@@ -130,7 +130,7 @@ bool holds(const DOMElement& element, const WrittenElement& contents) {
     return present.text == contents.text && present.children == contents.children;
 }
 
-/// Makes a change as a whole.
+/// Makes a change to a value, as a whole.
 std::size_t replaceValue(DOMElement& parent, Siblings& siblings, DOMElement* present,
                          const ElementChange& change) {
     if (change.stored == nullptr) {
@@ -208,7 +208,7 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
     const std::size_t count = mergeChanges(*present, change);
     if (count != 0)
         keepListsReadable(*present, change);
-    // What was emptied goes, and what was made for nothing.
+    // An element that was emptied, or was made and stayed empty, is removed.
     if ((isNew || count != 0) && !present->hasChildNodes()) {
         siblings.remove(*present);
         remove(*present);

@@ -12,15 +12,15 @@ namespace Orvant {
 struct ElementChange {
     const WrittenElement* base;   ///< as it was known before; null: not at all
     const WrittenElement* now;    ///< as it is now; null: it is gone
-    const WrittenElement* stored; ///< what of `now` belongs into the file; null: nothing
+    const WrittenElement* stored; ///< what of `now` belongs in the file; null: nothing
 };
 
 /// Makes changes in a document that others may have edited meanwhile.
 ///
 /// Groups are merged child by child, at any depth; a value that was changed is replaced as a whole,
-/// or removed when nothing of it belongs into the file. What was not changed stays as it is in the
-/// document, with comments, attributes and order. What was changed on both sides is as the
-/// application has it.
+/// or removed when nothing of it belongs in the file. What was not changed stays as it is in the
+/// document, with comments, attributes and order. For what both sides changed, the application
+/// wins.
 /// @param element the element in the document
 /// @param change  what was changed in it
 /// @return number of elements that were added, replaced or removed

@@ -27,7 +27,7 @@ struct WrittenElement {
     std::vector<WrittenElement> children = {};
 
     /// @param child    identity to look for
-    /// @param expected position that it has in what the same class wrote
+    /// @param expected position where it is looked for first: objects of one class write alike
     /// @return first child with that identity; null when there is none
     const WrittenElement* find(const ElementId& child, std::size_t expected) const;
     /// Whether both hold the same. Comments do not count.
@@ -39,7 +39,7 @@ struct WrittenElement {
     bool isList() const;
 };
 
-/// @return a copy of what stands in a document
+/// @return a copy of an element in a document
 WrittenElement copyOf(const xercesc::DOMElement& element);
 
 } // namespace Orvant
