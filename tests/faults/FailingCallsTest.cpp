@@ -1,4 +1,4 @@
-#include <faults/FaultPlan.h>
+#include <faults/Fault.h>
 #include <faults/FaultSupport.h>
 
 #include <gmock/gmock.h>
@@ -6,15 +6,13 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
-#include <stdexcept>
 #include <tuple>
-
-#include <dlfcn.h>
 
 namespace Orvant {
 namespace {
 
 using Report = ConfigurationSaveReport;
+using Support::Fault;
 using Support::nameOf;
 using Support::SaveMode;
 using Support::TestObject;
@@ -35,24 +33,6 @@ std::string describe(const FaultPlan& plan) {
            (plan.times == FaultPlan::always ? " and all that follow: " : ": ") +
            (plan.error == FaultPlan::half ? "half" : std::strerror(plan.error));
 }
-
-/// Lets calls fail while it is in scope.
-class Fault {
-public:
-    explicit Fault(FaultPlan& plan) { set(&plan); }
-    Fault(const Fault&) = delete;
-    Fault& operator=(const Fault&) = delete;
-    ~Fault() { set(nullptr); }
-
-private:
-    static void set(FaultPlan* plan) {
-        static const auto function =
-            reinterpret_cast<SetFaultPlan*>(dlsym(RTLD_DEFAULT, "setFaultPlan"));
-        if (function == nullptr)
-            throw std::runtime_error("the program runs without LD_PRELOAD=libFaultShim.so");
-        function(plan);
-    }
-};
 
 class FailingCalls : public Support::FaultFixture,
                      public testing::WithParamInterface<std::tuple<SaveMode, bool, Change>> {
