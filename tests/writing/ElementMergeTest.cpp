@@ -140,6 +140,15 @@ TEST(ElementMerge, ReplacesListsAndWhatCannotBeToldApartAsAWhole) {
                      "<t><p>1</p><p>3</p></t>"));
 }
 
+TEST(ElementMerge, ReplacesWhatIsNestedDeeperThanTheStack) {
+    std::string nested;
+    for (int i = 0; i < 100'000; ++i)
+        nested += "<x>";
+    for (int i = 0; i < 100'000; ++i)
+        nested += "</x>";
+    EXPECT_EQ("<a>3</a>", merged("<a>" + nested + "</a>", "<a>1</a>", "<a>3</a>"));
+}
+
 TEST(ElementMerge, PutsWhatIsWrittenAmongDifferencesOnly) {
     EXPECT_EQ("<a>1</a><m>3</m>",
               merged("<a>1</a><m>8</m>", "<a>1</a>", "<a>1</a>", "<m>3</m>", 1));

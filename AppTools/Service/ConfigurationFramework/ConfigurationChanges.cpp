@@ -118,12 +118,14 @@ void ConfigurationChanges::addAll(const ConfigurationRegistration& registration)
 
 void ConfigurationChanges::add(const ConfigurationRegistration& registration, WrittenElement now,
                                std::optional<WrittenElement> base) {
-    m_states.push_back(now);
     const bool isEmpty = now.children.empty() && now.text.empty();
     const bool isUnchanged = base && *base == now;
     // A class may write nothing but differences.
-    if (isUnchanged && !(isEmpty && m_system != nullptr))
+    if (isUnchanged && !(isEmpty && m_system != nullptr)) {
+        m_states.push_back(std::move(now));
         return;
+    }
+    m_states.push_back(now);
     std::optional<WrittenElement> stored = now;
     if (m_system != nullptr) {
         ConfigWriter writer("");

@@ -3,6 +3,9 @@
 #include <ConfigurationFramework/writing/ChildElements.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 
+#include <functional>
+#include <map>
+#include <optional>
 #include <set>
 
 #include <xercesc/dom/DOMComment.hpp>
@@ -43,15 +46,34 @@ bool isGroup(const ElementChange& change) {
     return group;
 }
 
-/// The children that were added, changed or removed, in the order in which they are written.
-std::vector<ElementChange> changesWithin(const ElementChange& change) {
+const std::vector<WrittenElement>& childrenOf(const WrittenElement* element) {
     static const std::vector<WrittenElement> none;
-    const auto childrenOf = [](const WrittenElement* element) -> const auto& {
-        return element == nullptr ? none : element->children;
-    };
-    const auto find = [](const WrittenElement* element, const ElementId& id, std::size_t expected) {
-        return element == nullptr ? nullptr : element->find(id, expected);
-    };
+    return element == nullptr ? none : element->children;
+}
+
+/// The children of an element, found without a walk over all of them.
+class ChildrenById {
+public:
+    explicit ChildrenById(const WrittenElement* element) {
+        for (const WrittenElement& child : childrenOf(element))
+            m_children.try_emplace(child.id, &child);
+    }
+
+    /// @return first child with that identity; null when there is none
+    const WrittenElement* find(const ElementId& id) const {
+        const auto found = m_children.find(id);
+        return found == m_children.end() ? nullptr : found->second;
+    }
+
+private:
+    std::map<std::reference_wrapper<const ElementId>, const WrittenElement*, std::less<ElementId>>
+        m_children;
+};
+
+/// The children that are added, changed or gone, in the order in which they are written.
+std::vector<ElementChange> changesWithin(const ElementChange& change) {
+    const ChildrenById baseById(change.base);
+    const ChildrenById storedById(change.stored);
     std::vector<ElementChange> changes;
     std::set<const WrittenElement*> seen;
     const auto add = [&](const ElementChange& child) {
@@ -59,14 +81,11 @@ std::vector<ElementChange> changesWithin(const ElementChange& change) {
         if (isChanged(child))
             changes.push_back(child);
     };
-    std::size_t position = 0;
-    for (const WrittenElement& now : childrenOf(change.now)) {
-        add({find(change.base, now.id, position), &now, find(change.stored, now.id, position)});
-        ++position;
-    }
+    for (const WrittenElement& now : childrenOf(change.now))
+        add({baseById.find(now.id), &now, storedById.find(now.id)});
     for (const WrittenElement& base : childrenOf(change.base))
         if (!seen.contains(&base))
-            add({&base, nullptr, find(change.stored, base.id, 0)});
+            add({&base, nullptr, storedById.find(base.id)});
     for (const WrittenElement& stored : childrenOf(change.stored))
         if (!seen.contains(&stored))
             add({nullptr, nullptr, &stored});
@@ -125,9 +144,16 @@ void fill(DOMElement& element, const WrittenElement& contents) {
         element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
 }
 
-bool holds(const DOMElement& element, const WrittenElement& contents) {
-    const WrittenElement present = copyOf(element);
-    return present.text == contents.text && present.children == contents.children;
+/// Goes only as deep as the contents: a document may be nested deeper than the stack.
+bool holds(DOMElement& element, const WrittenElement& contents) {
+    auto expected = contents.children.begin();
+    for (DOMElement* child = element.getFirstElementChild(); child != nullptr;
+         child = child->getNextElementSibling(), ++expected)
+        if (expected == contents.children.end() || expected->id != identityOf(*child) ||
+            !holds(*child, *expected))
+            return false;
+    return expected == contents.children.end() &&
+           (!contents.children.empty() || contents.text == element.getTextContent());
 }
 
 /// Makes a change to a value, as a whole.
@@ -163,26 +189,31 @@ std::set<XmlString> keyedTagsOf(const ElementChange& change) {
     return tags;
 }
 
-/// The first element with a tag below another, at any depth; null when there is none.
-DOMElement* firstBelow(DOMElement& element, const XmlString& tag) {
+/// The tags whose first element below another stands deeper than its children.
+std::set<XmlString> tagsFirstInChildren(DOMElement& element) {
+    std::set<XmlString> seen;
+    std::set<XmlString> deeper;
     for (DOMNode* node = nextBelow(element, &element); node != nullptr;
          node = nextBelow(element, node))
-        if (DOMElement* const found = asElement(node);
-            found != nullptr && tag == found->getTagName())
-            return found;
-    return nullptr;
+        if (const DOMElement* const found = asElement(node);
+            found != nullptr && seen.insert(found->getTagName()).second &&
+            found->getParentNode() != &element)
+            deeper.insert(found->getTagName());
+    return deeper;
 }
 
 /// A list is read from the first element with its tag at any depth. Where a child's would be taken
 /// for it, it goes to the front.
 void keepListsReadable(DOMElement& group, const ElementChange& change) {
-    static const std::vector<WrittenElement> none;
-    for (const WrittenElement& list : change.now == nullptr ? none : change.now->children) {
+    std::optional<std::set<XmlString>> hidden;
+    for (const WrittenElement& list : childrenOf(change.now)) {
         if (!list.isList())
             continue;
-        const DOMElement* const first = firstBelow(group, list.id.tag);
-        if (first == nullptr || first->getParentNode() == &group)
+        if (!hidden)
+            hidden = tagsFirstInChildren(group);
+        if (!hidden->contains(list.id.tag))
             continue;
+        hidden.reset(); // elements stand elsewhere from here on
         DOMElement* present = Siblings(group).find(list.id, false);
         if (present == nullptr) {
             present = &append(group, list.id, list.comment);

@@ -15,13 +15,6 @@ constexpr const XMLCh* itemTag = u"item";
 
 } // namespace
 
-const WrittenElement* WrittenElement::find(const ElementId& child, std::size_t expected) const {
-    if (expected < children.size() && children[expected].id == child)
-        return &children[expected];
-    const auto found = std::ranges::find(children, child, &WrittenElement::id);
-    return found == children.end() ? nullptr : &*found;
-}
-
 bool WrittenElement::operator==(const WrittenElement& other) const {
     return id == other.id && text == other.text && children == other.children;
 }
@@ -40,10 +33,15 @@ bool WrittenElement::isList() const {
            });
 }
 
-WrittenElement copyOf(const xercesc::DOMElement& element) {
-    WrittenElement copy{{element.getTagName(), std::nullopt}};
+ElementId identityOf(const xercesc::DOMElement& element) {
+    ElementId id{element.getTagName(), std::nullopt};
     if (element.hasAttribute(keyAttribute))
-        copy.id.key = element.getAttribute(keyAttribute);
+        id.key = element.getAttribute(keyAttribute);
+    return id;
+}
+
+WrittenElement copyOf(const xercesc::DOMElement& element) {
+    WrittenElement copy{identityOf(element)};
     if (const xercesc::DOMNode* const comment = commentBefore(element))
         copy.comment = comment->getNodeValue();
     for (xercesc::DOMNode* node = element.getFirstChild(); node != nullptr;

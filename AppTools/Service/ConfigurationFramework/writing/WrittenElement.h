@@ -3,7 +3,6 @@
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <compare>
-#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -26,10 +25,6 @@ struct WrittenElement {
     XmlString text = {};    ///< of an element without child elements
     std::vector<WrittenElement> children = {};
 
-    /// @param child    identity to look for
-    /// @param expected position where it is looked for first: objects of one class write alike
-    /// @return first child with that identity; null when there is none
-    const WrittenElement* find(const ElementId& child, std::size_t expected) const;
     /// Whether both hold the same. Comments do not count.
     bool operator==(const WrittenElement& other) const;
     /// @return true for an element whose children are merged one by one; false for a value: a text,
@@ -39,7 +34,10 @@ struct WrittenElement {
     bool isList() const;
 };
 
-/// @return a copy of an element in a document
+ElementId identityOf(const xercesc::DOMElement& element);
+
+/// @return a copy of an element that an object wrote: the copy recurses, and documents of others
+///         may be nested deeper than the stack
 WrittenElement copyOf(const xercesc::DOMElement& element);
 
 } // namespace Orvant
