@@ -165,6 +165,33 @@ TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAfterASave) {
     m_manager.setSaveMode(ConfigurationManager::InPlace);
 }
 
+TEST_F(ConfigurationManagerExplain, IsAboutTheFilesOfTheLastLoadUntilOthersAreLoaded) {
+    writeOne("<View><Zoom>5</Zoom></View>");
+    addView();
+    writeTwo("<View><Zoom>6</Zoom></View>", "");
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:1"}, explained());
+    add(std::make_shared<TestObject>("Other"));
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | '6' | - | :0"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, CallsAResetThatIsNotSavedTheUsers) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    addView();
+    m_manager.resetConfigurationObject("View", false);
+    EXPECT_EQ(Lines{"View/Zoom = '2' user | '2' | '3' | :0"}, explained());
+    ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_EQ(Lines{"View/Zoom = '2' system | '2' | - | system.xml:1"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, FollowsAReload) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    addView();
+    writeTwo("<View>\n<Zoom editable='false'>4</Zoom></View>", "<View><Zoom>3</Zoom></View>");
+    ASSERT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(Lines{"View/Zoom = '4' system locked by View/Zoom | '4' | '3' | system.xml:2"},
+              explained());
+}
+
 TEST_F(ConfigurationManagerExplain, DoesNotTakeFilesForTheSourceOfWhatWasNotLoadedFromThem) {
     addView();
     writeOne("<View><Zoom>5</Zoom></View>");

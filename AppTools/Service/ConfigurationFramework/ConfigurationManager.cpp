@@ -316,11 +316,13 @@ std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const 
 
 std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
     const ConfigurationLayers none;
-    ConfigurationExplaining explaining(m_layers == nullptr ? none : *m_layers);
+    const ConfigurationLayers& layers = m_layers == nullptr ? none : *m_layers;
+    ConfigurationExplaining explaining(layers);
     for (const auto& [name, registration] : m_objects) {
-        const KnownState* const known = knownOf(registration);
-        const bool isLoaded = known != nullptr && known->layers != nullptr && !known->isLoadRefused;
-        explaining.add(registration, isLoaded);
+        // Not knownOf(): other files may be set by now.
+        const KnownState* const known = m_taken.at({registration.name, registration.key}).get();
+        explaining.add(registration, known != nullptr && !known->isLoadRefused &&
+                                         known->layers->user.isOf(layers.user.file()));
     }
     return explaining.takeOrigins();
 }
