@@ -10,6 +10,7 @@ import statistics
 import sys
 
 LIBRARY = "this library"
+LEAST = 0.01  # what takes less did nothing: not to be compared with
 MODES = [f"{LIBRARY}, {mode}" for mode in ("InPlace", "Replace", "Merge")]
 DOM = "XercesDOMParser, parsing only"
 MIDDLE = "1000x20"
@@ -49,7 +50,9 @@ comparable.
 - *Save*: into the user's file, from settings that are loaded. The library compares with the system
   file, which it reads for that; `Merge` also reads the user's file anew. KConfig and QSettings merge
   into what the file holds by then. Boost.PropertyTree and pugixml keep the user's document and write it
-  whole, over the file. After each benchmark, the file is loaded anew and has to hold what was set.
+  whole, over the file. The first save is not counted, except in a row of its own for `Merge`, which
+  then has to find out what the objects were when they were loaded. After each benchmark, the file is
+  loaded anew and has to hold what was set.
 - *Save to the disk*: the same with the files on one, as processor time and as wall time, until the save
   has returned. `InPlace` writes over the file and does not wait for the disk. All others write a new
   file, flush it and rename it over the old one. `Replace` and `Merge` also flush the directory, so that
@@ -89,6 +92,9 @@ Counted in millions of instructions (callgrind, 1,000 × 20), which are the same
   near, the system file would have to be kept between saves, changes noted in the values instead of found
   by comparing, and the file edited as text. Then an object that overrides how it is saved, or a system
   file that changes meanwhile, would be ignored: that is too high a price.
+- **The first `Merge` after a load against `InPlace`** (1,959): every object is written in full, as it is
+  and as it was loaded, 835 each, nearly all of it in Xerces' DOM. What a class writes is up to its own
+  saving, so nothing less tells what has changed. Later saves know what was written and write once.
 - **Growth**: getKeys returns a sorted set, whose time grows with n log n. Look-ups by as many names grow
   less than those in a `std::unordered_set`, and edits by as many names grow like Xerces' own parse of
   them. In the two rows of schemas, instructions grow 11.6 and 11.3 times; the rest is memory: 50,000
@@ -174,7 +180,7 @@ def comparison(subject, counted, results):
         row = [contestant]
         for size in sizes:
             value = of_subject.get((contestant, size))
-            ratios = "" if value is None or contestant.startswith(LIBRARY) else \
+            ratios = "" if value is None or value < LEAST or contestant.startswith(LIBRARY) else \
                 f" ({', '.join(number(of_subject[mine, size] / value) for mine in compared)})"
             row.append("" if value is None else number(value) + ratios)
         rows.append(row)
