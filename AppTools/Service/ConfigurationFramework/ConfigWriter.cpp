@@ -24,6 +24,8 @@ ConfigWriter::ConfigWriter(const std::string& version)
 ConfigWriter::ConfigWriter(const FileName& file, const std::string& content)
     : m_impl(std::make_unique<ConfigWriterImpl>(file, content)) {}
 
+ConfigWriter::ConfigWriter(std::unique_ptr<ConfigWriterImpl> impl) : m_impl(std::move(impl)) {}
+
 ConfigWriter::~ConfigWriter() = default;
 
 void ConfigWriter::createNode(const std::string& name, const std::string& comment) {

@@ -186,6 +186,8 @@ public:
 private:
     friend class ConfigWriterImpl;
 
+    explicit ConfigWriter(std::unique_ptr<ConfigWriterImpl> impl);
+
     std::unique_ptr<ConfigWriterImpl> m_impl;
 };
 

@@ -108,6 +108,10 @@ std::unique_ptr<ConfigWriterImpl> ConfigWriterImpl::openBytes(const std::string&
     return impl;
 }
 
+std::unique_ptr<ConfigWriter> ConfigWriterImpl::open(const std::string& bytes) {
+    return std::unique_ptr<ConfigWriter>(new ConfigWriter(openBytes(bytes)));
+}
+
 ConfigWriterImpl& ConfigWriterImpl::of(const ConfigWriter& writer) {
     return *writer.m_impl;
 }

@@ -31,6 +31,9 @@ public:
     /// @throws ConfigException like ConfigWriter for a document that is not opened
     static std::unique_ptr<ConfigWriterImpl> openBytes(const std::string& bytes);
 
+    /// @return a writer of such a document
+    static std::unique_ptr<ConfigWriter> open(const std::string& bytes);
+
     /// @return what is in a writer
     static ConfigWriterImpl& of(const ConfigWriter& writer);
 

@@ -9,6 +9,7 @@
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
+#include <stdexcept>
 #include <utility>
 
 namespace Orvant {
@@ -31,21 +32,30 @@ bool isSaveOnly(const ConfigurationItemBase& item) {
     return item.isSavable() && !item.isLoadable();
 }
 
+void removeChildren(const std::string& name, WrittenElement& written) {
+    const XmlString tag = XercesHelperFunctions::stringToXmlCh(name);
+    std::erase_if(written.children,
+                  [&](const WrittenElement& child) { return child.id.tag == tag; });
+}
+
+void removeValues(const ConfigurationObject& object, WrittenElement& written) {
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        removeChildren((*value)->getName(), written);
+}
+
 /// Removes what is saved but never loaded: nothing is known of it.
 void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) {
-    const auto remove = [&](const std::string& name) {
-        const XmlString tag = XercesHelperFunctions::stringToXmlCh(name);
-        std::erase_if(written.children,
-                      [&](const WrittenElement& child) { return child.id.tag == tag; });
-    };
     for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
         if (isSaveOnly(**value))
-            remove((*value)->getName());
+            removeChildren((*value)->getName(), written);
     for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
-        if ((*child)->getName().empty())
+        const bool isNameless = (*child)->getName().empty();
+        if (isNameless && isSaveOnly(**child))
+            removeValues(**child, written);
+        else if (isNameless)
             removeSaveOnly(**child, written);
         else if (isSaveOnly(**child))
-            remove((*child)->getName());
+            removeChildren((*child)->getName(), written);
         else
             for (WrittenElement& element : written.children)
                 if (toUtf8(element.id.tag) == (*child)->getName())
@@ -61,7 +71,8 @@ Element find(DocumentTree& tree, Element parent, const WrittenElement& written) 
         return keyed != DocumentTree::none ? keyed : tree.findChildWithoutKey(parent, name);
     }
     const Element child = tree.findChild(parent, name);
-    return child != DocumentTree::none || written.isGroup() ? child : tree.findBelow(parent, name);
+    const bool isList = written.isList() && !written.children.empty();
+    return child != DocumentTree::none || !isList ? child : tree.findBelow(parent, name);
 }
 
 /// Whether a load takes the lock of an element. It does not where a value holds markup.
@@ -78,7 +89,9 @@ void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
             return false;
         if (isLocked(tree, element, child))
             return true;
-        removeLocked(tree, element, child);
+        // A value is locked as a whole; locks of a list's items are for nobody.
+        if (child.isGroup())
+            removeLocked(tree, element, child);
         return false;
     });
 }
@@ -101,8 +114,9 @@ std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& regis
     return written;
 }
 
-ConfigurationChanges::ConfigurationChanges(const LayerDocument* system, const LayerDocument& user)
-    : m_system(system), m_user(user) {
+ConfigurationChanges::ConfigurationChanges(const LayerDocument* system, const LayerDocument& user,
+                                           const LayerDocument* locking)
+    : m_system(system), m_user(user), m_locking(locking) {
     if (system != nullptr)
         system->addTo(m_reference, AdvancedConfigReader::System);
 }
@@ -122,10 +136,10 @@ void ConfigurationChanges::add(const ConfigurationRegistration& registration, Wr
     const bool isUnchanged = base && *base == now;
     // A class may write nothing but differences.
     if (isUnchanged && !(isEmpty && m_system != nullptr)) {
-        m_states.push_back(std::move(now));
+        m_states.push_back({registration, std::move(now)});
         return;
     }
-    m_states.push_back(now);
+    m_states.push_back({registration, now});
     std::optional<WrittenElement> stored = now;
     if (m_system != nullptr) {
         ConfigWriter writer("");
@@ -150,10 +164,16 @@ ConfigurationChanges::baseOf(const ConfigurationRegistration& registration,
                              const ConfigurationManager::KnownState* known) const {
     const bool wasLoaded = known != nullptr && !known->isLoadRefused;
     // All that a lost file held is written again, though only part of it was changed.
-    const bool isLost = wasLoaded && known->layers->user.isAccepted() && !m_user.isAccepted();
+    const bool isLost =
+        m_restoresLostFile && wasLoaded && known->layers->user.isAccepted() && !m_user.isAccepted();
     if (wasLoaded && known->written && !isLost)
         return known->written;
-    const std::unique_ptr<ConfigurationObject> former = makeFresh(*registration.object);
+    std::unique_ptr<ConfigurationObject> former;
+    try {
+        former = makeFresh(*registration.object);
+    } catch (const std::logic_error&) {
+        return std::nullopt; // it is saved as long as nothing has to be compared
+    }
     AdvancedConfigReader reader;
     if (wasLoaded)
         known->layers->system.addTo(reader, AdvancedConfigReader::System);
@@ -178,10 +198,12 @@ std::size_t ConfigurationChanges::mergeInto(xercesc::DOMElement& root) const {
     WrittenElement base = m_base;
     WrittenElement now = m_now;
     WrittenElement stored = m_stored;
-    const LayerDocument& locking = m_system == nullptr ? m_user : *m_system;
-    if (const auto document = locking.document())
-        for (WrittenElement* element : {&base, &now, &stored})
-            removeLocked(document->tree, DocumentTree::root, *element);
+    for (const LayerDocument* const layer : {m_system == nullptr ? &m_user : m_system, m_locking}) {
+        const auto document = layer == nullptr ? nullptr : layer->document();
+        if (document != nullptr)
+            for (WrittenElement* element : {&base, &now, &stored})
+                removeLocked(document->tree, DocumentTree::root, *element);
+    }
     return mergeChanges(root, {&base, &now, &stored});
 }
 

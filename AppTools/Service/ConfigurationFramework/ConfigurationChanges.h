@@ -16,7 +16,10 @@ namespace Orvant {
 
 /// What is known of an object's state in the files.
 struct ConfigurationManager::KnownState {
-    /// The files that the object was loaded from, or that it was last saved to; never null.
+    /// The files as they were at the last load: what saves must neither lose nor ignore; never
+    /// null.
+    std::shared_ptr<const ConfigurationLayers> loaded;
+    /// The files that give the object as it was last loaded, reset or saved; never null.
     std::shared_ptr<const ConfigurationLayers> layers;
     /// The object as it was then, if it is not what a load from these files gives.
     std::optional<WrittenElement> written;
@@ -31,9 +34,13 @@ public:
     /// @param system what objects are compared with, so that only differences are stored; null:
     ///               they are stored in full
     /// @param user   the document that the changes are for
-    ConfigurationChanges(const LayerDocument* system, const LayerDocument& user);
+    /// @param locking what else locks; null: nothing
+    ConfigurationChanges(const LayerDocument* system, const LayerDocument& user,
+                         const LayerDocument* locking = nullptr);
 
-    /// Adds what changed in an object since it was last known; null: it never was.
+    /// Has all that a file held count as changed where the file is missing by now.
+    void restoreLostFile() { m_restoresLostFile = true; }
+    /// Adds what changed in an object since it was last known; null: what is not its default.
     void add(const ConfigurationRegistration& registration,
              const ConfigurationManager::KnownState* known);
     /// Adds everything in an object.
@@ -43,8 +50,12 @@ public:
     /// Puts the document, with the changes merged into it, into the place of the user's in a
     /// reader.
     void addTo(AdvancedConfigReader& reader) const;
-    /// @return the objects as they were added, in that order
-    std::vector<WrittenElement> takeStates() { return std::move(m_states); }
+    /// An object as it was added.
+    struct State {
+        ConfigurationRegistration registration;
+        WrittenElement written;
+    };
+    std::vector<State> takeStates() { return std::move(m_states); }
 
 private:
     void add(const ConfigurationRegistration& registration, WrittenElement now,
@@ -55,8 +66,10 @@ private:
 
     const LayerDocument* m_system;
     const LayerDocument& m_user;
+    const LayerDocument* m_locking;
+    bool m_restoresLostFile = false;
     SystemReader m_reference;
-    std::vector<WrittenElement> m_states;
+    std::vector<State> m_states;
     // Roots that hold the objects that changed.
     WrittenElement m_base{{u"Configuration", {}}};
     WrittenElement m_now{{u"Configuration", {}}};

@@ -12,6 +12,7 @@
 #include <FileHandling/FileUtilities.h>
 #include <GeneralServices/XmlErrorHandler.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvant {
@@ -36,6 +37,13 @@ std::shared_ptr<ParsedDocument> parse(const std::string& bytes) {
     return std::make_shared<ParsedDocument>(bytes, std::move(*parser->getTree()));
 }
 
+bool isAcceptable(const std::string& bytes, const std::list<std::string>& validVersions) try {
+    const std::string version = ConfigWriterImpl::openBytes(bytes)->version();
+    return std::ranges::find(validVersions, version) != validVersions.end();
+} catch (const ConfigException&) {
+    return false;
+}
+
 } // namespace
 
 LayerDocument::LayerDocument(AdvancedConfigReader& reader, const FileName& file,
@@ -51,6 +59,10 @@ LayerDocument::LayerDocument(AdvancedConfigReader& reader, const FileName& file,
         FileBytes read = readBytes(file);
         m_bytes = std::move(read.bytes).value_or("");
         m_error = read.error;
+        if (isAcceptable(m_bytes, validVersions)) { // by now
+            m_error = std::make_error_code(std::errc::io_error);
+            m_bytes.clear();
+        }
     }
 }
 

@@ -11,15 +11,41 @@
 #include <ConfigurationFramework/ConfigurationSaving.h>
 #include <ConfigurationFramework/ElementAddress.h>
 
+#include <ConfigurationFramework/files/FileLinks.h>
+
 #include <FileHandling/FileUtilities.h>
+#include <Logging/Logging.h>
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <ranges>
 #include <stdexcept>
 #include <utility>
 
 namespace Orvant {
+
+namespace {
+
+const Logging s_log("ConfigurationManager");
+
+/// Keeps what fails for one object from the others.
+template <typename Action>
+void guard(const ConfigurationRegistration& registration, Action action) {
+    std::string problem;
+    try {
+        action();
+        return;
+    } catch (const std::exception& e) {
+        problem = e.what();
+    } catch (...) {
+        problem = "it cannot be written as XML";
+    }
+    s_log.logERROR("The object \"" + registration.name + "\" was not reloaded: " + problem,
+                   __FILE__, __func__, __LINE__);
+}
+
+} // namespace
 
 ConfigurationManager ConfigurationManager::s_instance;
 
@@ -32,16 +58,25 @@ ConfigurationManager& ConfigurationManager::getInstance() {
 }
 
 void ConfigurationManager::setConfigurationFile(const FileName& file) {
+    const FileName former = targetFile();
     m_configurationFile = file;
     m_fileMode = SingleFile;
-    ++m_revision;
+    finishFileChange(former);
 }
 
 void ConfigurationManager::setSystemAndUserConfigurationFile(const FileName& systemFile,
                                                              const FileName& userFile) {
+    const FileName former = targetFile();
     m_systemFile = systemFile;
     m_userFile = userFile;
     m_fileMode = SystemAndUserFile;
+    finishFileChange(former);
+}
+
+void ConfigurationManager::finishFileChange(const FileName& formerTarget) {
+    // What was removed is not to be dropped from other files.
+    if (!isSameFile(formerTarget, targetFile()))
+        m_removed.clear();
     ++m_revision;
 }
 
@@ -60,17 +95,19 @@ void ConfigurationManager::addConfigurationObjects(
     std::optional<AdvancedConfigReader> reader;
     unsigned int readRevision = 0;
     bool hasSource = false;
+    std::shared_ptr<const ConfigurationLayers> layers;
     for (const ConfigurationRegistration& registration : registrations) {
         const bool isRegistered = registerObject(registration);
         // An object may set other files, or save, while it is loaded.
         if (!reader || readRevision != m_revision.number()) {
             readRevision = m_revision.number();
             hasSource = addSourceToConfigReader(reader.emplace());
+            layers = m_layers;
         }
-        if (isRegistered && m_layers != nullptr)
-            setKnown(registration, {m_layers, std::nullopt, !mayLoad(*m_layers)});
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
+        if (isRegistered && layers != nullptr)
+            setKnown(registration, {layers, layers, std::nullopt, !mayLoad(*layers)});
     }
 }
 
@@ -146,13 +183,11 @@ bool ConfigurationManager::removeObject(Objects::const_iterator found) {
     return true;
 }
 
-/// @return what is known of a registered object's state in the files that are set now; null:
-///         nothing
+/// @return what is known of a registered object's state in files; null: nothing
 const ConfigurationManager::KnownState*
 ConfigurationManager::knownOf(const ConfigurationRegistration& registration) const {
     const auto found = m_taken.find({registration.name, registration.key});
-    const KnownState* const known = found == m_taken.end() ? nullptr : found->second.get();
-    return known != nullptr && known->layers->user.isOf(targetFile()) ? known : nullptr;
+    return found == m_taken.end() ? nullptr : found->second.get();
 }
 
 void ConfigurationManager::setKnown(const ConfigurationRegistration& registration,
@@ -160,6 +195,19 @@ void ConfigurationManager::setKnown(const ConfigurationRegistration& registratio
     const auto taken = m_taken.find({registration.name, registration.key});
     if (taken != m_taken.end())
         taken->second = std::make_shared<const KnownState>(std::move(state));
+}
+
+/// Keeps what was written to the user's file. The system file stays known as it was loaded, so that
+/// a change of it is noticed.
+void ConfigurationManager::setSaved(const LayerDocument& user) const {
+    auto layers = m_layers == nullptr ? std::make_shared<ConfigurationLayers>()
+                                      : std::make_shared<ConfigurationLayers>(*m_layers);
+    layers->user = user;
+    m_layers = std::move(layers);
+}
+
+bool ConfigurationManager::isAccepted(const std::string& version) const {
+    return std::ranges::find(m_validVersions, version) != m_validVersions.end();
 }
 
 /// @return the file that saves go to; empty: none
@@ -238,6 +286,9 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
         return;
     const ConfigurationRegistration& registration = found->second;
     const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
+    AdvancedConfigReader unused;
+    if (m_systemFileRequired && !mayLoad(readLayers(unused)))
+        return;
     // The user's file alone neither locks nor unlocks.
     const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
     const std::unique_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
@@ -255,11 +306,15 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
                             ? ElementAddress(registration).load(reader, *registration.object)
                             : ConfigurationAccessResult::Success;
     // What the user's file says stays known after a reset from the system's: the reset is a change.
-    auto known = std::make_shared<ConfigurationLayers>();
+    auto layers = std::make_shared<ConfigurationLayers>();
     if (fromSystemFile && m_layers != nullptr)
-        known->user = m_layers->user;
-    (fromSystemFile ? known->system : known->user) = document;
-    setKnown(registration, {std::move(known), std::nullopt});
+        layers->user = m_layers->user;
+    (fromSystemFile ? layers->system : layers->user) = document;
+    const KnownState* const known = knownOf(registration);
+    auto atLoad = known == nullptr ? std::make_shared<ConfigurationLayers>()
+                                   : std::make_shared<ConfigurationLayers>(*known->loaded);
+    (fromSystemFile ? atLoad->system : atLoad->user) = document;
+    setKnown(registration, {std::move(atLoad), std::move(layers), std::nullopt});
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -285,17 +340,20 @@ bool ConfigurationManager::reloadConfiguration() {
     // Loaded is what a save would make of the user's file, so that unsaved changes stay.
     ConfigurationChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
                                  layers->user);
-    for (const auto& [name, registration] : m_objects)
-        if (registration.object->writesContent())
-            changes.add(registration, knownOf(registration));
+    for (const ConfigurationRegistration& registration : getRegistrations())
+        guard(registration, [&] {
+            if (registration.object->writesContent())
+                changes.add(registration, knownOf(registration));
+        });
     changes.addTo(reader);
     m_layers = layers;
     // A copy: an object may register others, or reset the manager, while it is loaded.
-    for (const ConfigurationRegistration& registration : getRegistrations()) {
-        setKnown(registration, {layers, std::nullopt});
-        if (!isUpToDate(registration, reader))
-            loadAnew(registration, reader);
-    }
+    for (const ConfigurationRegistration& registration : getRegistrations())
+        guard(registration, [&] {
+            if (!isUpToDate(registration, reader))
+                loadAnew(registration, reader);
+            setKnown(registration, {layers, layers, std::nullopt});
+        });
     return true;
 }
 

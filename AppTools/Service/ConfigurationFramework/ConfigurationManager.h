@@ -207,7 +207,8 @@ public:
     /// nothing more is reported; neither is what stands below an object without values and
     /// children that writes nothing, since only its class knows what it reads.
     /// @return problems of the system file, then those of the user's, in the order of the text
-    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and what
+    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
+    /// what
     ///         objects throw when they are loaded or saved
     std::vector<ConfigurationProblem> getLoadProblems() const;
     /// Tells for every value of every registered object where it comes from, according to the files
@@ -219,7 +220,8 @@ public:
     /// is the default if the text there does not convert.
     /// @return origins in the order of saving; in an object, values come before children, and these
     ///         before what else the class saves
-    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and what
+    /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
+    /// what
     ///         objects throw when they are loaded or saved
     std::vector<ConfigurationOrigin> explain() const;
 
@@ -287,6 +289,9 @@ private:
     bool countsAsMissing(const LayerDocument& layer) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
+    void setSaved(const LayerDocument& user) const;
+    bool isAccepted(const std::string& version) const;
+    void finishFileChange(const FileName& formerTarget);
     bool addSourceToConfigReader(AdvancedConfigReader& reader);
     bool hasErrors(const FileName& file) const;
     bool save(const FileName& target, const std::string& version, bool differencesOnly) const;

@@ -52,8 +52,12 @@ bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigRea
     const ConfigurationObject& object = *registration.object;
     const auto loaded = makeFresh(object);
     ElementAddress(registration).load(reader, *loaded);
-    if (!object.writesContent())
-        return isSame(object, *loaded, true);
+    if (!object.writesContent()) {
+        // Only its class knows what an object without items loads.
+        const bool hasItems =
+            object.getConfigurationValuesSize() != 0 || object.getConfigurationObjectsSize() != 0;
+        return hasItems && isSame(object, *loaded, true);
+    }
     // Texts are compared: a value that was set may be more exact than its text.
     return isSame(object, *loaded, false) &&
            writeLoaded(registration, object) == writeLoaded(registration, *loaded);

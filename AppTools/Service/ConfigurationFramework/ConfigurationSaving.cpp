@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationChanges.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/files/FileLinks.h>
 #include <ConfigurationFramework/files/FileLock.h>
 #include <ConfigurationFramework/files/FileReplacing.h>
 #include <ConfigurationFramework/files/FileSaving.h>
@@ -127,19 +128,6 @@ void forEachWritten(const Objects& objects, Write write) {
     }
 }
 
-/// @return true when two names lead to the same file, there or not
-bool isSameFile(const FileName& first, const FileName& second) {
-    if (first.toString() == second.toString()) // whatever the file system can tell at the moment
-        return true;
-    const auto firstPath = toPath(first);
-    const auto secondPath = toPath(second);
-    std::error_code error;
-    if (std::filesystem::equivalent(firstPath, secondPath, error))
-        return true;
-    const auto firstName = std::filesystem::weakly_canonical(firstPath, error);
-    return !error && firstName == std::filesystem::weakly_canonical(secondPath, error) && !error;
-}
-
 void makeFolderOf(const FileName& file) {
     const auto folder = toPath(file).parent_path();
     std::error_code error;
@@ -151,27 +139,25 @@ void makeFolderOf(const FileName& file) {
 
 ConfigurationManager::Saving::Saving(const ConfigurationManager& manager, const FileName& target,
                                      bool differencesOnly)
-    : m_manager(manager),
-      m_target(target),
-      m_differencesOnly(differencesOnly),
-      m_report(manager.m_saveReport) {}
+    : m_manager(manager), m_target(target), m_differencesOnly(differencesOnly) {}
 
 bool ConfigurationManager::Saving::run(const std::string& version) {
+    Report report;
     try {
         if (m_differencesOnly && isSameFile(m_manager.m_systemFile, m_target))
             throw SaveFailure(Report::SameFile, "it is also the system file, which is not written");
-        m_report = {Report::Saved};
         if (m_manager.m_saveMode == Merge)
             merge(version);
         else
             write(version);
         return true;
     } catch (...) {
-        m_report = reportOf(std::current_exception());
+        report = reportOf(std::current_exception());
     }
-    m_report.text = quoted(m_target) + " was not saved: " + m_report.text;
-    std::ranges::replace(m_report.text, '\n', ' ');
-    s_log.logERROR(m_report.text, __FILE__, __func__, __LINE__);
+    report.text = quoted(m_target) + " was not saved: " + report.text;
+    std::ranges::replace(report.text, '\n', ' ');
+    s_log.logERROR(report.text, __FILE__, __func__, __LINE__);
+    m_manager.m_saveReport = std::move(report);
     return false;
 }
 
@@ -190,12 +176,13 @@ std::unique_ptr<ConfigWriter>
 ConfigurationManager::Saving::openTarget(const std::string& version) const {
     if (!FileUtilities::exists(m_target))
         return std::make_unique<ConfigWriter>(version);
+    const FileBytes file = readBytes(m_target);
+    if (file.error)
+        throw failureOf(file.error);
     try {
         // What the file holds for others survives.
-        return std::make_unique<ConfigWriter>(m_target, "");
+        return ConfigWriterImpl::open(*file.bytes);
     } catch (const ConfigException&) {
-        if (const std::error_code problem = checkRegularFile(m_target))
-            throw failureOf(problem);
         throw SaveFailure(Report::Damaged, "it is there, but cannot be read as a configuration");
     }
 }
@@ -238,10 +225,23 @@ bool ConfigurationManager::Saving::isOwnTarget() const {
 /// Stores a document that holds all objects.
 void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     const auto layers = store(ConfigWriterImpl::of(writer));
-    if (isOwnTarget())
-        for (const auto& [name, registration] : m_manager.m_objects)
-            if (registration.object->writesContent())
-                m_manager.setKnown(registration, {layers, std::nullopt});
+    if (!isOwnTarget())
+        return;
+    for (const auto& [name, registration] : m_manager.m_objects)
+        if (registration.object->writesContent())
+            setSaved(registration, layers, std::nullopt);
+    m_manager.setSaved(layers->user);
+    m_manager.m_removed.clear();
+}
+
+/// Keeps what was saved of an object, beside what is known of its load.
+void ConfigurationManager::Saving::setSaved(const ConfigurationRegistration& registration,
+                                            std::shared_ptr<const ConfigurationLayers> layers,
+                                            std::optional<WrittenElement> written) const {
+    const KnownState* const known = m_manager.knownOf(registration);
+    const auto loaded =
+        known == nullptr ? std::make_shared<const ConfigurationLayers>() : known->loaded;
+    m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written)});
 }
 
 /// Calls back with what is known of each object that writes something.
@@ -257,41 +257,41 @@ void ConfigurationManager::Saving::forEachKnown(Check check) const {
 /// @throws SaveFailure where what the target holds would be lost because an object does not know it
 void ConfigurationManager::Saving::checkUserFile() {
     forEachKnown([&](const std::string& name, const KnownState& known) {
+        const LayerDocument& atLoad = known.loaded->user;
+        if (!isSameFile(atLoad.file(), m_target))
+            return;
         if (known.isLoadRefused)
             throw SaveFailure(Report::NotLoaded, "the object \"" + name +
                                                      "\" was not loaded, for want of " +
                                                      quoted(m_manager.m_systemFile));
-        checkLayer(known.layers->user, m_user, name);
+        if (!atLoad.isRefused() || m_manager.countsAsMissing(atLoad))
+            return;
+        if (m_user.file().empty())
+            m_user = readUserFile();
+        checkLayer(atLoad, m_user, name);
     });
 }
 
 /// @throws SaveFailure where what the system file says and locks would be ignored
-void ConfigurationManager::Saving::checkSystemFile() {
+void ConfigurationManager::Saving::checkSystemFile() const {
     if (m_manager.m_systemFileRequired && !m_system.isAccepted())
         throw m_system.exists() ? failureOf(m_system)
                                 : SaveFailure(Report::NotLoaded, quoted(m_manager.m_systemFile) +
                                                                      " is required but missing");
     forEachKnown([&](const std::string& name, const KnownState& known) {
-        if (!known.layers->system.isOf(m_manager.m_systemFile))
+        const LayerDocument& atLoad = known.loaded->system;
+        if (!isSameFile(atLoad.file(), m_manager.m_systemFile))
             return;
-        if (known.layers->system.isAccepted() && m_system.isRefused())
+        if (atLoad.isAccepted() && m_system.isRefused())
             throw failureOf(m_system);
-        checkLayer(known.layers->system, m_system, name);
+        checkLayer(atLoad, m_system, name);
     });
 }
 
-/// @param atLoad what an object was loaded from
-/// @param now    the same layer; read if that was not done yet
-/// @throws SaveFailure for a file that could not be read when the object was loaded, but can be now
-void ConfigurationManager::Saving::checkLayer(const LayerDocument& atLoad, LayerDocument& now,
-                                              const std::string& name) const {
-    const bool isTarget = &now == &m_user;
-    if (!atLoad.isRefused() || m_manager.countsAsMissing(atLoad) ||
-        (isTarget && !isSameFile(atLoad.file(), m_target)))
-        return;
-    if (isTarget && now.file().empty())
-        now = readUserFile();
-    if (now.isAccepted())
+/// @throws SaveFailure for a file that was not accepted when the object was loaded, but is now
+void ConfigurationManager::Saving::checkLayer(const LayerDocument& atLoad, const LayerDocument& now,
+                                              const std::string& name) {
+    if (atLoad.isRefused() && now.isAccepted())
         throw SaveFailure(Report::NotLoaded,
                           quoted(now.file()) + " could not be read when the object \"" + name +
                               "\" was loaded, and what it holds would be lost",
@@ -318,12 +318,15 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     checkUserFile();
     readSystemFile();
     const bool hasDocument = m_user.isAccepted();
+    if (!hasDocument && !m_manager.isAccepted(version))
+        throw SaveFailure(Report::OtherVersion, "the version \"" + version + "\" is not accepted");
     const auto document = hasDocument ? ConfigWriterImpl::openBytes(m_user.bytes())
                                       : std::make_unique<ConfigWriterImpl>(version);
-    mergeInto(*document, hasDocument ? version : std::string());
-    if (lock.state() == FileLock::State::NotMade && m_report.reason == Report::Saved)
-        m_report.text += (m_report.text.empty() ? "" : "; ") + quoted(m_target) +
-                         " was saved without a lock: " + lock.error().message();
+    mergeInto(*document, version);
+    Report& report = m_manager.m_saveReport;
+    if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)
+        report.text += (report.text.empty() ? "" : "; ") + quoted(m_target) +
+                       " was saved without a lock: " + lock.error().message();
 }
 
 void ConfigurationManager::Saving::readSystemFile() {
@@ -335,41 +338,59 @@ void ConfigurationManager::Saving::readSystemFile() {
     checkSystemFile();
 }
 
-/// @param version to be given to the document; empty: it keeps its own
 void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
                                              const std::string& version) {
-    ConfigurationChanges changes(m_differencesOnly ? &m_system : nullptr, m_user);
+    std::size_t count = dropRemoved(document);
+    const bool isLoadedSystemLocking =
+        m_differencesOnly && m_manager.m_layers != nullptr && !m_system.isAccepted();
+    ConfigurationChanges changes(m_differencesOnly ? &m_system : nullptr, m_user,
+                                 isLoadedSystemLocking ? &m_manager.m_layers->system : nullptr);
+    changes.restoreLostFile();
     forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
-        if (isOwnTarget())
+        if (isKnownInTarget(registration))
             changes.add(registration, m_manager.knownOf(registration));
         else
             changes.addAll(registration);
     });
-    std::size_t count = changes.mergeInto(document.root()) + dropRemoved(document);
-    const auto& accepted = m_manager.m_validVersions;
-    if (!version.empty() && document.version() != version &&
-        std::ranges::find(accepted, version) != accepted.end()) {
+    count += changes.mergeInto(document.root());
+    if (document.version() != version && m_manager.isAccepted(version)) {
         document.setVersion(version);
         ++count;
     }
-    if (count == 0) {
-        m_report.reason = Report::NothingToSave;
-        return;
-    }
-    const auto layers = store(document);
+    std::shared_ptr<const ConfigurationLayers> layers;
+    if (count != 0)
+        layers = store(document);
+    else
+        layers = std::make_shared<const ConfigurationLayers>(m_system, m_user);
+    if (count == 0)
+        m_manager.m_saveReport = {};
     if (!isOwnTarget())
         return;
-    auto states = changes.takeStates();
-    auto state = states.begin();
-    for (const auto& [name, registration] : m_manager.m_objects)
-        if (registration.object->writesContent())
-            m_manager.setKnown(registration, {layers, std::move(*state++)});
+    for (auto& [registration, written] : changes.takeStates())
+        setSaved(registration, layers, std::move(written));
+    // What others wrote meanwhile is not taken over yet.
+    const bool holdsOthers =
+        m_manager.m_layers != nullptr && !m_manager.m_layers->user.holdsSame(m_user);
+    if (!holdsOthers)
+        m_manager.setSaved(layers->user);
+    m_manager.m_removed.clear();
+}
+
+/// Whether it is known what an object had in the target, and that is still there.
+bool ConfigurationManager::Saving::isKnownInTarget(
+    const ConfigurationRegistration& registration) const {
+    const KnownState* const known = m_manager.knownOf(registration);
+    const auto wasItsElement = [&](const Address& removed) {
+        return removed.first == registration.name && (!removed.second || !registration.key);
+    };
+    return isOwnTarget() && known != nullptr && isSameFile(known->layers->user.file(), m_target) &&
+           std::ranges::none_of(m_manager.m_removed, wasItsElement);
 }
 
 /// Writes a finished document to the file.
 /// @return what the files hold now
 std::shared_ptr<const ConfigurationLayers>
-ConfigurationManager::Saving::store(ConfigWriterImpl& document) {
+ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
     PrintedDocument printed = document.print();
     if (!printed.problem.empty())
         throw SaveFailure(Report::InvalidContent, printed.problem);
@@ -378,19 +399,15 @@ ConfigurationManager::Saving::store(ConfigWriterImpl& document) {
                                : replaceFile(m_target, printed.text);
     if (saved.error)
         throw failureOf(saved.error);
-    m_report.writtenInPlace = saved.inPlace;
+    Report report{Report::Saved};
+    report.writtenInPlace = saved.inPlace;
     if (saved.inPlace && m_manager.m_saveMode != InPlace)
-        m_report.text = quoted(m_target) + " was written in place, for it could not be replaced by "
-                                           "a new file";
-    const auto& versions = m_manager.m_validVersions;
-    const bool isAccepted = std::ranges::find(versions, document.version()) != versions.end();
-    auto layers = std::make_shared<ConfigurationLayers>(
-        m_system, LayerDocument(m_target, std::move(printed.text), isAccepted));
-    if (isOwnTarget()) {
-        m_manager.m_layers = layers;
-        m_manager.m_removed.clear();
-    }
-    return layers;
+        report.text = quoted(m_target) + " was written in place, for it could not be replaced by a "
+                                         "new file";
+    m_manager.m_saveReport = std::move(report);
+    return std::make_shared<const ConfigurationLayers>(
+        m_system,
+        LayerDocument(m_target, std::move(printed.text), m_manager.isAccepted(document.version())));
 }
 
 } // namespace Orvant

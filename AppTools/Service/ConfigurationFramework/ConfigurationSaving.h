@@ -3,11 +3,13 @@
 #include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/ConfigurationSaveReport.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
 
 #include <FileHandling/FileName.h>
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -31,7 +33,7 @@ private:
     std::error_code m_error;
 };
 
-/// One save of the manager's objects to a file. What happens goes to the manager's report.
+/// One save of the manager's objects to a file. How it went goes to the manager's report.
 class ConfigurationManager::Saving {
 public:
     /// @param differencesOnly true: only what differs from the system file is written
@@ -58,20 +60,24 @@ private:
     void storeAll(const ConfigWriter& writer);
     void merge(const std::string& version);
     void mergeInto(ConfigWriterImpl& document, const std::string& version);
-    std::shared_ptr<const ConfigurationLayers> store(ConfigWriterImpl& document);
+    std::shared_ptr<const ConfigurationLayers> store(ConfigWriterImpl& document) const;
+    void setSaved(const ConfigurationRegistration& registration,
+                  std::shared_ptr<const ConfigurationLayers> layers,
+                  std::optional<WrittenElement> written) const;
 
     template <typename Check>
     void forEachKnown(Check check) const;
     void checkUserFile();
-    void checkSystemFile();
-    void checkLayer(const LayerDocument& atLoad, LayerDocument& now, const std::string& name) const;
+    void checkSystemFile() const;
+    static void checkLayer(const LayerDocument& atLoad, const LayerDocument& now,
+                           const std::string& name);
+    bool isKnownInTarget(const ConfigurationRegistration& registration) const;
     LayerDocument readUserFile() const;
     void readSystemFile();
 
     const ConfigurationManager& m_manager;
     const FileName& m_target;
     bool m_differencesOnly;
-    ConfigurationSaveReport& m_report;
     LayerDocument m_system; ///< now, when it was read
     LayerDocument m_user;   ///< the target now, when it was read
 };

@@ -11,6 +11,7 @@
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 
@@ -92,6 +93,14 @@ std::vector<ElementChange> changesWithin(const ElementChange& change) {
     return changes;
 }
 
+/// Removes an element with its comment.
+void removeElement(DOMElement& element) {
+    DOMNode& parent = *element.getParentNode();
+    if (DOMNode* const comment = commentBefore(element))
+        parent.removeChild(comment)->release();
+    parent.removeChild(&element)->release();
+}
+
 /// The child elements of one element, found as readers find them.
 class Siblings {
 public:
@@ -101,17 +110,23 @@ public:
                 add(*element);
     }
     void add(DOMElement& element) { m_children.add(element); }
-    void remove(const DOMElement& element) {
-        m_children.take({element.getTagName(), XmlString(element.getAttribute(keyAttribute))});
-    }
 
     /// @param areKeyed whether the tag's elements are told apart by keys
     DOMElement* find(const ElementId& id, bool areKeyed) const {
-        // Asked for a tag without a key, readers take the first element of the tag.
-        return m_children.find({id.tag, areKeyed ? id.key.value_or(XmlString()) : id.key});
+        return m_children.find(selectionOf(id, areKeyed));
+    }
+    /// Removes an element with all that would be found in its place.
+    void remove(const DOMElement& element, bool areKeyed) {
+        for (DOMElement* namesake : m_children.take(selectionOf(identityOf(element), areKeyed)))
+            removeElement(*namesake);
     }
 
 private:
+    /// Asked for a tag without a key, readers take the first element of the tag.
+    static ChildSelection selectionOf(const ElementId& id, bool areKeyed) {
+        return {id.tag, areKeyed ? id.key.value_or(XmlString()) : id.key};
+    }
+
     ChildElements m_children;
 };
 
@@ -124,14 +139,6 @@ DOMElement& append(DOMElement& parent, const ElementId& id, const XmlString& com
         parent.appendChild(document.createComment(comment.c_str()));
     parent.appendChild(&element);
     return element;
-}
-
-/// Removes an element with its comment.
-void remove(DOMElement& element) {
-    DOMNode& parent = *element.getParentNode();
-    if (DOMNode* const comment = commentBefore(element))
-        parent.removeChild(comment)->release();
-    parent.removeChild(&element)->release();
 }
 
 /// Gives an element the contents of another; its attributes stay.
@@ -162,8 +169,7 @@ std::size_t replaceValue(DOMElement& parent, Siblings& siblings, DOMElement* pre
     if (change.stored == nullptr) {
         if (present == nullptr)
             return 0;
-        siblings.remove(*present);
-        remove(*present);
+        siblings.remove(*present, idOf(change).key.has_value());
         return 1;
     }
     if (present == nullptr) {
@@ -189,31 +195,38 @@ std::set<XmlString> keyedTagsOf(const ElementChange& change) {
     return tags;
 }
 
-/// The tags whose first element below another stands deeper than its children.
-std::set<XmlString> tagsFirstInChildren(DOMElement& element) {
+bool holdsItems(DOMElement& element) {
+    const DOMElement* const first = element.getFirstElementChild();
+    return first != nullptr && xercesc::XMLString::equals(first->getTagName(), itemTag);
+}
+
+/// The elements that are the first of their tag below another, but not among its children.
+std::map<XmlString, DOMElement*> firstInChildren(DOMElement& element) {
     std::set<XmlString> seen;
-    std::set<XmlString> deeper;
+    std::map<XmlString, DOMElement*> deeper;
     for (DOMNode* node = nextBelow(element, &element); node != nullptr;
          node = nextBelow(element, node))
-        if (const DOMElement* const found = asElement(node);
-            found != nullptr && seen.insert(found->getTagName()).second &&
-            found->getParentNode() != &element)
-            deeper.insert(found->getTagName());
+        if (DOMElement* const found = asElement(node); found != nullptr &&
+                                                       seen.insert(found->getTagName()).second &&
+                                                       found->getParentNode() != &element)
+            deeper.emplace(found->getTagName(), found);
     return deeper;
 }
 
 /// A list is read from the first element with its tag at any depth. Where a child's would be taken
-/// for it, it goes to the front.
+/// for it, it goes to the front. An empty one may be no list at all; it stays unless it would be
+/// read with the items of another.
 void keepListsReadable(DOMElement& group, const ElementChange& change) {
-    std::optional<std::set<XmlString>> hidden;
+    std::optional<std::map<XmlString, DOMElement*>> hiding;
     for (const WrittenElement& list : childrenOf(change.now)) {
         if (!list.isList())
             continue;
-        if (!hidden)
-            hidden = tagsFirstInChildren(group);
-        if (!hidden->contains(list.id.tag))
+        if (!hiding)
+            hiding = firstInChildren(group);
+        const auto found = hiding->find(list.id.tag);
+        if (found == hiding->end() || (list.children.empty() && !holdsItems(*found->second)))
             continue;
-        hidden.reset(); // elements stand elsewhere from here on
+        hiding.reset(); // elements stand elsewhere from here on
         DOMElement* present = Siblings(group).find(list.id, false);
         if (present == nullptr) {
             present = &append(group, list.id, list.comment);
@@ -241,8 +254,8 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
         keepListsReadable(*present, change);
     // An element that was emptied, or was made and stayed empty, is removed.
     if ((isNew || count != 0) && !present->hasChildNodes()) {
-        siblings.remove(*present);
-        remove(*present);
+        // Under the same name others may have elements with keys.
+        siblings.remove(*present, true);
     }
     return count;
 }

@@ -8,13 +8,6 @@
 
 namespace Orvant {
 
-namespace {
-
-/// The tag of the items of a list.
-constexpr const XMLCh* itemTag = u"item";
-
-} // namespace
-
 bool WrittenElement::operator==(const WrittenElement& other) const {
     return id == other.id && text == other.text && children == other.children;
 }

@@ -10,6 +10,9 @@
 
 namespace Orvant {
 
+/// The tag of the items of a list.
+constexpr const XMLCh* itemTag = u"item";
+
 /// What tells the children of an element apart.
 struct ElementId {
     XmlString tag;
