@@ -111,7 +111,8 @@ int GenerationsFixture::generationOfFile() const {
     const std::string former = textOf(m_sampleGeneration);
     const std::string text = textOf(generation);
     std::string expected = m_sample;
-    for (auto at = expected.find(former); at != expected.npos; at = expected.find(former, at + 1))
+    for (auto at = expected.find(former); at != expected.npos;
+         at = expected.find(former, at + text.size()))
         expected.replace(at, former.size(), text);
     return bytes == expected ? generation : 0;
 }
@@ -139,7 +140,8 @@ std::shared_ptr<TestObject> GenerationsFixture::makeObject() const {
 
 std::string GenerationsFixture::textOf(int generation) const {
     std::string text = std::to_string(generation) + " ";
-    text.resize(m_size, 'x');
+    const auto tenths = static_cast<std::size_t>(10 + generation % 3);
+    text.resize(m_size * tenths / 10, 'x');
     return text;
 }
 

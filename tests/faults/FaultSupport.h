@@ -59,7 +59,7 @@ class GenerationsFixture : public FaultFixture {
 protected:
     /// Saves a first generation. With two files, the system file holds an earlier one.
     /// @param texts number of texts
-    /// @param size  bytes of each
+    /// @param size  bytes of each; up to a fifth more in some generations
     GenerationsFixture(SaveMode mode, bool twoFiles, int texts, std::size_t size);
 
     /// Loads the object from the files as they are.
