@@ -2,13 +2,13 @@
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/ConfigurationChanges.h>
-#include <ConfigurationFramework/ConfigurationChecking.h>
-#include <ConfigurationFramework/ConfigurationExplaining.h>
-#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManagerChanges.h>
+#include <ConfigurationFramework/ConfigurationManagerChecking.h>
+#include <ConfigurationFramework/ConfigurationManagerExplaining.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
+#include <ConfigurationFramework/ConfigurationManagerReloading.h>
+#include <ConfigurationFramework/ConfigurationManagerSaving.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationReloading.h>
-#include <ConfigurationFramework/ConfigurationSaving.h>
 #include <ConfigurationFramework/ElementAddress.h>
 
 #include <ConfigurationFramework/files/FileLinks.h>
@@ -95,7 +95,7 @@ void ConfigurationManager::addConfigurationObjects(
     std::optional<AdvancedConfigReader> reader;
     unsigned int readRevision = 0;
     bool hasSource = false;
-    std::shared_ptr<const ConfigurationLayers> layers;
+    std::shared_ptr<const ConfigurationManagerLayers> layers;
     for (const ConfigurationRegistration& registration : registrations) {
         const bool isRegistered = registerObject(registration);
         // An object may set other files, or save, while it is loaded.
@@ -200,8 +200,8 @@ void ConfigurationManager::setKnown(const ConfigurationRegistration& registratio
 /// Keeps what was written to the user's file. The system file stays known as it was loaded, so that
 /// a change of it is noticed.
 void ConfigurationManager::setSaved(const LayerDocument& user) const {
-    auto layers = m_layers == nullptr ? std::make_shared<ConfigurationLayers>()
-                                      : std::make_shared<ConfigurationLayers>(*m_layers);
+    auto layers = m_layers == nullptr ? std::make_shared<ConfigurationManagerLayers>()
+                                      : std::make_shared<ConfigurationManagerLayers>(*m_layers);
     layers->user = user;
     m_layers = std::move(layers);
 }
@@ -218,8 +218,8 @@ FileName ConfigurationManager::targetFile() const {
 }
 
 /// Adds the files to a reader and keeps what they hold.
-ConfigurationLayers ConfigurationManager::readLayers(AdvancedConfigReader& reader) const {
-    ConfigurationLayers layers;
+ConfigurationManagerLayers ConfigurationManager::readLayers(AdvancedConfigReader& reader) const {
+    ConfigurationManagerLayers layers;
     if (m_fileMode == SystemAndUserFile)
         layers.system = LayerDocument(reader, m_systemFile, AdvancedConfigReader::Priority::System,
                                       m_validVersions);
@@ -230,16 +230,16 @@ ConfigurationLayers ConfigurationManager::readLayers(AdvancedConfigReader& reade
 }
 
 bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader) {
-    ConfigurationLayers layers = readLayers(reader);
+    ConfigurationManagerLayers layers = readLayers(reader);
     if (m_fileMode == NoFiles)
         m_layers = nullptr;
     else if (m_layers == nullptr || !m_layers->holdSame(layers)) // one copy for many loads
-        m_layers = std::make_shared<const ConfigurationLayers>(std::move(layers));
+        m_layers = std::make_shared<const ConfigurationManagerLayers>(std::move(layers));
     return m_layers != nullptr && mayLoad(*m_layers) &&
            (m_layers->system.isAccepted() || m_layers->user.isAccepted());
 }
 
-bool ConfigurationManager::mayLoad(const ConfigurationLayers& layers) const {
+bool ConfigurationManager::mayLoad(const ConfigurationManagerLayers& layers) const {
     return !m_systemFileRequired || m_fileMode != SystemAndUserFile || layers.system.isAccepted();
 }
 
@@ -306,13 +306,13 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
                             ? ElementAddress(registration).load(reader, *registration.object)
                             : ConfigurationAccessResult::Success;
     // What the user's file says stays known after a reset from the system's: the reset is a change.
-    auto layers = std::make_shared<ConfigurationLayers>();
+    auto layers = std::make_shared<ConfigurationManagerLayers>();
     if (fromSystemFile && m_layers != nullptr)
         layers->user = m_layers->user;
     (fromSystemFile ? layers->system : layers->user) = document;
     const KnownState* const known = knownOf(registration);
-    auto atLoad = known == nullptr ? std::make_shared<ConfigurationLayers>()
-                                   : std::make_shared<ConfigurationLayers>(*known->loaded);
+    auto atLoad = known == nullptr ? std::make_shared<ConfigurationManagerLayers>()
+                                   : std::make_shared<ConfigurationManagerLayers>(*known->loaded);
     (fromSystemFile ? atLoad->system : atLoad->user) = document;
     setKnown(registration, {std::move(atLoad), std::move(layers), std::nullopt});
     // Even when no file was read: a class may unlock itself when it sets its defaults.
@@ -333,13 +333,13 @@ bool ConfigurationManager::haveFilesChanged() const {
 
 bool ConfigurationManager::reloadConfiguration() {
     AdvancedConfigReader reader;
-    const auto layers = std::make_shared<const ConfigurationLayers>(readLayers(reader));
+    const auto layers = std::make_shared<const ConfigurationManagerLayers>(readLayers(reader));
     const bool isUserUsable = !layers->user.isRefused() || countsAsMissing(layers->user);
     if (layers->system.isRefused() || !isUserUsable || !mayLoad(*layers))
         return false;
     // Loaded is what a save would make of the user's file, so that unsaved changes stay.
-    ConfigurationChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
-                                 layers->user);
+    ConfigurationManagerChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
+                                        layers->user);
     for (const ConfigurationRegistration& registration : getRegistrations())
         guard(registration, [&] {
             if (registration.object->writesContent())
@@ -366,16 +366,16 @@ bool ConfigurationManager::countsAsMissing(const LayerDocument& layer) const {
 std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {
     if (m_layers == nullptr)
         return {};
-    ConfigurationChecking checking(*m_layers, m_validVersions, m_systemFileRequired);
+    ConfigurationManagerChecking checking(*m_layers, m_validVersions, m_systemFileRequired);
     for (const auto& [name, registration] : m_objects)
         checking.add(registration);
     return checking.problems();
 }
 
 std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
-    const ConfigurationLayers none;
-    const ConfigurationLayers& layers = m_layers == nullptr ? none : *m_layers;
-    ConfigurationExplaining explaining(layers);
+    const ConfigurationManagerLayers none;
+    const ConfigurationManagerLayers& layers = m_layers == nullptr ? none : *m_layers;
+    ConfigurationManagerExplaining explaining(layers);
     for (const auto& [name, registration] : m_objects) {
         // Not knownOf(): other files may be set by now.
         const KnownState* const known = m_taken.at({registration.name, registration.key}).get();

@@ -22,7 +22,7 @@ namespace Orvant {
 
 class AdvancedConfigReader;
 class ConfigurationObject;
-struct ConfigurationLayers;
+struct ConfigurationManagerLayers;
 class LayerDocument;
 class ConfigWriter;
 
@@ -166,9 +166,11 @@ public:
         /// counts as missing. Locked values are not written, not even if the application set them.
         /// The file gets the version that the save is given, provided that loading accepts it.
         ///
-        /// A value that is saved but never loaded (SaveOnly) counts as changed. An object that was
-        /// not loaded has changed what differs from its defaults. So does every object if the file
-        /// is missing: it may have been lost. A reset to the system file's values is a change.
+        /// A value that is saved but never loaded (SaveOnly) counts as changed. So does all that a
+        /// file held which is missing by now: it may have been lost. A reset to the system file's
+        /// values is a change. Objects that were registered before the files were set, or loaded
+        /// from others, replace what the file holds for them, as in the other modes. An object that
+        /// is loaded from the element without its key is copied to one with the key.
         Merge = 2
     };
     /// @param mode how saves work from now on; InPlace at first
@@ -190,11 +192,15 @@ public:
     /// @return how the last save went; valid until the next
     const ConfigurationSaveReport& getSaveReport() const { return m_saveReport; }
 
-    /// @return true when the files hold something else than at the last load, reload or save; false
-    ///         when there was none
+    /// @return true when the files hold something that this process has neither loaded nor saved;
+    ///         false when it did neither. A save does not take over what others wrote: this stays
+    ///         true until they are reloaded.
     bool haveFilesChanged() const;
     /// Takes over what others wrote to the files. Values that were changed here and not saved stay
-    /// unless they are locked by now. Observers of the objects that change are signalled.
+    /// unless they are locked by now. Observers of the objects that change are signalled. An object
+    /// that cannot be written or loaded stays as it is, with an error in the log. A class that
+    /// keeps more than its values resets that in setDefaultValues(). No other thread may read the
+    /// objects meanwhile.
     /// @return false when a file is there but cannot be read or is not accepted, or a required
     ///         system file is missing; then nothing is taken over
     bool reloadConfiguration();
@@ -208,8 +214,7 @@ public:
     /// children that writes nothing, since only its class knows what it reads.
     /// @return problems of the system file, then those of the user's, in the order of the text
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
-    /// what
-    ///         objects throw when they are loaded or saved
+    ///         what objects throw when they are loaded or saved
     std::vector<ConfigurationProblem> getLoadProblems() const;
     /// Tells for every value of every registered object where it comes from, according to the files
     /// as they were at the last load or save. Includes values that are never saved, and what a
@@ -221,8 +226,7 @@ public:
     /// @return origins in the order of saving; in an object, values come before children, and these
     ///         before what else the class saves
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
-    /// what
-    ///         objects throw when they are loaded or saved
+    ///         what objects throw when they are loaded or saved
     std::vector<ConfigurationOrigin> explain() const;
 
     /// Unregisters an object; the next save drops its element from the file.
@@ -272,7 +276,7 @@ private:
     using Address = std::pair<std::string, std::optional<std::string>>; ///< name and key
     using Objects = std::multimap<std::string, ConfigurationRegistration>;
 
-    friend class ConfigurationChanges; // which needs what is known of an object
+    friend class ConfigurationManagerChanges; // which needs what is known of an object
     struct ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT KnownState;
     class ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT Saving;
 
@@ -284,8 +288,8 @@ private:
     void resetObject(Objects::const_iterator found, bool fromUserFile);
 
     FileName targetFile() const;
-    ConfigurationLayers readLayers(AdvancedConfigReader& reader) const;
-    bool mayLoad(const ConfigurationLayers& layers) const;
+    ConfigurationManagerLayers readLayers(AdvancedConfigReader& reader) const;
+    bool mayLoad(const ConfigurationManagerLayers& layers) const;
     bool countsAsMissing(const LayerDocument& layer) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
@@ -318,7 +322,7 @@ private:
     mutable ConfigurationSaveReport m_saveReport;
     mutable std::set<Address> m_removed; ///< the next save drops their elements
     /// What the files held at the last load or save; null: there was none.
-    mutable std::shared_ptr<const ConfigurationLayers> m_layers;
+    mutable std::shared_ptr<const ConfigurationManagerLayers> m_layers;
 };
 
 } // namespace Orvant

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -114,24 +114,25 @@ std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& regis
     return written;
 }
 
-ConfigurationChanges::ConfigurationChanges(const LayerDocument* system, const LayerDocument& user,
-                                           const LayerDocument* locking)
+ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* system,
+                                                         const LayerDocument& user,
+                                                         const LayerDocument* locking)
     : m_system(system), m_user(user), m_locking(locking) {
     if (system != nullptr)
         system->addTo(m_reference, AdvancedConfigReader::System);
 }
 
-void ConfigurationChanges::add(const ConfigurationRegistration& registration,
-                               const ConfigurationManager::KnownState* known) {
+void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
+                                      const ConfigurationManager::KnownState* known) {
     add(registration, writeInFull(registration, *registration.object), baseOf(registration, known));
 }
 
-void ConfigurationChanges::addAll(const ConfigurationRegistration& registration) {
+void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
     add(registration, writeInFull(registration, *registration.object), std::nullopt);
 }
 
-void ConfigurationChanges::add(const ConfigurationRegistration& registration, WrittenElement now,
-                               std::optional<WrittenElement> base) {
+void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
+                                      WrittenElement now, std::optional<WrittenElement> base) {
     const bool isEmpty = now.children.empty() && now.text.empty();
     const bool isUnchanged = base && *base == now;
     // A class may write nothing but differences.
@@ -160,8 +161,8 @@ void ConfigurationChanges::add(const ConfigurationRegistration& registration, Wr
 
 /// The object as this process last knew it to be in the files; nothing: not at all.
 std::optional<WrittenElement>
-ConfigurationChanges::baseOf(const ConfigurationRegistration& registration,
-                             const ConfigurationManager::KnownState* known) const {
+ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registration,
+                                    const ConfigurationManager::KnownState* known) const {
     const bool wasLoaded = known != nullptr && !known->isLoadRefused;
     // All that a lost file held is written again, though only part of it was changed.
     const bool isLost =
@@ -184,7 +185,8 @@ ConfigurationChanges::baseOf(const ConfigurationRegistration& registration,
 }
 
 /// Whether the document has the object only under its name without a key.
-bool ConfigurationChanges::isFallbackUsed(const ConfigurationRegistration& registration) const {
+bool ConfigurationManagerChanges::isFallbackUsed(
+    const ConfigurationRegistration& registration) const {
     const auto document = m_user.document();
     if (!registration.key || document == nullptr)
         return false;
@@ -194,7 +196,7 @@ bool ConfigurationChanges::isFallbackUsed(const ConfigurationRegistration& regis
            tree.findChildWithoutKey(DocumentTree::root, registration.name) != DocumentTree::none;
 }
 
-std::size_t ConfigurationChanges::mergeInto(xercesc::DOMElement& root) const {
+std::size_t ConfigurationManagerChanges::mergeInto(xercesc::DOMElement& root) const {
     WrittenElement base = m_base;
     WrittenElement now = m_now;
     WrittenElement stored = m_stored;
@@ -207,7 +209,7 @@ std::size_t ConfigurationChanges::mergeInto(xercesc::DOMElement& root) const {
     return mergeChanges(root, {&base, &now, &stored});
 }
 
-void ConfigurationChanges::addTo(AdvancedConfigReader& reader) const {
+void ConfigurationManagerChanges::addTo(AdvancedConfigReader& reader) const {
     const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
                                               : std::make_unique<ConfigWriterImpl>("");
     if (mergeInto(document->root()) != 0)

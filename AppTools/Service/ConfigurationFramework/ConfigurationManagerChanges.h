@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
@@ -18,9 +18,9 @@ namespace Orvant {
 struct ConfigurationManager::KnownState {
     /// The files as they were at the last load: what saves must neither lose nor ignore; never
     /// null.
-    std::shared_ptr<const ConfigurationLayers> loaded;
+    std::shared_ptr<const ConfigurationManagerLayers> loaded;
     /// The files that give the object as it was last loaded, reset or saved; never null.
-    std::shared_ptr<const ConfigurationLayers> layers;
+    std::shared_ptr<const ConfigurationManagerLayers> layers;
     /// The object as it was then, if it is not what a load from these files gives.
     std::optional<WrittenElement> written;
     /// The object was registered, but the files were not to be loaded.
@@ -29,14 +29,14 @@ struct ConfigurationManager::KnownState {
 
 /// What the application changed in objects, to be merged into a document that others may have
 /// changed.
-class ConfigurationChanges {
+class ConfigurationManagerChanges {
 public:
     /// @param system what objects are compared with, so that only differences are stored; null:
     ///               they are stored in full
     /// @param user   the document that the changes are for
     /// @param locking what else locks; null: nothing
-    ConfigurationChanges(const LayerDocument* system, const LayerDocument& user,
-                         const LayerDocument* locking = nullptr);
+    ConfigurationManagerChanges(const LayerDocument* system, const LayerDocument& user,
+                                const LayerDocument* locking = nullptr);
 
     /// Has all that a file held count as changed where the file is missing by now.
     void restoreLostFile() { m_restoresLostFile = true; }

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ConfigurationChecking.h>
+#include <ConfigurationFramework/ConfigurationManagerChecking.h>
 
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ValueText.h>
@@ -35,7 +35,7 @@ std::string expected(ConfigurationValueBase::ValueType type) {
 } // namespace
 
 /// The check of one document.
-class ConfigurationChecking::Document {
+class ConfigurationManagerChecking::Document {
 public:
     Document(const LocatedLayers& layers, FileLayer layer, const std::vector<Setting>& settings);
 
@@ -75,8 +75,8 @@ private:
     std::vector<ConfigurationProblem>* m_problems = nullptr;
 };
 
-ConfigurationChecking::Document::Document(const LocatedLayers& layers, FileLayer layer,
-                                          const std::vector<Setting>& settings)
+ConfigurationManagerChecking::Document::Document(const LocatedLayers& layers, FileLayer layer,
+                                                 const std::vector<Setting>& settings)
     : m_layers(layers),
       m_layer(layer),
       m_document(*layers.document(layer)),
@@ -97,7 +97,7 @@ ConfigurationChecking::Document::Document(const LocatedLayers& layers, FileLayer
     }
 }
 
-void ConfigurationChecking::Document::check(std::vector<ConfigurationProblem>& problems) {
+void ConfigurationManagerChecking::Document::check(std::vector<ConfigurationProblem>& problems) {
     m_problems = &problems;
     m_states[DocumentTree::root] = {Role::Group};
     checkLock(DocumentTree::root, "the root cannot be locked");
@@ -111,21 +111,21 @@ void ConfigurationChecking::Document::check(std::vector<ConfigurationProblem>& p
     }
 }
 
-std::string ConfigurationChecking::Document::pathOf(Element element) const {
+std::string ConfigurationManagerChecking::Document::pathOf(Element element) const {
     const std::string& parent = m_states[item(element).parent].path;
     const std::string& key = m_tree.key(element);
     return (parent.empty() ? "" : parent + '/') + item(element).tag +
            (key.empty() ? "" : '[' + key + ']');
 }
 
-void ConfigurationChecking::Document::add(ConfigurationProblem::Kind kind, Element element,
-                                          const std::string& text) {
+void ConfigurationManagerChecking::Document::add(ConfigurationProblem::Kind kind, Element element,
+                                                 const std::string& text) {
     const DocumentPlace& place = item(element).place;
     m_problems->push_back({kind, m_layers.file(m_layer).file(), place.line, place.column,
                            m_states[element].path, text});
 }
 
-void ConfigurationChecking::Document::checkSetting(Element element, const Setting& setting) {
+void ConfigurationManagerChecking::Document::checkSetting(Element element, const Setting& setting) {
     m_states[element] = {setting.isOpaque  ? Role::Ignored
                          : setting.isGroup ? Role::Group
                          : setting.isList  ? Role::List
@@ -136,7 +136,7 @@ void ConfigurationChecking::Document::checkSetting(Element element, const Settin
     checkLock(element, obstacleOf(element, setting));
 }
 
-void ConfigurationChecking::Document::checkText(Element element, const Setting& setting) {
+void ConfigurationManagerChecking::Document::checkText(Element element, const Setting& setting) {
     const ConfigurationValueBase::ValueType type = setting.value->getValueType();
     const Conversion conversion = convert(m_tree, element, type);
     const std::string text = quoted(textIn(m_tree, element, false));
@@ -166,7 +166,7 @@ void ConfigurationChecking::Document::checkText(Element element, const Setting& 
 }
 
 /// What is taken where the text of this file does not convert.
-std::string ConfigurationChecking::Document::replacementOf(const Setting& setting) const {
+std::string ConfigurationManagerChecking::Document::replacementOf(const Setting& setting) const {
     const FileLayer other = m_layer == SystemLayer ? UserLayer : SystemLayer;
     const bool isLocked = m_layer == SystemLayer && !setting.lockedBy.empty();
     if (!isLocked && setting.isReadFrom(other, m_layers)) {
@@ -182,7 +182,7 @@ std::string ConfigurationChecking::Document::replacementOf(const Setting& settin
 }
 
 /// Checks an element that no setting is read from.
-void ConfigurationChecking::Document::checkOther(Element element) {
+void ConfigurationManagerChecking::Document::checkOther(Element element) {
     const State& parent = m_states[item(element).parent];
     const bool isInList = parent.role == Role::List;
     m_states[element] = {Role::Ignored, parent.path};
@@ -196,7 +196,7 @@ void ConfigurationChecking::Document::checkOther(Element element) {
     }
 }
 
-void ConfigurationChecking::Document::checkUndeclared(Element element) {
+void ConfigurationManagerChecking::Document::checkUndeclared(Element element) {
     const Element parent = item(element).parent;
     const std::string& tag = item(element).tag;
     const auto declarations = m_declarations.find(parent);
@@ -224,8 +224,8 @@ void ConfigurationChecking::Document::checkUndeclared(Element element) {
 }
 
 /// Why a lock on an element of a setting has no effect; empty: it has one.
-std::string ConfigurationChecking::Document::obstacleOf(Element element,
-                                                        const Setting& setting) const {
+std::string ConfigurationManagerChecking::Document::obstacleOf(Element element,
+                                                               const Setting& setting) const {
     if (!setting.isLoaded)
         return "the element is not loaded";
     if (m_layer == UserLayer && setting.isOfSystem)
@@ -236,7 +236,8 @@ std::string ConfigurationChecking::Document::obstacleOf(Element element,
 }
 
 /// @param obstacle why a lock has no effect; empty: it has one
-void ConfigurationChecking::Document::checkLock(Element element, const std::string& obstacle) {
+void ConfigurationManagerChecking::Document::checkLock(Element element,
+                                                       const std::string& obstacle) {
     const std::optional<std::string>& editable = item(element).editable;
     if (!editable || editable == "true")
         return;
@@ -248,20 +249,20 @@ void ConfigurationChecking::Document::checkLock(Element element, const std::stri
             "editable=\"false\" has no effect: " + obstacle);
 }
 
-ConfigurationChecking::ConfigurationChecking(const ConfigurationLayers& layers,
-                                             const std::list<std::string>& validVersions,
-                                             bool isSystemRequired)
+ConfigurationManagerChecking::ConfigurationManagerChecking(
+    const ConfigurationManagerLayers& layers, const std::list<std::string>& validVersions,
+    bool isSystemRequired)
     : m_layers(layers),
       m_validVersions(validVersions),
       m_isSystemRequired(isSystemRequired),
       m_settings(m_layers) {}
 
-void ConfigurationChecking::add(const ConfigurationRegistration& registration) {
+void ConfigurationManagerChecking::add(const ConfigurationRegistration& registration) {
     m_objects.push_back(loadFresh(registration, m_layers.layers()));
     m_settings.add(registration, *m_objects.back());
 }
 
-std::vector<ConfigurationProblem> ConfigurationChecking::problems() const {
+std::vector<ConfigurationProblem> ConfigurationManagerChecking::problems() const {
     std::vector<ConfigurationProblem> problems;
     for (const FileLayer layer : {SystemLayer, UserLayer}) {
         if (m_layers.document(layer) != nullptr)
@@ -273,8 +274,8 @@ std::vector<ConfigurationProblem> ConfigurationChecking::problems() const {
 }
 
 /// Tells why a file was not loaded.
-void ConfigurationChecking::checkFile(FileLayer layer,
-                                      std::vector<ConfigurationProblem>& problems) const {
+void ConfigurationManagerChecking::checkFile(FileLayer layer,
+                                             std::vector<ConfigurationProblem>& problems) const {
     const LayerDocument& file = m_layers.file(layer);
     const auto add = [&](ConfigurationProblem::Kind kind, const DocumentPlace& place,
                          const std::string& text) {

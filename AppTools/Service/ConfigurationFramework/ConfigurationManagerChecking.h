@@ -1,9 +1,9 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
+#include <ConfigurationFramework/ConfigurationManagerSettings.h>
 #include <ConfigurationFramework/ConfigurationProblem.h>
-#include <ConfigurationFramework/ConfigurationSettings.h>
 
 #include <list>
 #include <memory>
@@ -13,13 +13,14 @@
 namespace Orvant {
 
 /// What in the files does not take effect when registered objects are loaded.
-class ConfigurationChecking {
+class ConfigurationManagerChecking {
 public:
     /// @param layers           the files; must outlive this
     /// @param validVersions    versions that loading accepts
     /// @param isSystemRequired whether nothing is loaded without the system file
-    ConfigurationChecking(const ConfigurationLayers& layers,
-                          const std::list<std::string>& validVersions, bool isSystemRequired);
+    ConfigurationManagerChecking(const ConfigurationManagerLayers& layers,
+                                 const std::list<std::string>& validVersions,
+                                 bool isSystemRequired);
 
     /// Adds an object that may be in the files.
     void add(const ConfigurationRegistration& registration);
@@ -34,7 +35,7 @@ private:
     const LocatedLayers m_layers;
     const std::list<std::string>& m_validVersions;
     bool m_isSystemRequired;
-    ConfigurationSettings m_settings;
+    ConfigurationManagerSettings m_settings;
     std::vector<std::unique_ptr<ConfigurationObject>> m_objects; ///< as they were loaded
 };
 

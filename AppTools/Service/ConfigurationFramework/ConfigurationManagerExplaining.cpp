@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ConfigurationExplaining.h>
+#include <ConfigurationFramework/ConfigurationManagerExplaining.h>
 
 #include <memory>
 #include <string>
@@ -6,18 +6,19 @@
 
 namespace Orvant {
 
-void ConfigurationExplaining::add(const ConfigurationRegistration& registration, bool isLoaded) {
-    static const ConfigurationLayers s_none;
+void ConfigurationManagerExplaining::add(const ConfigurationRegistration& registration,
+                                         bool isLoaded) {
+    static const ConfigurationManagerLayers s_none;
     const std::unique_ptr<ConfigurationObject> fresh =
         loadFresh(registration, isLoaded ? m_layers.layers() : s_none);
-    ConfigurationSettings former(m_layers);
+    ConfigurationManagerSettings former(m_layers);
     former.add(registration, *fresh);
     std::unordered_map<std::string, const Setting*> formerByPath;
     for (const Setting& setting : former.settings())
         if (!setting.isGroup)
             formerByPath.emplace(setting.path, &setting);
 
-    ConfigurationSettings now(m_layers);
+    ConfigurationManagerSettings now(m_layers);
     now.add(registration, *registration.object);
     for (const Setting& setting : now.settings()) {
         if (setting.isGroup)
@@ -33,7 +34,7 @@ void ConfigurationExplaining::add(const ConfigurationRegistration& registration,
 }
 
 /// All but the deciding layer.
-ConfigurationOrigin ConfigurationExplaining::originOf(const Setting& setting) const {
+ConfigurationOrigin ConfigurationManagerExplaining::originOf(const Setting& setting) const {
     return {.path = setting.path,
             .value = setting.text,
             .layer = ConfigurationOrigin::Default,
@@ -46,7 +47,8 @@ ConfigurationOrigin ConfigurationExplaining::originOf(const Setting& setting) co
 }
 
 /// Finds the file that a setting was loaded from.
-void ConfigurationExplaining::decide(const Setting& loaded, ConfigurationOrigin& origin) const {
+void ConfigurationManagerExplaining::decide(const Setting& loaded,
+                                            ConfigurationOrigin& origin) const {
     const bool isLockedBySystem = loaded.isOfSystem && !loaded.lockedBy.empty();
     FileLayer layer = UserLayer;
     if (isLockedBySystem || !loaded.isReadFrom(UserLayer, m_layers)) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
+#include <ConfigurationFramework/ConfigurationManagerSettings.h>
 #include <ConfigurationFramework/ConfigurationOrigin.h>
-#include <ConfigurationFramework/ConfigurationSettings.h>
 
 #include <utility>
 #include <vector>
@@ -11,10 +11,11 @@
 namespace Orvant {
 
 /// Where the values of registered objects come from.
-class ConfigurationExplaining {
+class ConfigurationManagerExplaining {
 public:
     /// @param layers the files at the last load or save; must outlive this
-    explicit ConfigurationExplaining(const ConfigurationLayers& layers) : m_layers(layers) {}
+    explicit ConfigurationManagerExplaining(const ConfigurationManagerLayers& layers)
+        : m_layers(layers) {}
 
     /// Adds the values of an object.
     /// @param isLoaded false: the object was registered without being loaded from the files

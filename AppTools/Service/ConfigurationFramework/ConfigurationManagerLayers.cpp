@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/ConfigurationLayers.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
@@ -101,13 +101,13 @@ bool LayerDocument::holdsSame(const LayerDocument& other) const {
            bytes() == other.bytes();
 }
 
-bool ConfigurationLayers::addTo(AdvancedConfigReader& reader) const {
+bool ConfigurationManagerLayers::addTo(AdvancedConfigReader& reader) const {
     system.addTo(reader, AdvancedConfigReader::System);
     user.addTo(reader, AdvancedConfigReader::User);
     return system.isAccepted() || user.isAccepted();
 }
 
-bool ConfigurationLayers::holdSame(const ConfigurationLayers& other) const {
+bool ConfigurationManagerLayers::holdSame(const ConfigurationManagerLayers& other) const {
     return system.holdsSame(other.system) && user.holdsSame(other.user);
 }
 

@@ -65,14 +65,14 @@ private:
 };
 
 /// What the files of a configuration held at one time. A single file is the user's.
-struct ConfigurationLayers {
+struct ConfigurationManagerLayers {
     LayerDocument system;
     LayerDocument user;
 
     /// Adds both to a reader.
     /// @return true when one of them was accepted
     bool addTo(AdvancedConfigReader& reader) const;
-    bool holdSame(const ConfigurationLayers& other) const;
+    bool holdSame(const ConfigurationManagerLayers& other) const;
 };
 
 } // namespace Orvant

@@ -1,9 +1,10 @@
-#include <ConfigurationFramework/ConfigurationReloading.h>
+#include <ConfigurationFramework/ConfigurationManagerReloading.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
-#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/ValueText.h>
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
 
@@ -46,6 +47,27 @@ void keepUnloaded(ConfigurationObject& object, const ConfigurationObject& former
         keepUnloaded(**child, **formerChild);
 }
 
+bool isInexactInText(const ConfigurationValueBase& value) {
+    return value.getValueType() == ConfigurationValueBase::DoubleValue ||
+           value.getValueType() == ConfigurationValueBase::FloatValue;
+}
+
+/// Numbers that read the same as before keep the digits that a text does not hold.
+void keepExact(ConfigurationObject& object, const ConfigurationObject& former) {
+    auto formerValue = former.beginValueIterator();
+    for (auto value = object.beginValueIterator();
+         value != object.endValueIterator() && formerValue != former.endValueIterator();
+         ++value, ++formerValue)
+        if (isInexactInText(**value) && (*value)->hasValue() && (*formerValue)->hasValue() &&
+            textOf(**value) == textOf(**formerValue))
+            (*value)->adoptValue(*formerValue);
+    auto formerChild = former.beginObjectIterator();
+    for (auto child = object.beginObjectIterator();
+         child != object.endObjectIterator() && formerChild != former.endObjectIterator();
+         ++child, ++formerChild)
+        keepExact(**child, **formerChild);
+}
+
 } // namespace
 
 bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {
@@ -69,7 +91,9 @@ void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReade
     object.restoreLocks(*makeFresh(object));
     object.setDefaultValues();
     keepUnloaded(object, *former);
-    if (ElementAddress(registration).load(reader, object) == ConfigurationAccessResult::Failure)
+    const auto loaded = ElementAddress(registration).load(reader, object);
+    keepExact(object, *former);
+    if (loaded == ConfigurationAccessResult::Failure)
         object.emitSignalsAfterConfigLoading();
 }
 

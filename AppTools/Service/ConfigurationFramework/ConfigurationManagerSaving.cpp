@@ -1,8 +1,8 @@
-#include <ConfigurationFramework/ConfigurationSaving.h>
+#include <ConfigurationFramework/ConfigurationManagerSaving.h>
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
-#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/files/FileLinks.h>
 #include <ConfigurationFramework/files/FileLock.h>
@@ -235,12 +235,13 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
 }
 
 /// Keeps what was saved of an object, beside what is known of its load.
-void ConfigurationManager::Saving::setSaved(const ConfigurationRegistration& registration,
-                                            std::shared_ptr<const ConfigurationLayers> layers,
-                                            std::optional<WrittenElement> written) const {
+void ConfigurationManager::Saving::setSaved(
+    const ConfigurationRegistration& registration,
+    std::shared_ptr<const ConfigurationManagerLayers> layers,
+    std::optional<WrittenElement> written) const {
     const KnownState* const known = m_manager.knownOf(registration);
     const auto loaded =
-        known == nullptr ? std::make_shared<const ConfigurationLayers>() : known->loaded;
+        known == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : known->loaded;
     m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written)});
 }
 
@@ -343,8 +344,9 @@ void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
     std::size_t count = dropRemoved(document);
     const bool isLoadedSystemLocking =
         m_differencesOnly && m_manager.m_layers != nullptr && !m_system.isAccepted();
-    ConfigurationChanges changes(m_differencesOnly ? &m_system : nullptr, m_user,
-                                 isLoadedSystemLocking ? &m_manager.m_layers->system : nullptr);
+    ConfigurationManagerChanges changes(m_differencesOnly ? &m_system : nullptr, m_user,
+                                        isLoadedSystemLocking ? &m_manager.m_layers->system
+                                                              : nullptr);
     changes.restoreLostFile();
     forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
         if (isKnownInTarget(registration))
@@ -357,11 +359,11 @@ void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
         document.setVersion(version);
         ++count;
     }
-    std::shared_ptr<const ConfigurationLayers> layers;
+    std::shared_ptr<const ConfigurationManagerLayers> layers;
     if (count != 0)
         layers = store(document);
     else
-        layers = std::make_shared<const ConfigurationLayers>(m_system, m_user);
+        layers = std::make_shared<const ConfigurationManagerLayers>(m_system, m_user);
     if (count == 0)
         m_manager.m_saveReport = {};
     if (!isOwnTarget())
@@ -389,7 +391,7 @@ bool ConfigurationManager::Saving::isKnownInTarget(
 
 /// Writes a finished document to the file.
 /// @return what the files hold now
-std::shared_ptr<const ConfigurationLayers>
+std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
     PrintedDocument printed = document.print();
     if (!printed.problem.empty())
@@ -405,7 +407,7 @@ ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
         report.text = quoted(m_target) + " was written in place, for it could not be replaced by a "
                                          "new file";
     m_manager.m_saveReport = std::move(report);
-    return std::make_shared<const ConfigurationLayers>(
+    return std::make_shared<const ConfigurationManagerLayers>(
         m_system,
         LayerDocument(m_target, std::move(printed.text), m_manager.isAccepted(document.version())));
 }

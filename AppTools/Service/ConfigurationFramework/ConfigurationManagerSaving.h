@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
 #include <ConfigurationFramework/ConfigurationSaveReport.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
@@ -60,9 +60,9 @@ private:
     void storeAll(const ConfigWriter& writer);
     void merge(const std::string& version);
     void mergeInto(ConfigWriterImpl& document, const std::string& version);
-    std::shared_ptr<const ConfigurationLayers> store(ConfigWriterImpl& document) const;
+    std::shared_ptr<const ConfigurationManagerLayers> store(ConfigWriterImpl& document) const;
     void setSaved(const ConfigurationRegistration& registration,
-                  std::shared_ptr<const ConfigurationLayers> layers,
+                  std::shared_ptr<const ConfigurationManagerLayers> layers,
                   std::optional<WrittenElement> written) const;
 
     template <typename Check>

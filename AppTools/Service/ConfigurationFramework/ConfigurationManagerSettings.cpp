@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/ConfigurationSettings.h>
+#include <ConfigurationFramework/ConfigurationManagerSettings.h>
 
-#include <ConfigurationFramework/ConfigurationChanges.h>
+#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/ValueText.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -85,7 +85,7 @@ std::string textOf(const WrittenElement& written) {
 
 } // namespace
 
-LocatedLayers::LocatedLayers(const ConfigurationLayers& layers) : m_layers(layers) {
+LocatedLayers::LocatedLayers(const ConfigurationManagerLayers& layers) : m_layers(layers) {
     for (const FileLayer layer : {SystemLayer, UserLayer}) {
         if (!file(layer).isAccepted())
             continue;
@@ -110,7 +110,7 @@ std::optional<std::string> Setting::textIn(FileLayer layer, const LocatedLayers&
     return Orvant::textIn(document->tree(), elements[layer], isList);
 }
 
-struct ConfigurationSettings::Group {
+struct ConfigurationManagerSettings::Group {
     const WrittenElement* written; ///< null: it was not written
     LayerElements elements;
     std::unordered_map<XmlString, std::vector<const WrittenElement*>> untaken = {};
@@ -136,7 +136,7 @@ struct ConfigurationSettings::Group {
 };
 
 template <typename Find>
-LayerElements ConfigurationSettings::findAll(const LayerElements& parents, Find find) const {
+LayerElements ConfigurationManagerSettings::findAll(const LayerElements& parents, Find find) const {
     LayerElements found{DocumentTree::none, DocumentTree::none};
     for (const FileLayer layer : {SystemLayer, UserLayer})
         if (parents[layer] != DocumentTree::none)
@@ -144,8 +144,8 @@ LayerElements ConfigurationSettings::findAll(const LayerElements& parents, Find 
     return found;
 }
 
-void ConfigurationSettings::add(const ConfigurationRegistration& registration,
-                                const ConfigurationObject& object) {
+void ConfigurationManagerSettings::add(const ConfigurationRegistration& registration,
+                                       const ConfigurationObject& object) {
     Setting setting;
     setting.tag = registration.name;
     setting.key = registration.key;
@@ -162,8 +162,8 @@ void ConfigurationSettings::add(const ConfigurationRegistration& registration,
 }
 
 /// Adds an object with an element of its own.
-void ConfigurationSettings::addGroup(const ConfigurationObject& object,
-                                     const WrittenElement* written, Setting setting) {
+void ConfigurationManagerSettings::addGroup(const ConfigurationObject& object,
+                                            const WrittenElement* written, Setting setting) {
     restrictBy(object, setting);
     setting.isGroup = true;
     setting.isOpaque = object.getConfigurationValuesSize() == 0 &&
@@ -178,8 +178,8 @@ void ConfigurationSettings::addGroup(const ConfigurationObject& object,
 
 /// Adds what is in an object.
 /// @param inherited what its settings have in common; its path is that of the object
-void ConfigurationSettings::addObject(const ConfigurationObject& object, Group& group,
-                                      Setting inherited) {
+void ConfigurationManagerSettings::addObject(const ConfigurationObject& object, Group& group,
+                                             Setting inherited) {
     inherited.isGroup = false;
     inherited.isOpaque = false;
     restrictBy(object, inherited);
@@ -193,8 +193,8 @@ void ConfigurationSettings::addObject(const ConfigurationObject& object, Group& 
     }
 }
 
-void ConfigurationSettings::addValue(const ConfigurationValueBase& value, Group& group,
-                                     Setting inherited) {
+void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value, Group& group,
+                                            Setting inherited) {
     Setting setting = std::move(inherited);
     setting.tag = value.getName();
     setting.key.reset();
@@ -211,8 +211,8 @@ void ConfigurationSettings::addValue(const ConfigurationValueBase& value, Group&
     m_settings.push_back(std::move(setting));
 }
 
-void ConfigurationSettings::addChild(const ConfigurationObject& child, Group& group,
-                                     Setting inherited) {
+void ConfigurationManagerSettings::addChild(const ConfigurationObject& child, Group& group,
+                                            Setting inherited) {
     const WrittenElement* const written =
         child.writesContent() ? group.take(child.getName()) : nullptr;
     Setting setting = std::move(inherited);
@@ -226,7 +226,7 @@ void ConfigurationSettings::addChild(const ConfigurationObject& child, Group& gr
 }
 
 /// Adds what was written besides values and children.
-void ConfigurationSettings::addOthers(Group& group, const Setting& inherited) {
+void ConfigurationManagerSettings::addOthers(Group& group, const Setting& inherited) {
     if (group.written == nullptr)
         return;
     std::map<ElementId, std::size_t> occurrences;
@@ -237,8 +237,8 @@ void ConfigurationSettings::addOthers(Group& group, const Setting& inherited) {
     }
 }
 
-void ConfigurationSettings::addOther(const WrittenElement& written, std::size_t occurrence,
-                                     const Group& group, Setting inherited) {
+void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::size_t occurrence,
+                                            const Group& group, Setting inherited) {
     Setting setting = std::move(inherited);
     setting.tag = toUtf8(written.id.tag);
     setting.key = keyOf(&written);
@@ -266,14 +266,14 @@ void ConfigurationSettings::addOther(const WrittenElement& written, std::size_t 
 }
 
 /// Whether the file whose locks count locks an element.
-bool ConfigurationSettings::isLockedInFile(const Setting& setting) const {
+bool ConfigurationManagerSettings::isLockedInFile(const Setting& setting) const {
     const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
     const Element element = setting.elements[locking];
     return element != DocumentTree::none && !m_layers.document(locking)->tree().isEditable(element);
 }
 
 std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
-                                               const ConfigurationLayers& layers) {
+                                               const ConfigurationManagerLayers& layers) {
     auto fresh = makeFresh(*registration.object);
     AdvancedConfigReader reader;
     layers.addTo(reader);

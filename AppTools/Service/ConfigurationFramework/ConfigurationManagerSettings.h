@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationLayers.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerLayers.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/reading/LocatedDocument.h>
@@ -25,17 +25,17 @@ using LayerElements = std::array<DocumentTree::Element, 2>;
 /// The files at one time, with the places of their elements.
 class LocatedLayers {
 public:
-    explicit LocatedLayers(const ConfigurationLayers& layers);
+    explicit LocatedLayers(const ConfigurationManagerLayers& layers);
 
     const LayerDocument& file(FileLayer layer) const {
         return layer == SystemLayer ? m_layers.system : m_layers.user;
     }
     /// @return null when readers did not accept the file
     LocatedDocument* document(FileLayer layer) const { return m_documents[layer].get(); }
-    const ConfigurationLayers& layers() const { return m_layers; }
+    const ConfigurationManagerLayers& layers() const { return m_layers; }
 
 private:
-    const ConfigurationLayers& m_layers;
+    const ConfigurationManagerLayers& m_layers;
     std::array<std::unique_ptr<LocatedDocument>, 2> m_documents;
 };
 
@@ -64,10 +64,10 @@ struct Setting {
 };
 
 /// The settings of registered objects, in the order of saving, and where the files hold them.
-class ConfigurationSettings {
+class ConfigurationManagerSettings {
 public:
     /// @param layers must outlive this
-    explicit ConfigurationSettings(const LocatedLayers& layers) : m_layers(layers) {}
+    explicit ConfigurationManagerSettings(const LocatedLayers& layers) : m_layers(layers) {}
 
     /// Adds the settings of an object.
     /// @param object its state; must outlive this
@@ -98,6 +98,6 @@ private:
 /// @return a new object of the same class as the registered one, loaded from files
 /// @throws std::logic_error when the factory of the object returns null
 std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
-                                               const ConfigurationLayers& layers);
+                                               const ConfigurationManagerLayers& layers);
 
 } // namespace Orvant

@@ -1,0 +1,1 @@
+#  include <ConfigurationFramework/ConfigWriter.h>
