@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 
 #include <ManagerFixture.h>
+#include <OwnProcess.h>
 
 #include <gmock/gmock.h>
 
@@ -15,6 +16,7 @@
 namespace Orvant {
 namespace {
 
+using Support::ActingObject;
 using Support::document;
 using Support::readFile;
 using Support::TestObject;
@@ -304,22 +306,9 @@ TEST_P(ConfigurationManagerMerge, SaysWhenOthersKeepTheFileLocked) {
     const auto object = add(makeObject());
     object->value<int>("a").setValue(5);
     m_manager.setLockTimeout(std::chrono::milliseconds(20));
-    class SavingWhileItIsSaved : public TestObject {
-    public:
-        using TestObject::TestObject;
-        ConfigurationObject* createConfigurationObject() const override {
-            return new TestObject("Slow");
-        }
-        void saveContent(ConfigWriter& writer) const override {
-            if (action)
-                action();
-            TestObject::saveContent(writer);
-        }
-        std::function<void()> action;
-    };
-    const auto slow = std::make_shared<SavingWhileItIsSaved>("Slow");
+    const auto slow = std::make_shared<ActingObject>("Slow");
     other.addConfigurationObject(slow, "Slow");
-    slow->action = [&] {
+    slow->onSave = [&] {
         EXPECT_FALSE(save());
         EXPECT_EQ(Report::Busy, reason());
     };
@@ -368,6 +357,137 @@ TEST_P(ConfigurationManagerMerge, KnowsTheChangesWhenItIsSwitchedOnLate) {
     write("<Test><a>5</a><b>60</b></Test>");
     EXPECT_TRUE(save());
     EXPECT_EQ("<Test><a>50</a><b>60</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, SavesAnObjectThatAnotherOneRegistersDuringItsSave) {
+    for (const std::string late : {"Early", "Z"}) {
+        write("");
+        const auto object = add(std::make_shared<ActingObject>("Object " + late), "M", late);
+        const auto registered = makeObject(late);
+        registered->value<int>("b").setValue(20);
+        object->value<int>("a").setValue(10);
+        object->onSave = [&] { add(registered); };
+        EXPECT_TRUE(save());
+        EXPECT_TRUE(save());
+        EXPECT_THAT(contents(), HasSubstr("<M key=\"" + late + "\"><a>10</a></M>"));
+        EXPECT_THAT(contents(), HasSubstr("<" + late + "><b>20</b></" + late + ">"));
+    }
+}
+
+TEST_P(ConfigurationManagerMerge, MovesValuesToTheElementOfAnObjectThatTakesTheNameWithAKey) {
+    write("<P><a>5</a></P>");
+    add(makeObject("P"));
+    m_manager.removeConfigurationObject("P");
+    ASSERT_EQ(5, add(makeObject("P"), "P", "1")->value<int>("a").getValue());
+    EXPECT_TRUE(save());
+    EXPECT_THAT(contents(), HasSubstr("<P key=\"1\"><a>5</a>"));
+    EXPECT_THAT(contents(), Not(HasSubstr("<P>")));
+}
+
+TEST_P(ConfigurationManagerMerge, MovesValuesToTheElementOfAnObjectThatTakesTheNameWithoutAKey) {
+    write("<P key=\"1\"><a>5</a></P>");
+    add(makeObject("P"), "P", "1");
+    m_manager.removeConfigurationObject("P", "1");
+    ASSERT_EQ(5, add(makeObject("P"))->value<int>("a").getValue());
+    EXPECT_TRUE(save());
+    EXPECT_THAT(contents(), HasSubstr("<P><a>5</a>"));
+    EXPECT_THAT(contents(), Not(HasSubstr("key=")));
+}
+
+TEST_P(ConfigurationManagerMerge, WritesAnUndoneChangeThatTheFileHeldAlready) {
+    write("<Test><a>5</a></Test>");
+    const auto object = add(makeObject());
+    write("<Test><a>50</a></Test>");
+    object->value<int>("a").setValue(50);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::Saved, reason());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, ForgetsARemovedObjectThatIsNotInTheFile) {
+    write("<Other/>");
+    add(makeObject());
+    m_manager.removeConfigurationObject("Test");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+    write("<Test><a>5</a></Test>");
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, MakesNoFileOfAVersionThatIsNotAccepted) {
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    EXPECT_FALSE(m_manager.saveConfiguration("3.0"));
+    EXPECT_EQ(Report::OtherVersion, reason());
+    EXPECT_FALSE(std::filesystem::exists(m_target.toString()));
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, LeavesAnEmptyTextAloneWhoseNameAChildHasToo) {
+    const auto make = [] {
+        return TestObject::make("Test", [](TestObject& object) {
+            object.add("b", 2).add("t", std::string()).addChild(new TestObject("Child"));
+            object.child("Child").add("t", std::string("y"));
+        });
+    };
+    for (const std::string own : {"", "<t/>"}) {
+        const std::string start = "<Test><b>6</b>" + own + "<Child><t>x</t></Child>";
+        m_manager.removeConfigurationObject("Test");
+        write(start + "</Test>");
+        const auto object = add(make());
+        ASSERT_EQ("", object->value<std::string>("t").getValue());
+        object->value<int>("b").setValue(20);
+        EXPECT_TRUE(save());
+        EXPECT_EQ("<Test><b>20</b>" + own + "<Child><t>x</t></Child></Test>", contents());
+    }
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsWhatOthersWriteWhileAnObjectIsLoadedThatRegistersAnother) {
+    write("<Outer><a>5</a></Outer><Last><a>6</a></Last>");
+    const auto outer = std::make_shared<ActingObject>("Outer");
+    const auto inner = makeObject("Inner");
+    outer->onLoad = [&] {
+        write("<Outer><a>50</a></Outer><Last><a>60</a></Last>");
+        add(inner);
+    };
+    m_manager.addConfigurationObjects({{outer, "Outer"}, {makeObject("Last"), "Last"}});
+    inner->value<int>("b").setValue(20);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Outer><a>50</a></Outer><Last><a>60</a></Last><Inner><b>20</b></Inner>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, SaysThatItSavedWithoutALock) {
+    std::filesystem::create_directory(m_target.toString() + ".lock");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::Saved, reason());
+    EXPECT_FALSE(m_manager.getSaveReport().writtenInPlace);
+    EXPECT_THAT(m_manager.getSaveReport().text,
+                HasSubstr(m_target.toString() + "\" was saved without a lock: "));
+    EXPECT_EQ("<Test><a>5</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, SavesInPlaceAndWithoutALockWhereTheFolderTakesNoFiles) {
+    write("<Test><b>6</b></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(5);
+    const Support::ReadOnlyFolder folder(m_directory.path());
+    std::filesystem::permissions(m_target.toString(), std::filesystem::perms(0666));
+    EXPECT_EQ(0, Support::asOrdinaryUser([&] {
+                  const bool isSaved = save() && m_manager.getSaveReport().writtenInPlace;
+                  const std::string& text = m_manager.getSaveReport().text;
+                  return isSaved && text.find("was written in place") != text.npos &&
+                                 text.find("was saved without a lock") != text.npos
+                             ? 0
+                             : 1;
+              }));
+    EXPECT_EQ("<Test><b>6</b><a>5</a></Test>", contents());
 }
 
 class ConfigurationManagerMergeTwoFiles : public ConfigurationManagerMerge {
@@ -452,6 +572,47 @@ TEST_P(ConfigurationManagerMergeTwoFiles, WritesNothingAfterAResetFromTheUsersFi
     EXPECT_EQ("<Test><b>60</b></Test>", contents());
 }
 
+TEST_P(ConfigurationManagerMergeTwoFiles, SavesAValueWhoseNameIsLockedInAChild) {
+    writeSystem("<Test><Child><a editable=\"false\">5</a></Child></Test>");
+    const auto object = TestObject::make("Test", [](TestObject& test) {
+        test.add("a", 1).addChild(new TestObject("Child"));
+        test.child("Child").add("a", 3);
+    });
+    add(object);
+    ASSERT_TRUE(object->value<int>("a").isEditable());
+    object->value<int>("a").setValue(50);
+    object->child("Child").value<int>("a").setValue(60);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>50</a></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, SavesAListOfWhichOnlyAnItemIsLocked) {
+    writeSystem("<Test><l><item editable=\"false\">x</item><item>y</item></l></Test>");
+    const auto object = add(makeObject());
+    ASSERT_TRUE(object->value<Strings>("l").isEditable());
+    object->value<Strings>("l").setValue({"z"});
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><l><item>z</item></l></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, NeverWritesAValueWhoseLockIsMissingAtTheSave) {
+    writeSystem("<Test><a editable=\"false\">5</a></Test>");
+    const auto object = add(makeObject());
+    object->value<int>("a").setValue(50);
+    object->value<int>("b").setValue(20);
+    std::filesystem::remove(m_systemFile.toString());
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><b>20</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, DropsAllElementsOfANameAfterAResetFromTheSystemFile) {
+    write("<Test><a>5</a></Test><Test><b>6</b></Test>");
+    add(makeObject());
+    m_manager.resetConfigurationObject("Test", false);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Configuration version=\"1.0\"/>", contents());
+}
+
 class ConfigurationManagerMergeOneFile : public ConfigurationManagerMerge {};
 
 INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMergeOneFile, Values(false),
@@ -464,6 +625,25 @@ TEST_P(ConfigurationManagerMergeOneFile, NeverWritesALockedValue) {
     object->value<int>("b").setValue(60);
     EXPECT_TRUE(save());
     EXPECT_EQ("<Test><a editable=\"false\">5</a><b>60</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, SavesAnObjectThatCannotBeMadeAnew) {
+    write("<Unmakeable><a>5</a></Unmakeable>");
+    const auto object = add(std::make_shared<Support::Unmakeable>());
+    object->value<int>("a").setValue(9);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Unmakeable><a>9</a></Unmakeable>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, WritesANamelessChildThatIsSavedButNeverLoaded) {
+    write("<Test><version>1</version></Test>");
+    add(TestObject::make("Test", [](TestObject& object) {
+        auto* const child = new TestObject("", TestObject::SaveOnly);
+        child->add("version", 2);
+        object.addChild(child);
+    }));
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><version>2</version></Test>", contents());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
+#include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
 #include <ManagerFixture.h>
@@ -14,7 +15,6 @@ using Support::readFile;
 using Support::TestObject;
 using Support::withoutFormatting;
 using Support::writeFile;
-using testing::Values;
 
 /// An object with "a" (1), "b" (2), "state" (0), which is not loaded, and a child "Child" with "c"
 /// (3).
@@ -30,9 +30,8 @@ int get(const TestObject& object, const std::string& value) {
     return object.value<int>(value).getValue();
 }
 
-class ConfigurationManagerReload
-    : public Support::ManagerFixture,
-      public testing::WithParamInterface<ConfigurationManager::SaveMode> {
+class ConfigurationManagerReload : public Support::ManagerFixture,
+                                   public testing::WithParamInterface<Support::SaveMode> {
 protected:
     ConfigurationManagerReload() {
         m_manager.setSaveMode(GetParam());
@@ -44,14 +43,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerReload,
-                         Values(ConfigurationManager::InPlace, ConfigurationManager::Replace,
-                                ConfigurationManager::Merge),
-                         [](const auto& mode) {
-                             return mode.param == ConfigurationManager::InPlace   ? "InPlace"
-                                    : mode.param == ConfigurationManager::Replace ? "Replace"
-                                                                                  : "Merge";
-                         });
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerReload, Support::anySaveMode, Support::nameOfMode);
 
 TEST_P(ConfigurationManagerReload, TakesOverWhatOthersSaved) {
     writeFiles("<Test><a>5</a></Test>", "<Test><b>6</b></Test>");
@@ -168,10 +160,114 @@ TEST_P(ConfigurationManagerReload, TakesOverOneFile) {
     EXPECT_EQ(60, get(*object, "b"));
 }
 
+TEST_P(ConfigurationManagerReload, IsStillOpenAfterASaveThatIgnoredAChangeOfTheSystemFile) {
+    writeFiles("<Test><a>5</a></Test>", "");
+    const auto object = add(makeObject());
+    object->value<int>("b").setValue(20);
+    writeFile(m_systemFile, document("<Test><a>50</a></Test>"));
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload, KeepsWhatIsNotSavedYetWhenTheUsersFileIsGone) {
+    writeFiles("<Test><a>5</a></Test>", "<Test><a>50</a><b>6</b></Test>");
+    const auto object = add(makeObject());
+    object->child("Child").value<int>("c").setValue(30);
+    std::filesystem::remove(m_userFile.toString());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(5, get(*object, "a"));
+    EXPECT_EQ(2, get(*object, "b"));
+    EXPECT_EQ(30, get(object->child("Child"), "c"));
+}
+
+TEST_P(ConfigurationManagerReload, KeepsAllDigitsOfWhatIsNotSavedYet) {
+    writeFiles("", "<Test><b>6</b><d>1.5</d></Test>");
+    const double exact = 0.1 + 0.2;
+    const auto object = add(TestObject::make(
+        "Test", [](TestObject& test) { test.add("b", 2).add("d", 1.0).add("f", 1.0); }));
+    object->value<double>("d").setValue(exact);
+    object->value<double>("f").setValue(exact / 3);
+    writeFiles("", "<Test><b>7</b><d>1.5</d></Test>");
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(7, get(*object, "b"));
+    EXPECT_EQ(exact, object->value<double>("d").getValue());
+    EXPECT_EQ(exact / 3, object->value<double>("f").getValue());
+}
+
+TEST_P(ConfigurationManagerReload, TakesOverWhatAClassReadsThatWritesNothing) {
+    class Reading : public ConfigurationObject {
+    public:
+        Reading() : ConfigurationObject("Reading", "", LoadAndSave, AllProducts) {}
+        ConfigurationObject* createConfigurationObject() const override { return new Reading; }
+        void loadContent(ConfigReader& reader) override {
+            bool editable = true;
+            reader.getString("Text", text, editable);
+        }
+        bool writesContent() const override { return false; }
+        void emitSignalsAfterConfigLoading() override { ++signals; }
+
+        std::string text;
+        int signals = 0;
+    };
+    writeFiles("", "<Reading><Text>old</Text></Reading>");
+    const auto object = add(std::make_shared<Reading>());
+    ASSERT_EQ("old", object->text);
+    object->signals = 0;
+    writeFiles("", "<Reading><Text>new</Text></Reading>");
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ("new", object->text);
+    EXPECT_EQ(1, object->signals);
+}
+
+TEST_P(ConfigurationManagerReload, GoesOnAfterAnObjectThatXmlCannotHold) {
+    writeFiles("", "");
+    const auto nameless = add(TestObject::make(
+        "Nameless", [](TestObject& object) { object.add("not a name", 1).add("a", 1); }));
+    const auto object = add(makeObject());
+    nameless->value<int>("not a name").setValue(9);
+    writeFiles("", "<Nameless><a>5</a></Nameless><Test><a>6</a></Test>");
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(9, get(*nameless, "not a name"));
+    EXPECT_EQ(6, get(*object, "a"));
+}
+
+TEST_P(ConfigurationManagerReload, GoesOnAfterAnObjectThatCannotBeMadeAnew) {
+    writeFiles("", "<Unmakeable><a>4</a></Unmakeable>");
+    const auto unmakeable = add(std::make_shared<Support::Unmakeable>());
+    const auto object = add(makeObject("Z"));
+    const auto before = add(makeObject("A"));
+    writeFiles("", "<Unmakeable><a>5</a></Unmakeable><A><a>6</a></A><Z><a>7</a></Z>");
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(6, get(*before, "a"));
+    EXPECT_EQ(7, get(*object, "a"));
+}
+
 TEST_P(ConfigurationManagerReload, HasNoFilesToLookAtAtFirst) {
     m_manager.reset();
     EXPECT_FALSE(m_manager.haveFilesChanged());
     EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+class ConfigurationManagerReloadMerge : public ConfigurationManagerReload {};
+
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerReloadMerge,
+                         testing::Values(ConfigurationManager::Merge), Support::nameOfMode);
+
+TEST_P(ConfigurationManagerReloadMerge, IsStillOpenAfterASaveThatKeptWhatOthersWrote) {
+    writeFiles("", "<Test><b>6</b></Test>");
+    const auto object = add(makeObject());
+    writeFiles("", "<Test><b>61</b></Test>");
+    object->value<int>("a").setValue(10);
+    for (int saves = 0; saves < 2; ++saves) { // the second has nothing to write
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+        EXPECT_TRUE(m_manager.haveFilesChanged());
+    }
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(61, get(*object, "b"));
+    EXPECT_EQ(10, get(*object, "a"));
     EXPECT_FALSE(m_manager.haveFilesChanged());
 }
 

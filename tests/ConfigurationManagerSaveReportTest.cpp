@@ -1,11 +1,15 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
+#include <FileSizeLimit.h>
 #include <ManagerFixture.h>
+#include <OwnProcess.h>
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <system_error>
+
+#include <sys/stat.h>
 
 namespace Orvant {
 namespace {
@@ -16,7 +20,6 @@ using Support::TestObject;
 using Support::withoutFormatting;
 using Support::writeFile;
 using testing::HasSubstr;
-using testing::Values;
 
 using Report = ConfigurationSaveReport;
 
@@ -25,9 +28,14 @@ std::shared_ptr<TestObject> makeObject(const std::string& name = "Test") {
     return TestObject::make(name, [](TestObject& object) { object.add("a", 1).add("b", 2); });
 }
 
-class ConfigurationManagerSaveReport
-    : public Support::ManagerFixture,
-      public testing::WithParamInterface<ConfigurationManager::SaveMode> {
+ino_t inodeOf(const FileName& file) {
+    struct stat status{};
+    EXPECT_EQ(0, stat(file.toString().c_str(), &status));
+    return status.st_ino;
+}
+
+class ConfigurationManagerSaveReport : public Support::ManagerFixture,
+                                       public testing::WithParamInterface<Support::SaveMode> {
 protected:
     ConfigurationManagerSaveReport() { m_manager.setSaveMode(GetParam()); }
 
@@ -41,14 +49,8 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerSaveReport,
-                         Values(ConfigurationManager::InPlace, ConfigurationManager::Replace,
-                                ConfigurationManager::Merge),
-                         [](const auto& mode) {
-                             return mode.param == ConfigurationManager::InPlace   ? "InPlace"
-                                    : mode.param == ConfigurationManager::Replace ? "Replace"
-                                                                                  : "Merge";
-                         });
+INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerSaveReport, Support::anySaveMode,
+                         Support::nameOfMode);
 
 TEST_P(ConfigurationManagerSaveReport, KeepsTheModeOverAReset) {
     m_manager.setSystemFileRequired(true);
@@ -57,6 +59,10 @@ TEST_P(ConfigurationManagerSaveReport, KeepsTheModeOverAReset) {
     EXPECT_EQ(GetParam(), m_manager.getSaveMode());
     EXPECT_TRUE(m_manager.isSystemFileRequired());
     EXPECT_EQ(std::chrono::milliseconds(7), m_manager.getLockTimeout());
+}
+
+TEST_P(ConfigurationManagerSaveReport, WaitsFiveSecondsForOthersAtFirst) {
+    EXPECT_EQ(std::chrono::seconds(5), m_manager.getLockTimeout());
 }
 
 TEST_P(ConfigurationManagerSaveReport, TellsThatThereIsNoFile) {
@@ -78,14 +84,13 @@ TEST_P(ConfigurationManagerSaveReport, TellsOfASave) {
 TEST_P(ConfigurationManagerSaveReport, ReplacesTheFileByANewOne) {
     useOneFile();
     writeFile(m_file, document(""));
-    const FileName link = m_directory.file("link");
-    std::filesystem::create_hard_link(m_file.toString(), link.toString());
-    std::filesystem::remove(link.toString());
     const FileName alias = m_directory.file("alias.xml");
     std::filesystem::create_symlink("settings.xml", alias.toString());
     m_manager.setConfigurationFile(alias);
     addChanged();
+    const ino_t former = inodeOf(m_file);
     EXPECT_TRUE(save());
+    EXPECT_EQ(GetParam() == ConfigurationManager::InPlace, inodeOf(m_file) == former);
     EXPECT_TRUE(std::filesystem::is_symlink(alias.toString()));
     EXPECT_THAT(readFile(m_file), HasSubstr("<a>5</a>"));
 }
@@ -112,6 +117,71 @@ TEST_P(ConfigurationManagerSaveReport, TellsOfAMissingFolder) {
         EXPECT_EQ(std::errc::no_such_file_or_directory, report().error);
         EXPECT_THAT(report().text, HasSubstr("missing/settings.xml\" was not saved: "));
     }
+}
+
+TEST_P(ConfigurationManagerSaveReport, TellsOfMissingRights) {
+    useOneFile();
+    addChanged();
+    const auto isRefused = [&] {
+        return !save() && report().reason == Report::NoPermission &&
+                       report().error == std::errc::permission_denied
+                   ? 0
+                   : 1;
+    };
+    const Support::ReadOnlyFolder folder(m_directory.path());
+    EXPECT_EQ(0, Support::asOrdinaryUser(isRefused)) << "to make the file";
+    EXPECT_FALSE(std::filesystem::exists(m_file.toString()));
+}
+
+TEST_P(ConfigurationManagerSaveReport, TellsOfMissingRightsToWriteTheFile) {
+    useOneFile();
+    writeFile(m_file, document(""));
+    addChanged();
+    std::filesystem::permissions(m_file.toString(), std::filesystem::perms(0444));
+    for (const int rightsOfFolder : {0777, 0755}) {
+        std::filesystem::permissions(m_directory.path(), std::filesystem::perms(rightsOfFolder));
+        EXPECT_EQ(0, Support::asOrdinaryUser([&] {
+                      return !save() && report().reason == Report::NoPermission ? 0 : 1;
+                  }));
+        EXPECT_EQ(document(""), readFile(m_file));
+    }
+}
+
+TEST_P(ConfigurationManagerSaveReport, TellsOfAFullDisk) {
+    useOneFile();
+    for (const std::string& before : {std::string(), document("<Other/>")}) {
+        if (!before.empty())
+            writeFile(m_file, before);
+        m_manager.removeConfigurationObject("Test");
+        addChanged();
+        bool isSaved = true;
+        {
+            const Support::FileSizeLimit limit(before.size());
+            isSaved = save();
+        }
+        EXPECT_FALSE(isSaved);
+        EXPECT_EQ(Report::NoSpace, report().reason);
+        EXPECT_EQ(std::errc::file_too_large, report().error);
+        EXPECT_THAT(report().text, HasSubstr("settings.xml\" was not saved: "));
+        if (before.empty())
+            EXPECT_FALSE(std::filesystem::exists(m_file.toString()));
+        else
+            EXPECT_EQ(before, readFile(m_file));
+    }
+}
+
+TEST_P(ConfigurationManagerSaveReport, IsThatOfTheOuterOfTwoSaves) {
+    useOneFile();
+    const auto object = add(std::make_shared<Support::ActingObject>("Test"));
+    object->value<int>("a").setValue(5);
+    object->onSave = [&] {
+        EXPECT_FALSE(m_manager.saveConfigurationToFile(m_directory.path().string(), "1.0"));
+    };
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::Saved, report().reason);
+    EXPECT_FALSE(report().error);
+    EXPECT_EQ("", report().text);
+    EXPECT_THAT(readFile(m_file), HasSubstr("<a>5</a>"));
 }
 
 TEST_P(ConfigurationManagerSaveReport, TellsOfADamagedFile) {
@@ -143,6 +213,23 @@ TEST_P(ConfigurationManagerSaveReport, RefusesToWriteTheSystemFile) {
         EXPECT_EQ(Report::SameFile, report().reason);
         EXPECT_EQ(before, readFile(m_systemFile));
     }
+}
+
+TEST_P(ConfigurationManagerSaveReport, RefusesToMakeTheSystemFile) {
+    std::filesystem::create_symlink("system.xml", m_userFile.toString());
+    useTwoFiles();
+    addChanged();
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::SameFile, report().reason);
+    EXPECT_FALSE(std::filesystem::exists(m_systemFile.toString()));
+}
+
+TEST_P(ConfigurationManagerSaveReport, GoesOnWithASystemFileWhoseNameNoFileCanHave) {
+    m_manager.setSystemAndUserConfigurationFile(FileName(std::string("system\0.xml", 11)),
+                                                m_userFile);
+    addChanged();
+    EXPECT_TRUE(save()) << report().text;
+    EXPECT_EQ(document("<Test><a>5</a></Test>"), withoutFormatting(readFile(m_userFile)));
 }
 
 TEST_P(ConfigurationManagerSaveReport, RefusesWhenTheUsersFileCouldNotBeReadAtTheLoad) {
@@ -206,12 +293,75 @@ TEST_P(ConfigurationManagerSaveReport, RefusesWhenTheSystemFileCannotBeReadAnyMo
     EXPECT_FALSE(std::filesystem::exists(m_userFile.toString()));
 }
 
+TEST_P(ConfigurationManagerSaveReport, RefusesWhenTheSystemFileWasEmptyAtTheLoad) {
+    useTwoFiles();
+    writeFile(m_systemFile, "");
+    addChanged();
+    writeFile(m_systemFile, document("<Test><a editable=\"false\">6</a></Test>"));
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::NotLoaded, report().reason);
+    EXPECT_FALSE(std::filesystem::exists(m_userFile.toString()));
+}
+
+TEST_P(ConfigurationManagerSaveReport, KnowsTheSystemFileAfterAResetFromTheUsersFile) {
+    useTwoFiles();
+    writeFile(m_systemFile, document("<Test><b>6</b></Test>"));
+    const auto object = addChanged();
+    m_manager.resetConfigurationObject("Test", true);
+    object->value<int>("a").setValue(5);
+    writeFile(m_systemFile, "<broken");
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::Damaged, report().reason);
+    EXPECT_FALSE(std::filesystem::exists(m_userFile.toString()));
+}
+
+TEST_P(ConfigurationManagerSaveReport, KnowsTheSystemFileAfterASaveWithoutIt) {
+    useTwoFiles();
+    writeFile(m_systemFile, document("<Test><b>6</b></Test>"));
+    const auto object = addChanged();
+    std::filesystem::remove(m_systemFile.toString());
+    EXPECT_TRUE(save());
+    const std::string before = readFile(m_userFile);
+    object->value<int>("a").setValue(7);
+    writeFile(m_systemFile, "<broken");
+    EXPECT_FALSE(save());
+    EXPECT_EQ(Report::Damaged, report().reason);
+    EXPECT_EQ(before, readFile(m_userFile));
+}
+
+TEST_P(ConfigurationManagerSaveReport, ResetsNothingWithoutARequiredSystemFile) {
+    useTwoFiles();
+    writeFile(m_systemFile, document("<Test><b editable=\"false\">6</b></Test>"));
+    writeFile(m_userFile, document("<Test><a>7</a></Test>"));
+    const auto object = addChanged();
+    m_manager.setSystemFileRequired(true);
+    std::filesystem::remove(m_systemFile.toString());
+    for (const bool fromUserFile : {false, true}) {
+        m_manager.resetConfigurationObject("Test", fromUserFile);
+        EXPECT_EQ(5, object->value<int>("a").getValue());
+        EXPECT_EQ(6, object->value<int>("b").getValue());
+        EXPECT_FALSE(object->value<int>("b").isEditable());
+    }
+}
+
+TEST_P(ConfigurationManagerSaveReport, GoesOnWhenTheVersionOfItsOwnFileIsAcceptedLater) {
+    useOneFile();
+    m_manager.setValidVersionList({});
+    const auto object = addChanged();
+    EXPECT_EQ(!isMerge(), save());
+    EXPECT_EQ(isMerge() ? Report::OtherVersion : Report::Saved, report().reason);
+    EXPECT_EQ(!isMerge(), std::filesystem::exists(m_file.toString()));
+    m_manager.setValidVersionList({"1.0"});
+    object->value<int>("a").setValue(6);
+    EXPECT_TRUE(save()) << report().text;
+    EXPECT_THAT(readFile(m_file), HasSubstr("<a>6</a>"));
+}
+
 TEST_P(ConfigurationManagerSaveReport, GoesOnWithoutASystemFileUnlessItIsRequired) {
     useTwoFiles();
     addChanged();
     EXPECT_TRUE(save());
     m_manager.setSystemFileRequired(true);
-    m_manager.getConfigurationObject("Test");
     EXPECT_FALSE(save());
     EXPECT_EQ(Report::NotLoaded, report().reason);
     EXPECT_THAT(report().text, HasSubstr("system.xml"));

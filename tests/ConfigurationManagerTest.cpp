@@ -613,15 +613,8 @@ TEST_F(ConfigurationManagerResets, MayMeetAnObjectThatRebuildsItsChildren) {
     EXPECT_EQ(3U, object->getConfigurationObjectsSize());
 }
 
-/// Cannot be created again or cloned.
-class Unmakeable : public TestObject {
-public:
-    Unmakeable() : TestObject("Unmakeable") { add("a", 1); }
-    ConfigurationObject* createConfigurationObject() const override { return nullptr; }
-};
-
 TEST_F(ConfigurationManagerResets, CopyAnObjectOnlyWhereTheyPutItsLocksBack) {
-    const auto object = add(std::make_shared<Unmakeable>());
+    const auto object = add(std::make_shared<Support::Unmakeable>());
     const auto valueAfterReset = [&](bool fromUserFile) {
         object->value<int>("a").setValue(9);
         m_manager.resetConfigurationObject("Unmakeable", fromUserFile);

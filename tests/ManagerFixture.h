@@ -13,6 +13,22 @@
 
 namespace Orvant::Support {
 
+using SaveMode = ConfigurationManager::SaveMode;
+
+inline const auto anySaveMode = testing::Values(
+    ConfigurationManager::InPlace, ConfigurationManager::Replace, ConfigurationManager::Merge);
+
+inline std::string nameOf(SaveMode mode) {
+    return mode == ConfigurationManager::InPlace   ? "InPlace"
+           : mode == ConfigurationManager::Replace ? "Replace"
+                                                   : "Merge";
+}
+
+/// Names a test by its save mode.
+inline std::string nameOfMode(const testing::TestParamInfo<SaveMode>& info) {
+    return nameOf(info.param);
+}
+
 /// The manager, empty and without files at the start of each test and again at its end: there is
 /// only one for the whole process.
 class ManagerFixture : public testing::Test {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <FileSizeLimit.h>
+#include <OwnProcess.h>
 #include <TestSupport.h>
 
 #include <ConfigurationFramework/ConfigException.h>
@@ -20,9 +21,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Orvant::Support {
 
@@ -125,31 +123,11 @@ struct PrivateMember {
     friend typename Tag::type memberOf(Tag) { return Member; }
 };
 
-/// Runs an action in its own process, which can limit itself.
-/// @return what the action returns
-inline int inOwnProcess(const std::function<int()>& action) {
-    const pid_t child = fork();
-    if (child == 0)
-        _exit(action());
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
-}
-
 /// Runs an action while no file may become larger.
 template <typename Action>
 void withLargestFile(std::size_t size, const Action& action) {
     const FileSizeLimit limit(size);
     action();
-}
-
-/// Runs an action in a process that permissions bind, unlike one of root.
-/// @return what the action returns
-inline int asOrdinaryUser(const std::function<int()>& action) {
-    return inOwnProcess([&action] {
-        const bool ordinary = geteuid() != 0 || setuid(65534) == 0;
-        return ordinary ? action() : 99;
-    });
 }
 
 /// A reader that has read a good schema from a file that is then overwritten.

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace Orvant::Support {
 
@@ -117,6 +118,18 @@ void ThrowingObject::saveContent(ConfigWriter& writer) const {
 
 void ThrowingObject::saveContent(ConfigWriter& writer, ConfigReader&, bool) const {
     saveContent(writer);
+}
+
+void ActingObject::loadContent(ConfigReader& reader) {
+    TestObject::loadContent(reader);
+    if (const auto action = std::exchange(onLoad, nullptr))
+        action();
+}
+
+void ActingObject::saveContent(ConfigWriter& writer) const {
+    if (const auto action = std::exchange(onSave, nullptr))
+        action();
+    TestObject::saveContent(writer);
 }
 
 } // namespace Orvant::Support

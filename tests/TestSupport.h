@@ -149,4 +149,26 @@ public:
     bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
 };
 
+/// Has a value "a" (1); cannot be created again or cloned.
+class Unmakeable : public TestObject {
+public:
+    Unmakeable() : TestObject("Unmakeable") { add("a", 1); }
+    ConfigurationObject* createConfigurationObject() const override { return nullptr; }
+};
+
+/// Has a value "a" (1), and does something once, when it is loaded or saved in full.
+class ActingObject : public TestObject {
+public:
+    explicit ActingObject(const std::string& name) : TestObject(name) { add("a", 1); }
+    ConfigurationObject* createConfigurationObject() const override {
+        return new ActingObject(getName());
+    }
+    void loadContent(ConfigReader& reader) override;
+    using TestObject::saveContent;
+    void saveContent(ConfigWriter& writer) const override;
+
+    mutable std::function<void()> onLoad;
+    mutable std::function<void()> onSave;
+};
+
 } // namespace Orvant::Support

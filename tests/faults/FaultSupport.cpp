@@ -13,12 +13,6 @@ namespace Orvant::Support {
 
 namespace fs = std::filesystem;
 
-std::string nameOf(SaveMode mode) {
-    return mode == ConfigurationManager::InPlace   ? "InPlace"
-           : mode == ConfigurationManager::Replace ? "Replace"
-                                                   : "Merge";
-}
-
 FaultFixture::FaultFixture() {
     fs::create_directory(m_userFolder);
     fs::create_directory(m_systemFolder);

@@ -14,10 +14,6 @@
 
 namespace Orvant::Support {
 
-using SaveMode = ConfigurationManager::SaveMode;
-
-std::string nameOf(SaveMode mode);
-
 /// The manager with its files in a folder of their own each.
 class FaultFixture : public ManagerFixture {
 protected:
