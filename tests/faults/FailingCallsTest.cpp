@@ -19,6 +19,7 @@ using Support::TestObject;
 using testing::AnyOf;
 using testing::Eq;
 using testing::HasSubstr;
+using testing::Not;
 using testing::Values;
 
 /// What is saved, compared with what the user's file holds.
