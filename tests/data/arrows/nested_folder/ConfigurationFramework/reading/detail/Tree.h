@@ -1,1 +1,1 @@
-#  include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigWriter.h>
