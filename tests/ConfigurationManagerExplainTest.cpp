@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
 #include <random>
@@ -25,7 +26,10 @@ using Strings = std::vector<std::string>;
 
 /// Everything in an origin; of the file, only the name.
 std::string show(const ConfigurationOrigin& origin) {
-    static const std::vector<std::string> s_layers{"default", "system", "user"};
+    static const std::map<ConfigurationOrigin::Layer, std::string> s_layers{
+        {ConfigurationOrigin::Default, "default"},
+        {ConfigurationOrigin::System, "system"},
+        {ConfigurationOrigin::User, "user"}};
     const auto text = [](const std::optional<std::string>& value) {
         return value ? "'" + *value + "'" : "-";
     };

@@ -29,9 +29,9 @@ std::string show(const ConfigurationProblem& problem) {
                                  "NotConverted", "Partly",       "OutOfRange",
                                  "OddLock",      "Unknown",      "Twice"};
     const std::string file = problem.file.toString();
-    return s_kinds.at(problem.kind) + ' ' + file.substr(file.find_last_of("/\\") + 1) + ':' +
-           std::to_string(problem.line) + ':' + std::to_string(problem.column) + ' ' +
-           problem.path + ": " + problem.text;
+    return s_kinds.at(static_cast<std::size_t>(problem.kind)) + ' ' +
+           file.substr(file.find_last_of("/\\") + 1) + ':' + std::to_string(problem.line) + ':' +
+           std::to_string(problem.column) + ' ' + problem.path + ": " + problem.text;
 }
 
 class ConfigurationManagerProblems : public ManagerFixture {

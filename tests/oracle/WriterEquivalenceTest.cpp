@@ -113,9 +113,9 @@ int operate(Writer& writer, Reader& reader, Random& random) {
         writer.createKeyedNodeAndMakeCurrent(name, key, comment);
         return 0;
     case 4:
-        return writer.setCurrentNode(name);
+        return static_cast<int>(writer.setCurrentNode(name));
     case 5:
-        return writer.setCurrentKeyedNode(name, key);
+        return static_cast<int>(writer.setCurrentKeyedNode(name, key));
     case 6:
         writer.deleteNodes(name, key);
         return 0;
