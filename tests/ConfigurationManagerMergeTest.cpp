@@ -500,6 +500,38 @@ protected:
 INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMergeTwoFiles, Values(true),
                          [](const auto&) { return "Merge"; });
 
+/// Writes a counter among its differences only.
+class CountingObject : public TestObject {
+public:
+    using TestObject::TestObject;
+    ConfigurationObject* createConfigurationObject() const override {
+        auto* const fresh = new CountingObject("Test");
+        fresh->add("a", 1);
+        return fresh;
+    }
+    using TestObject::saveContent;
+    void saveContent(ConfigWriter& writer, ConfigReader& reader,
+                     bool onlyDifferent) const override {
+        TestObject::saveContent(writer, reader, onlyDifferent);
+        writer.putInt("Count", count, "");
+    }
+    bool canBeSavedToUserConfig(ConfigReader&) const override { return true; }
+
+    int count = 0;
+};
+
+TEST_P(ConfigurationManagerMergeTwoFiles, WritesWhatAClassHasAmongItsDifferencesOnly) {
+    write("<Test><a>5</a></Test>");
+    const auto object = std::make_shared<CountingObject>("Test");
+    object->add("a", 1);
+    add(object);
+    object->count = 7;
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><a>5</a><Count>7</Count></Test>", contents());
+    EXPECT_TRUE(save());
+    EXPECT_EQ(Report::NothingToSave, reason());
+}
+
 TEST_P(ConfigurationManagerMergeTwoFiles, RemovesAValueThatIsTheSystemsAgain) {
     writeSystem("<Test><a>5</a><b>6</b></Test>");
     write("<Test><a>50</a><!--of b--><b>60</b></Test>");

@@ -3,7 +3,7 @@
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/files/FileSaving.h>
-#include <ConfigurationFramework/reading/TreeBuildingParser.h>
+#include <ConfigurationFramework/reading/ParsedDocument.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/IndexThreshold.h>
@@ -11,7 +11,6 @@
 
 #include <FileHandling/FileName.h>
 #include <GeneralServices/XercesHelperFunctions.h>
-#include <GeneralServices/XmlErrorHandler.h>
 #include <Logging/Logging.h>
 
 #include <source_location>
@@ -40,16 +39,6 @@ constexpr const XMLCh* versionAttribute = u"version";
 
 /// A document with no more nodes than this is within all limits for opening.
 constexpr std::size_t mostNodesWithinAllBounds = 50'000;
-
-/// Whether readers, and the next writer, will open a document: what is saved must not be lost.
-bool canBeOpened(const std::string& document) {
-    ParserConfinement confinement(ParserConfinement::configurations);
-    XmlErrorHandler errors;
-    const auto parser = confinement.makeParser<TreeBuildingParser>();
-    parser->setErrorHandler(&errors);
-    confinement.parseBytes(*parser, document);
-    return !errors.getSawErrors();
-}
 
 void logError(const std::string& message,
               const std::source_location& place = std::source_location::current()) {
@@ -343,7 +332,8 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
 
 PrintedDocument ConfigWriterImpl::print() const {
     PrintedDocument printed = printDocument(*m_document);
-    if (printed.nodes > mostNodesWithinAllBounds && !canBeOpened(printed.text))
+    // What readers, and the next writer, do not open would be lost.
+    if (printed.nodes > mostNodesWithinAllBounds && parseDocument(printed.text) == nullptr)
         return {.problem = "The document is too large to be opened again"};
     return printed;
 }

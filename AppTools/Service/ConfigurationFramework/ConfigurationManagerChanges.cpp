@@ -133,28 +133,23 @@ void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& regist
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
                                       WrittenElement now, std::optional<WrittenElement> base) {
-    const bool isEmpty = now.children.empty() && now.text.empty();
     const bool isUnchanged = base && *base == now;
-    // A class may write nothing but differences.
-    if (isUnchanged && !(isEmpty && m_system != nullptr)) {
-        m_states.push_back({registration, std::move(now)});
-        return;
-    }
     m_states.push_back({registration, now});
-    std::optional<WrittenElement> stored = now;
+    std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
         ConfigWriter writer("");
         m_reference.setCompared(registration);
         ElementAddress(registration).putDifferences(writer, *registration.object, m_reference);
         stored = takeOnlyElement(writer);
+    } else {
+        stored = now;
     }
-    if (isUnchanged && stored && stored->children.empty() && stored->text.empty())
+    if (isUnchanged && (!stored || !hasMore(*stored, now)))
         return;
     // What was loaded from the element without a key has to move to the one with the key.
-    if (base && !isUnchanged && !isFallbackUsed(registration))
+    if (base && (isUnchanged || !isFallbackUsed(registration)))
         m_base.children.push_back(std::move(*base));
-    if (!isUnchanged)
-        m_now.children.push_back(std::move(now));
+    m_now.children.push_back(std::move(now));
     if (stored)
         m_stored.children.push_back(std::move(*stored));
 }

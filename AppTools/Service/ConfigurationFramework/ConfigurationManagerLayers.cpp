@@ -6,11 +6,8 @@
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 #include <ConfigurationFramework/files/RegularFile.h>
 #include <ConfigurationFramework/reading/ParsedDocument.h>
-#include <ConfigurationFramework/reading/TreeBuildingParser.h>
-#include <ConfigurationFramework/xml/ConfinedParsing.h>
 
 #include <FileHandling/FileUtilities.h>
-#include <GeneralServices/XmlErrorHandler.h>
 
 #include <algorithm>
 #include <utility>
@@ -23,18 +20,6 @@ bool isThere(const FileName& file) try {
     return !file.empty() && FileUtilities::exists(file);
 } catch (const FileNameException&) {
     return false;
-}
-
-/// @return null when it cannot be parsed
-std::shared_ptr<ParsedDocument> parse(const std::string& bytes) {
-    XmlErrorHandler errors;
-    ParserConfinement confinement(ParserConfinement::configurations);
-    const auto parser = confinement.makeParser<TreeBuildingParser>();
-    parser->setErrorHandler(&errors);
-    confinement.parseBytes(*parser, bytes);
-    if (errors.getSawErrors() || parser->getTree() == nullptr)
-        return nullptr;
-    return std::make_shared<ParsedDocument>(bytes, std::move(*parser->getTree()));
 }
 
 bool isAcceptable(const std::string& bytes, const std::list<std::string>& validVersions) try {
@@ -71,7 +56,7 @@ LayerDocument::LayerDocument(const FileName& file, std::string bytes, bool isAcc
 
 std::shared_ptr<ParsedDocument> LayerDocument::document() const {
     if (m_isAccepted && m_document == nullptr)
-        m_document = parse(m_bytes);
+        m_document = parseDocument(m_bytes);
     return m_document;
 }
 

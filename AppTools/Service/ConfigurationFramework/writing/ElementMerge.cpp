@@ -29,9 +29,9 @@ const ElementId& idOf(const ElementChange& change) {
 
 bool isChanged(const ElementChange& change) {
     const auto& [base, now, stored] = change;
-    if (base == nullptr && now == nullptr)
-        return true; // written in a save of differences, but not in one in full
-    return base == nullptr || now == nullptr || !(*base == *now);
+    if (base == nullptr || now == nullptr || !(*base == *now))
+        return true;
+    return stored != nullptr && hasMore(*stored, *now);
 }
 
 /// Whether the change is made child by child.

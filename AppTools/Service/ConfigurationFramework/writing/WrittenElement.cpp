@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/xml/DomWalk.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace Orvant {
@@ -31,6 +32,18 @@ ElementId identityOf(const xercesc::DOMElement& element) {
     if (element.hasAttribute(keyAttribute))
         id.key = element.getAttribute(keyAttribute);
     return id;
+}
+
+bool hasMore(const WrittenElement& differing, const WrittenElement& full) {
+    if (!differing.isGroup())
+        return !(differing.children.empty() && differing.text.empty()) && !(differing == full);
+    std::map<ElementId, const WrittenElement*> parts;
+    for (const WrittenElement& part : full.children)
+        parts.emplace(part.id, &part);
+    return std::ranges::any_of(differing.children, [&](const WrittenElement& child) {
+        const auto part = parts.find(child.id);
+        return part == parts.end() || hasMore(child, *part->second);
+    });
 }
 
 WrittenElement copyOf(const xercesc::DOMElement& element) {

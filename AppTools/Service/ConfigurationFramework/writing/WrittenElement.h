@@ -39,6 +39,10 @@ struct WrittenElement {
 
 ElementId identityOf(const xercesc::DOMElement& element);
 
+/// Whether a class that writes what differs writes more than what it writes in full: what changes
+/// there is not seen by comparing what it writes in full.
+bool hasMore(const WrittenElement& differing, const WrittenElement& full);
+
 /// @return a copy of an element that an object wrote: the copy recurses, and documents of others
 ///         may be nested deeper than the stack
 WrittenElement copyOf(const xercesc::DOMElement& element);
