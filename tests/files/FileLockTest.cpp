@@ -220,6 +220,16 @@ TEST_F(FileLockTest, MakesItsFileAsTheMaskSays) {
     EXPECT_EQ(fs::perms(0640), fs::status(lockFile.toPath()).permissions());
 }
 
+TEST_F(FileLockTest, LetsAllLockWhoMayWriteTheTarget) {
+    writeFile(directory.file("settings.xml"), "");
+    fs::permissions(directory.path() / "settings.xml", fs::perms(0664));
+    EXPECT_EQ(0, inOwnProcess([&] {
+                  umask(077);
+                  return tryIt() == State::Held ? 0 : 1;
+              }));
+    EXPECT_EQ(fs::perms(0664), fs::status(lockFile.toPath()).permissions());
+}
+
 TEST_F(FileLockTest, LeavesTheBytesOfItsFile) {
     writeFile(lockFile, "a note");
     EXPECT_EQ(State::Held, tryIt());

@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/files/FileLock.h>
 
 #include <ConfigurationFramework/files/FileLinks.h>
+#include <ConfigurationFramework/files/FileRights.h>
 #include <ConfigurationFramework/files/OpenFile.h>
 #include <ConfigurationFramework/files/RegularFile.h>
 
@@ -60,6 +61,10 @@ fs::path lockFileOf(const FileName& target, std::error_code& error) {
 std::error_code makeLockFile(const fs::path& lockFile) {
     const OpenFile made(lockFile, OpenFile::Purpose::Make);
     std::error_code error;
+    // Whoever may write the target has to be able to lock it. As far as the system allows.
+    const fs::path target = fs::path(lockFile).replace_extension();
+    if (made.isOpen() && fs::is_regular_file(target, error)) [[maybe_unused]]
+        const bool given = FileRights(target).giveTo(made.descriptor());
     const fs::file_status status = fs::symlink_status(lockFile, error);
     if (fs::is_regular_file(status))
         return {};

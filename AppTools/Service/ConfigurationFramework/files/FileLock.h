@@ -10,8 +10,9 @@ namespace Orvant {
 class FileName;
 
 /// The lock that all processes of the library take while they change a file. It is on a file beside
-/// the target, "TARGET.lock" (links to the target are followed), which is never deleted: a process
-/// could otherwise lock a file that has no name any more.
+/// the target, "TARGET.lock" (links to the target are followed), which gets the rights of the
+/// target if that is there, so that whoever may write it can lock it. It is never deleted: a
+/// process could otherwise lock a file that has no name any more.
 ///
 /// The system's locks belong to a process: they do not exclude a second lock of the same process,
 /// and end as soon as it closes the lock file anywhere. So the locks of a process also exclude each
