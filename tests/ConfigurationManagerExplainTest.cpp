@@ -169,6 +169,32 @@ TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAfterASave) {
     m_manager.setSaveMode(ConfigurationManager::InPlace);
 }
 
+TEST_F(ConfigurationManagerExplain, KnowsWhatAMergeWroteBesideOthersChanges) {
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    writeTwo("", "<View><Zoom>3</Zoom></View>");
+    const auto view = addView();
+    writeFile(m_userFile, document("<Other/><View><Zoom>3</Zoom></View>"));
+    view->value<int>("Zoom").setValue(7);
+    ASSERT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_EQ(Lines{"View/Zoom = '7' user | - | '7' | user.xml:6"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, KnowsWhatAResetRead) {
+    writeOne("<View><Zoom>3</Zoom></View>");
+    addView();
+    writeOne("<View><Zoom>5</Zoom></View>");
+    m_manager.resetConfigurationObject("View", true);
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:1"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, LeavesOutWhatXmlCannotName) {
+    writeOne("<View><Zoom>5</Zoom></View>");
+    addView();
+    add(TestObject::make("Bad Name", [](TestObject& o) { o.add("Zoom", 1); }));
+    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:1"}, explained());
+    EXPECT_TRUE(m_manager.getLoadProblems().empty());
+}
+
 TEST_F(ConfigurationManagerExplain, IsAboutTheFilesOfTheLastLoadUntilOthersAreLoaded) {
     writeOne("<View><Zoom>5</Zoom></View>");
     addView();

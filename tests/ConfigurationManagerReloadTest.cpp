@@ -137,6 +137,39 @@ TEST_P(ConfigurationManagerReload, TakesNothingWithoutARequiredSystemFile) {
     EXPECT_EQ(5, get(*object, "a"));
 }
 
+TEST_P(ConfigurationManagerReload, IsStillNeededAfterALaterRegistration) {
+    writeFiles("<Test><a>5</a></Test>", "");
+    add(makeObject());
+    writeFiles("<Test><a editable=\"false\">6</a></Test>", "");
+    add(makeObject("Late"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload, TakesNothingFromAnEmptyFile) {
+    writeFiles("", "<Test><a>5</a></Test>");
+    const auto object = add(makeObject());
+    writeFile(m_userFile, "");
+    EXPECT_FALSE(m_manager.reloadConfiguration());
+    EXPECT_EQ(5, get(*object, "a"));
+}
+
+TEST_P(ConfigurationManagerReload, IsStillNeededAfterASaveThatMetOthersChanges) {
+    writeFiles("", "<Test><a>5</a></Test>");
+    const auto* const switches = DisableFeaturesConfiguration::getRegisteredInstance();
+    const auto object = add(makeObject());
+    writeFiles("", "<Test><a>5</a></Test><DisableFeaturesConfiguration><PlannerFixturesDisable>true"
+                   "</PlannerFixturesDisable></DisableFeaturesConfiguration>");
+    object->value<int>("b").setValue(7);
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_TRUE(switches->getPlannerFixturesDisable());
+    EXPECT_EQ(7, get(*object, "b"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
 TEST_P(ConfigurationManagerReload, TakesOverFeatureSwitches) {
     const auto element = [](const std::string& value) {
         return "<DisableFeaturesConfiguration><PlannerFixturesDisable>" + value +

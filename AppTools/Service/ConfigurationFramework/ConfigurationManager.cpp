@@ -29,20 +29,32 @@ namespace {
 
 const Logging s_log("ConfigurationManager");
 
+void logProblem(const ConfigurationRegistration& registration, const std::string& problem) {
+    s_log.logERROR("The object \"" + registration.name + "\" is left out: " + problem, __FILE__,
+                   __func__, __LINE__);
+}
+
+/// Keeps names that XML cannot hold, for which Xerces throws an exception of its own, from the
+/// application.
+template <typename Action>
+void guardUnwritable(const ConfigurationRegistration& registration, Action action) {
+    try {
+        action();
+    } catch (const std::exception&) {
+        throw;
+    } catch (...) {
+        logProblem(registration, "it cannot be written as XML");
+    }
+}
+
 /// Keeps what fails for one object from the others.
 template <typename Action>
 void guard(const ConfigurationRegistration& registration, Action action) {
-    std::string problem;
     try {
-        action();
-        return;
+        guardUnwritable(registration, action);
     } catch (const std::exception& e) {
-        problem = e.what();
-    } catch (...) {
-        problem = "it cannot be written as XML";
+        logProblem(registration, e.what());
     }
-    s_log.logERROR("The object \"" + registration.name + "\" was not reloaded: " + problem,
-                   __FILE__, __func__, __LINE__);
 }
 
 } // namespace
@@ -199,11 +211,23 @@ void ConfigurationManager::setKnown(const ConfigurationRegistration& registratio
 
 /// Keeps what was written to the user's file. The system file stays known as it was loaded, so that
 /// a change of it is noticed.
-void ConfigurationManager::setSaved(const LayerDocument& user) const {
-    auto layers = m_layers == nullptr ? std::make_shared<ConfigurationManagerLayers>()
-                                      : std::make_shared<ConfigurationManagerLayers>(*m_layers);
-    layers->user = user;
-    m_layers = std::move(layers);
+/// @param isTakenOver whether the objects know all that the file holds
+void ConfigurationManager::setSaved(const LayerDocument& user, bool isTakenOver) const {
+    const auto withUser = [&](const auto& former) {
+        auto layers = former == nullptr ? std::make_shared<ConfigurationManagerLayers>()
+                                        : std::make_shared<ConfigurationManagerLayers>(*former);
+        layers->user = user;
+        return layers;
+    };
+    m_layers = withUser(m_layers);
+    if (isTakenOver)
+        m_takenOver = withUser(m_takenOver);
+}
+
+/// Whether the objects know all that the user's file holds, if it is there.
+bool ConfigurationManager::isTakenOver(bool exists, const std::string& bytes) const {
+    return m_takenOver == nullptr ||
+           (m_takenOver->user.exists() == exists && m_takenOver->user.bytes() == bytes);
 }
 
 bool ConfigurationManager::isAccepted(const std::string& version) const {
@@ -235,6 +259,9 @@ bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader)
         m_layers = nullptr;
     else if (m_layers == nullptr || !m_layers->holdSame(layers)) // one copy for many loads
         m_layers = std::make_shared<const ConfigurationManagerLayers>(std::move(layers));
+    // A later registration does not show the others what changed since theirs.
+    if (m_takenOver == nullptr)
+        m_takenOver = m_layers;
     return m_layers != nullptr && mayLoad(*m_layers) &&
            (m_layers->system.isAccepted() || m_layers->user.isAccepted());
 }
@@ -264,6 +291,7 @@ void ConfigurationManager::reset() {
     m_taken.clear();
     m_removed.clear();
     m_layers.reset();
+    m_takenOver.reset();
     m_fileMode = NoFiles;
     m_configurationFile = FileName();
     m_systemFile = FileName();
@@ -315,6 +343,10 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
                                    : std::make_shared<ConfigurationManagerLayers>(*known->loaded);
     (fromSystemFile ? atLoad->system : atLoad->user) = document;
     setKnown(registration, {std::move(atLoad), std::move(layers), std::nullopt});
+    auto seen = m_layers == nullptr ? std::make_shared<ConfigurationManagerLayers>()
+                                    : std::make_shared<ConfigurationManagerLayers>(*m_layers);
+    (fromSystemFile ? seen->system : seen->user) = document;
+    m_layers = std::move(seen);
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -325,17 +357,16 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
 }
 
 bool ConfigurationManager::haveFilesChanged() const {
-    if (m_layers == nullptr)
+    if (m_takenOver == nullptr)
         return false;
     AdvancedConfigReader reader;
-    return !m_layers->holdSame(readLayers(reader));
+    return !m_takenOver->holdSame(readLayers(reader));
 }
 
 bool ConfigurationManager::reloadConfiguration() {
     AdvancedConfigReader reader;
     const auto layers = std::make_shared<const ConfigurationManagerLayers>(readLayers(reader));
-    const bool isUserUsable = !layers->user.isRefused() || countsAsMissing(layers->user);
-    if (layers->system.isRefused() || !isUserUsable || !mayLoad(*layers))
+    if (layers->system.isRefused() || layers->user.isRefused() || !mayLoad(*layers))
         return false;
     // Loaded is what a save would make of the user's file, so that unsaved changes stay.
     ConfigurationManagerChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
@@ -347,6 +378,7 @@ bool ConfigurationManager::reloadConfiguration() {
         });
     changes.addTo(reader);
     m_layers = layers;
+    m_takenOver = layers;
     // A copy: an object may register others, or reset the manager, while it is loaded.
     for (const ConfigurationRegistration& registration : getRegistrations())
         guard(registration, [&] {
@@ -364,23 +396,26 @@ bool ConfigurationManager::countsAsMissing(const LayerDocument& layer) const {
 }
 
 std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {
-    if (m_layers == nullptr)
+    // Copies here and below: an object may register others, or save, while it is loaded.
+    const auto layers = m_layers;
+    if (layers == nullptr)
         return {};
-    ConfigurationManagerChecking checking(*m_layers, m_validVersions, m_systemFileRequired);
-    for (const auto& [name, registration] : m_objects)
-        checking.add(registration);
+    ConfigurationManagerChecking checking(*layers, m_validVersions, m_systemFileRequired);
+    for (const ConfigurationRegistration& registration : getRegistrations())
+        guardUnwritable(registration, [&] { checking.add(registration); });
     return checking.problems();
 }
 
 std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
-    const ConfigurationManagerLayers none;
-    const ConfigurationManagerLayers& layers = m_layers == nullptr ? none : *m_layers;
-    ConfigurationManagerExplaining explaining(layers);
-    for (const auto& [name, registration] : m_objects) {
-        // Not knownOf(): other files may be set by now.
-        const KnownState* const known = m_taken.at({registration.name, registration.key}).get();
-        explaining.add(registration, known != nullptr && !known->isLoadRefused &&
-                                         known->layers->user.isOf(layers.user.file()));
+    const auto layers =
+        m_layers == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : m_layers;
+    ConfigurationManagerExplaining explaining(*layers);
+    for (const ConfigurationRegistration& registration : getRegistrations()) {
+        // Other files may be set by now.
+        const KnownState* const known = knownOf(registration);
+        const bool isLoaded = known != nullptr && !known->isLoadRefused &&
+                              known->layers->user.isOf(layers->user.file());
+        guardUnwritable(registration, [&] { explaining.add(registration, isLoaded); });
     }
     return explaining.takeOrigins();
 }

@@ -214,7 +214,8 @@ public:
     /// children that writes nothing, since only its class knows what it reads.
     /// @return problems of the system file, then those of the user's, in the order of the text
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
-    ///         what objects throw when they are loaded or saved
+    ///         what objects throw when they are loaded or saved; an object that XML cannot
+    ///         name is left out, with an error in the log
     std::vector<ConfigurationProblem> getLoadProblems() const;
     /// Tells for every value of every registered object where it comes from, according to the files
     /// as they were at the last load or save. Includes values that are never saved, and what a
@@ -226,7 +227,8 @@ public:
     /// @return origins in the order of saving; in an object, values come before children, and these
     ///         before what else the class saves
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
-    ///         what objects throw when they are loaded or saved
+    ///         what objects throw when they are loaded or saved; an object that XML cannot
+    ///         name is left out, with an error in the log
     std::vector<ConfigurationOrigin> explain() const;
 
     /// Unregisters an object; the next save drops its element from the file.
@@ -293,7 +295,8 @@ private:
     bool countsAsMissing(const LayerDocument& layer) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
-    void setSaved(const LayerDocument& user) const;
+    void setSaved(const LayerDocument& user, bool isTakenOver) const;
+    bool isTakenOver(bool exists, const std::string& bytes) const;
     bool isAccepted(const std::string& version) const;
     void finishFileChange(const FileName& formerTarget);
     bool addSourceToConfigReader(AdvancedConfigReader& reader);
@@ -323,6 +326,8 @@ private:
     mutable std::set<Address> m_removed; ///< the next save drops their elements
     /// What the files held at the last load or save; null: there was none.
     mutable std::shared_ptr<const ConfigurationManagerLayers> m_layers;
+    /// What the files held that all objects know of; null: nothing.
+    mutable std::shared_ptr<const ConfigurationManagerLayers> m_takenOver;
 };
 
 } // namespace Orvant

@@ -164,21 +164,29 @@ bool ConfigurationManager::Saving::run(const std::string& version) {
 /// Writes the document that holds all objects, over what the file holds for them.
 void ConfigurationManager::Saving::write(const std::string& version) {
     checkUserFile();
-    auto writer = openTarget(version);
+    const auto takenOver = m_manager.m_takenOver;
+    bool wasTakenOver = true;
+    auto writer = openTarget(version, wasTakenOver);
     dropRemoved(ConfigWriterImpl::of(*writer));
     if (m_differencesOnly)
         m_manager.saveUserAndCompareWithSystemConfiguration(writer, m_target);
     else
         m_manager.saveSingleConfiguration(writer, m_target);
+    if (!wasTakenOver)
+        m_manager.m_takenOver = takenOver;
 }
 
-std::unique_ptr<ConfigWriter>
-ConfigurationManager::Saving::openTarget(const std::string& version) const {
-    if (!FileUtilities::exists(m_target))
+/// @param isTakenOver set to whether the objects know all that the file holds
+std::unique_ptr<ConfigWriter> ConfigurationManager::Saving::openTarget(const std::string& version,
+                                                                       bool& isTakenOver) const {
+    if (!FileUtilities::exists(m_target)) {
+        isTakenOver = m_manager.isTakenOver(false, "");
         return std::make_unique<ConfigWriter>(version);
+    }
     const FileBytes file = readBytes(m_target);
     if (file.error)
         throw failureOf(file.error);
+    isTakenOver = m_manager.isTakenOver(true, *file.bytes);
     try {
         // What the file holds for others survives.
         return ConfigWriterImpl::open(*file.bytes);
@@ -230,7 +238,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
             setSaved(registration, layers, std::nullopt);
-    m_manager.setSaved(layers->user);
+    m_manager.setSaved(layers->user, true);
     m_manager.m_removed.clear();
 }
 
@@ -371,10 +379,7 @@ void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
     for (auto& [registration, written] : changes.takeStates())
         setSaved(registration, layers, std::move(written));
     // What others wrote meanwhile is not taken over yet.
-    const bool holdsOthers =
-        m_manager.m_layers != nullptr && !m_manager.m_layers->user.holdsSame(m_user);
-    if (!holdsOthers)
-        m_manager.setSaved(layers->user);
+    m_manager.setSaved(layers->user, m_manager.isTakenOver(m_user.exists(), m_user.bytes()));
     m_manager.m_removed.clear();
 }
 

@@ -54,7 +54,7 @@ public:
 
 private:
     void write(const std::string& version);
-    std::unique_ptr<ConfigWriter> openTarget(const std::string& version) const;
+    std::unique_ptr<ConfigWriter> openTarget(const std::string& version, bool& isTakenOver) const;
     std::size_t dropRemoved(ConfigWriterImpl& document) const;
     bool isOwnTarget() const;
     void storeAll(const ConfigWriter& writer);

@@ -5,7 +5,6 @@
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -89,7 +88,7 @@ Conversion convertNumber(std::string_view text) {
 Conversion convertFloat(std::string_view text) {
     double number = 0.0;
     const NumberMatch match = matchNumber(text, number);
-    const bool isTooLarge = std::abs(number) > double{std::numeric_limits<float>::max()};
+    const bool isTooLarge = std::isinf(static_cast<float>(number)) && !std::isinf(number);
     // Narrowed to infinity.
     return isTooLarge ? Conversion{Conversion::OutOfRange, number > 0 ? "inf" : "-inf"}
                       : conversionOf(match, formatNumber(number));
