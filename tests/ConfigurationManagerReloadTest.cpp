@@ -170,6 +170,19 @@ TEST_P(ConfigurationManagerReload, IsStillNeededAfterASaveThatMetOthersChanges) 
     EXPECT_FALSE(m_manager.haveFilesChanged());
 }
 
+TEST_P(ConfigurationManagerReload,
+       IsNotNeededAfterTheFirstSaveOfObjectsThatWereThereBeforeTheFiles) {
+    m_manager.reset();
+    add(makeObject())->value<int>("a").setValue(5);
+    writeFiles("<Test><b>6</b></Test>", "");
+    useTwoFiles();
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    writeFiles("<Test><b>7</b></Test>", "");
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+}
+
 TEST_P(ConfigurationManagerReload, TakesOverFeatureSwitches) {
     const auto element = [](const std::string& value) {
         return "<DisableFeaturesConfiguration><PlannerFixturesDisable>" + value +

@@ -10,7 +10,6 @@
 #include <ConfigurationFramework/ConfigurationManagerSaving.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
-
 #include <ConfigurationFramework/files/FileLinks.h>
 
 #include <FileHandling/FileUtilities.h>
@@ -209,19 +208,15 @@ void ConfigurationManager::setKnown(const ConfigurationRegistration& registratio
         taken->second = std::make_shared<const KnownState>(std::move(state));
 }
 
-/// Keeps what was written to the user's file. The system file stays known as it was loaded, so that
-/// a change of it is noticed.
-/// @param isTakenOver whether the objects know all that the file holds
-void ConfigurationManager::setSaved(const LayerDocument& user, bool isTakenOver) const {
-    const auto withUser = [&](const auto& former) {
-        auto layers = former == nullptr ? std::make_shared<ConfigurationManagerLayers>()
-                                        : std::make_shared<ConfigurationManagerLayers>(*former);
-        layers->user = user;
-        return layers;
-    };
-    m_layers = withUser(m_layers);
-    if (isTakenOver)
-        m_takenOver = withUser(m_takenOver);
+/// Keeps what a save left in the files. The system file stays known as it was loaded, so that a
+/// change of it is noticed.
+void ConfigurationManager::setSeen(std::shared_ptr<const ConfigurationManagerLayers> saved) const {
+    m_layers = m_layers == nullptr ? std::move(saved) : m_layers->withUser(saved->user);
+}
+
+/// Has the objects know all that was saved.
+void ConfigurationManager::takeOverSaved() const {
+    m_takenOver = m_takenOver == nullptr ? m_layers : m_takenOver->withUser(m_layers->user);
 }
 
 /// Whether the objects know all that the user's file holds, if it is there.
@@ -333,20 +328,17 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const auto loaded = document.isAccepted()
                             ? ElementAddress(registration).load(reader, *registration.object)
                             : ConfigurationAccessResult::Success;
-    // What the user's file says stays known after a reset from the system's: the reset is a change.
-    auto layers = std::make_shared<ConfigurationManagerLayers>();
-    if (fromSystemFile && m_layers != nullptr)
-        layers->user = m_layers->user;
-    (fromSystemFile ? layers->system : layers->user) = document;
+    const auto withDocument = [&](const ConfigurationManagerLayers& layers) {
+        return fromSystemFile ? layers.withSystem(document) : layers.withUser(document);
+    };
+    const ConfigurationManagerLayers none;
+    const ConfigurationManagerLayers& seen = m_layers == nullptr ? none : *m_layers;
     const KnownState* const known = knownOf(registration);
-    auto atLoad = known == nullptr ? std::make_shared<ConfigurationManagerLayers>()
-                                   : std::make_shared<ConfigurationManagerLayers>(*known->loaded);
-    (fromSystemFile ? atLoad->system : atLoad->user) = document;
-    setKnown(registration, {std::move(atLoad), std::move(layers), std::nullopt});
-    auto seen = m_layers == nullptr ? std::make_shared<ConfigurationManagerLayers>()
-                                    : std::make_shared<ConfigurationManagerLayers>(*m_layers);
-    (fromSystemFile ? seen->system : seen->user) = document;
-    m_layers = std::move(seen);
+    // What the user's file says stays known after a reset from the system's: the reset is a change.
+    setKnown(registration,
+             {withDocument(known == nullptr ? none : *known->loaded),
+              fromSystemFile ? seen.withSystem(document) : none.withUser(document), std::nullopt});
+    m_layers = withDocument(seen);
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -387,12 +379,6 @@ bool ConfigurationManager::reloadConfiguration() {
             setKnown(registration, {layers, layers, std::nullopt});
         });
     return true;
-}
-
-/// An empty file is what a crash leaves. It may also be one that is just being written, so it only
-/// counts as missing where nothing is overwritten.
-bool ConfigurationManager::countsAsMissing(const LayerDocument& layer) const {
-    return m_saveMode == Merge && layer.isEmptyFile();
 }
 
 std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {

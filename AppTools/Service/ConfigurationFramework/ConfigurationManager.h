@@ -292,10 +292,10 @@ private:
     FileName targetFile() const;
     ConfigurationManagerLayers readLayers(AdvancedConfigReader& reader) const;
     bool mayLoad(const ConfigurationManagerLayers& layers) const;
-    bool countsAsMissing(const LayerDocument& layer) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
-    void setSaved(const LayerDocument& user, bool isTakenOver) const;
+    void setSeen(std::shared_ptr<const ConfigurationManagerLayers> saved) const;
+    void takeOverSaved() const;
     bool isTakenOver(bool exists, const std::string& bytes) const;
     bool isAccepted(const std::string& version) const;
     void finishFileChange(const FileName& formerTarget);

@@ -96,4 +96,14 @@ bool ConfigurationManagerLayers::holdSame(const ConfigurationManagerLayers& othe
     return system.holdsSame(other.system) && user.holdsSame(other.user);
 }
 
+std::shared_ptr<const ConfigurationManagerLayers>
+ConfigurationManagerLayers::withSystem(const LayerDocument& other) const {
+    return std::make_shared<const ConfigurationManagerLayers>(other, user);
+}
+
+std::shared_ptr<const ConfigurationManagerLayers>
+ConfigurationManagerLayers::withUser(const LayerDocument& other) const {
+    return std::make_shared<const ConfigurationManagerLayers>(system, other);
+}
+
 } // namespace Orvant

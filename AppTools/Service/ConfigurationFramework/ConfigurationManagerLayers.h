@@ -73,6 +73,12 @@ struct ConfigurationManagerLayers {
     /// @return true when one of them was accepted
     bool addTo(AdvancedConfigReader& reader) const;
     bool holdSame(const ConfigurationManagerLayers& other) const;
+
+    /// @return a copy with another document in one place
+    /// @{
+    std::shared_ptr<const ConfigurationManagerLayers> withSystem(const LayerDocument& other) const;
+    std::shared_ptr<const ConfigurationManagerLayers> withUser(const LayerDocument& other) const;
+    /// @}
 };
 
 } // namespace Orvant

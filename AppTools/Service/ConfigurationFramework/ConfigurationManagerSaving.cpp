@@ -164,7 +164,6 @@ bool ConfigurationManager::Saving::run(const std::string& version) {
 /// Writes the document that holds all objects, over what the file holds for them.
 void ConfigurationManager::Saving::write(const std::string& version) {
     checkUserFile();
-    const auto takenOver = m_manager.m_takenOver;
     bool wasTakenOver = true;
     auto writer = openTarget(version, wasTakenOver);
     dropRemoved(ConfigWriterImpl::of(*writer));
@@ -172,8 +171,8 @@ void ConfigurationManager::Saving::write(const std::string& version) {
         m_manager.saveUserAndCompareWithSystemConfiguration(writer, m_target);
     else
         m_manager.saveSingleConfiguration(writer, m_target);
-    if (!wasTakenOver)
-        m_manager.m_takenOver = takenOver;
+    if (wasTakenOver && isOwnTarget())
+        m_manager.takeOverSaved();
 }
 
 /// @param isTakenOver set to whether the objects know all that the file holds
@@ -203,10 +202,9 @@ void ConfigurationManager::Saving::putAll(ConfigWriter& writer) {
 }
 
 void ConfigurationManager::Saving::putDifferences(ConfigWriter& writer) {
+    readSystemFile();
     SystemReader reader;
-    m_system = LayerDocument(reader, m_manager.m_systemFile, AdvancedConfigReader::System,
-                             m_manager.m_validVersions);
-    checkSystemFile();
+    m_system.addTo(reader, AdvancedConfigReader::System);
     forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
         reader.setCompared(registration);
         ElementAddress(registration).putDifferences(writer, *registration.object, reader);
@@ -238,7 +236,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
             setSaved(registration, layers, std::nullopt);
-    m_manager.setSaved(layers->user, true);
+    m_manager.setSeen(layers);
     m_manager.m_removed.clear();
 }
 
@@ -273,7 +271,10 @@ void ConfigurationManager::Saving::checkUserFile() {
             throw SaveFailure(Report::NotLoaded, "the object \"" + name +
                                                      "\" was not loaded, for want of " +
                                                      quoted(m_manager.m_systemFile));
-        if (!atLoad.isRefused() || m_manager.countsAsMissing(atLoad))
+        // An empty file is what a crash leaves, but also one that is just being written: it only
+        // counts as missing where nothing is overwritten.
+        const bool countsAsMissing = m_manager.m_saveMode == Merge && atLoad.isEmptyFile();
+        if (!atLoad.isRefused() || countsAsMissing)
             return;
         if (m_user.file().empty())
             m_user = readUserFile();
@@ -325,7 +326,8 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     else if (m_user.isRefused())
         throw failureOf(m_user);
     checkUserFile();
-    readSystemFile();
+    if (m_differencesOnly)
+        readSystemFile();
     const bool hasDocument = m_user.isAccepted();
     if (!hasDocument && !m_manager.isAccepted(version))
         throw SaveFailure(Report::OtherVersion, "the version \"" + version + "\" is not accepted");
@@ -339,8 +341,6 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
 }
 
 void ConfigurationManager::Saving::readSystemFile() {
-    if (!m_differencesOnly)
-        return;
     AdvancedConfigReader reader;
     m_system = LayerDocument(reader, m_manager.m_systemFile, AdvancedConfigReader::System,
                              m_manager.m_validVersions);
@@ -367,19 +367,18 @@ void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
         document.setVersion(version);
         ++count;
     }
-    std::shared_ptr<const ConfigurationManagerLayers> layers;
-    if (count != 0)
-        layers = store(document);
-    else
-        layers = std::make_shared<const ConfigurationManagerLayers>(m_system, m_user);
-    if (count == 0)
-        m_manager.m_saveReport = {};
+    m_manager.m_saveReport = {};
+    const auto layers = count != 0
+                            ? store(document)
+                            : std::make_shared<const ConfigurationManagerLayers>(m_system, m_user);
     if (!isOwnTarget())
         return;
     for (auto& [registration, written] : changes.takeStates())
         setSaved(registration, layers, std::move(written));
-    // What others wrote meanwhile is not taken over yet.
-    m_manager.setSaved(layers->user, m_manager.isTakenOver(m_user.exists(), m_user.bytes()));
+    const bool wasTakenOver = m_manager.isTakenOver(m_user.exists(), m_user.bytes());
+    m_manager.setSeen(layers);
+    if (wasTakenOver) // else it holds what others wrote meanwhile
+        m_manager.takeOverSaved();
     m_manager.m_removed.clear();
 }
 
