@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
+#include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
 #include <FileHandling/FileUtilities.h>
 
@@ -71,13 +72,16 @@ ConfigurationAccessResult AdvancedConfigReader::askAll(Operation operation) {
 
 /// Loads an object from every source in ascending priority and repairs what the user's document may
 /// not change.
-template <typename Operation>
+/// @param find finds the object's element in a source
+template <typename Find>
 ConfigurationAccessResult AdvancedConfigReader::loadLayered(ConfigurationObject& object,
-                                                            Operation load) {
+                                                            Find find) {
     std::unique_ptr<ConfigurationObject> systemCopy;
     const auto result = askAll([&](SimpleConfigReader& source, Priority priority) {
-        const auto loaded = load(source);
-        if (loaded == ConfigurationAccessResult::Success)
+        const auto element = find(*source.m_impl);
+        const auto loaded = source.m_impl->loadFrom(element, object);
+        if (loaded == ConfigurationAccessResult::Success &&
+            (priority != Priority::System || isInUserDocument(find)))
             integerateUserWithSystemConfig(priority, object, systemCopy);
         return loaded;
     });
@@ -86,11 +90,19 @@ ConfigurationAccessResult AdvancedConfigReader::loadLayered(ConfigurationObject&
     return result;
 }
 
+/// Whether the user's document holds something for an object: most have nothing for most objects,
+/// and these need not be copied.
+template <typename Find>
+bool AdvancedConfigReader::isInUserDocument(Find find) const {
+    const auto user = m_sources.find(Priority::User);
+    return user != m_sources.end() && find(*user->second->m_impl) != DocumentTree::none;
+}
+
 void AdvancedConfigReader::integerateUserWithSystemConfig(
     Priority priority, ConfigurationObject& object,
     std::unique_ptr<ConfigurationObject>& systemCopy) {
     // The user's document is compared with this copy.
-    if (priority == Priority::System && m_sources.contains(Priority::User))
+    if (priority == Priority::System)
         systemCopy.reset(object.clone());
     else if (priority == Priority::User && systemCopy != nullptr)
         object.overwriteInvalidConfigValues(systemCopy.get());
@@ -99,17 +111,15 @@ void AdvancedConfigReader::integerateUserWithSystemConfig(
 ConfigurationAccessResult
 AdvancedConfigReader::findAndGetClassContents(const std::string& name, const std::string& key,
                                               ConfigurationObject& object) {
-    return loadLayered(object, [&](SimpleConfigReader& source) {
-        return source.findAndGetClassContents(name, key, object);
-    });
+    return loadLayered(
+        object, [&](SimpleConfigReaderImpl& source) { return source.findAnywhere(name, key); });
 }
 
 ConfigurationAccessResult
 AdvancedConfigReader::findAndGetClassContents(const std::string& name,
                                               ConfigurationObject& object) {
-    return loadLayered(object, [&](SimpleConfigReader& source) {
-        return source.findAndGetClassContents(name, object);
-    });
+    return loadLayered(object,
+                       [&](SimpleConfigReaderImpl& source) { return source.findAnywhere(name); });
 }
 
 ConfigurationAccessResult AdvancedConfigReader::getClassContents(ConfigurationObject& object) {
@@ -137,15 +147,14 @@ AdvancedConfigReader::getClassContents(const std::string& name,
 ConfigurationAccessResult AdvancedConfigReader::getClassContents(const std::string& name,
                                                                  const std::string& key,
                                                                  ConfigurationObject& object) {
-    return loadLayered(object, [&](SimpleConfigReader& source) {
-        return source.getClassContents(name, key, object);
-    });
+    return loadLayered(object,
+                       [&](SimpleConfigReaderImpl& source) { return source.findChild(name, key); });
 }
 
 ConfigurationAccessResult AdvancedConfigReader::getClassContents(const std::string& name,
                                                                  ConfigurationObject& object) {
-    return loadLayered(
-        object, [&](SimpleConfigReader& source) { return source.getClassContents(name, object); });
+    return loadLayered(object,
+                       [&](SimpleConfigReaderImpl& source) { return source.findChild(name); });
 }
 
 ConfigurationAccessResult AdvancedConfigReader::getBool(const std::string& name, bool& value,

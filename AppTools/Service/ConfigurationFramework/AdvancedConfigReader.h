@@ -109,8 +109,10 @@ private:
                                         const std::list<std::string>& validVersions);
     template <typename Operation>
     ConfigurationAccessResult askAll(Operation operation);
-    template <typename Operation>
-    ConfigurationAccessResult loadLayered(ConfigurationObject& object, Operation load);
+    template <typename Find>
+    ConfigurationAccessResult loadLayered(ConfigurationObject& object, Find find);
+    template <typename Find>
+    bool isInUserDocument(Find find) const;
     void integerateUserWithSystemConfig(Priority priority, ConfigurationObject& object,
                                         std::unique_ptr<ConfigurationObject>& systemCopy);
 

@@ -20,4 +20,11 @@ ConfigurationAccessResult ConfigReader::getFloat(const std::string& name, float&
     return result;
 }
 
+ConfigurationAccessResult ConfigReader::getStrings(const std::string& name,
+                                                   std::vector<std::string>& values,
+                                                   bool& editable) {
+    std::map<std::string, bool> itemEditable;
+    return getStringVector(name, values, editable, itemEditable);
+}
+
 } // namespace Orvant

@@ -12,6 +12,7 @@
 namespace Orvant {
 
 class ConfigurationObject;
+class SharedReference;
 
 /// The read side of the library: what values and objects load themselves from.
 ///
@@ -111,6 +112,15 @@ public:
     virtual ConfigurationAccessResult
     createConfigurationObjects(const std::string& name,
                                std::function<void(std::string)> callback) = 0;
+    /// getStringVector() for callers that do not ask for the locks of the items, which take longer
+    /// to tell than the texts. Calls it unless a reader has a faster way.
+    virtual ConfigurationAccessResult getStrings(const std::string& name,
+                                                 std::vector<std::string>& values, bool& editable);
+
+private:
+    friend class SharedReference;
+
+    SharedReference* m_sharedReference = nullptr; ///< while an object is compared with the reader
 };
 
 } // namespace Orvant

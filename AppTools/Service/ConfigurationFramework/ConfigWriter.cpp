@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/xml/NumberText.h>
 #include <ConfigurationFramework/xml/PlaceRestorer.h>
 
@@ -196,6 +197,7 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
     deleteNodes(name, "");
+    const SharedReference reference(object, reader);
     if (object.canBeSavedToUserConfig(reader))
         putElement(name, comment, [&] {
             object.saveContent(*this, reader, true);
@@ -208,6 +210,7 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const 
                                                  ConfigReader& reader, const std::string& comment) {
     const PlaceRestorer restorer(m_impl->currentElement());
     m_impl->deleteKeyedNode(name, key);
+    const SharedReference reference(object, reader);
     if (!object.canBeSavedToUserConfig(reader))
         return;
     createKeyedNodeAndMakeCurrent(name, key, comment);

@@ -154,7 +154,8 @@ public:
     void putClassContents(const std::string& name, const std::string& key,
                           const ConfigurationObject& object, const std::string& comment);
     /// Deletes the children of that name and, if the object has something for the user's file,
-    /// writes what differs from the reference into a new element.
+    /// writes what differs from the reference into a new element. Base class operations that ask
+    /// the reader for the reference meanwhile get the same new object, loaded once.
     /// @param name    tag of the element
     /// @param object  object to write
     /// @param reader  holds the reference, normally the system configuration

@@ -114,6 +114,13 @@ void ConfigWriterImpl::setVersion(const std::string& version) {
     root().setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
 }
 
+void ConfigWriterImpl::clear() {
+    m_current = &root();
+    while (DOMNode* const child = m_current->getFirstChild())
+        m_current->removeChild(child)->release();
+    m_indexes.clear(); // others may come to stand at the same addresses
+}
+
 /// @param parse has the parser parse the document
 template <typename Parse>
 void ConfigWriterImpl::load(Parse parse) {

@@ -41,6 +41,8 @@ public:
     xercesc::DOMElement& root() { return *m_document->getDocumentElement(); }
     /// @return attribute version of the root
     std::string version() const;
+    /// Removes all that is in the root, and makes the root the current element.
+    void clear();
     void setVersion(const std::string& version);
 
     /// Makes an element that is not in the tree yet.

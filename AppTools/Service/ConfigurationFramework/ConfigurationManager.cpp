@@ -62,6 +62,10 @@ ConfigurationManager ConfigurationManager::s_instance;
 
 ConfigurationManager::ConfigurationManager() = default;
 
+ConfigurationManager::ConfigurationManager(const ConfigurationManager&) = default;
+
+ConfigurationManager& ConfigurationManager::operator=(const ConfigurationManager&) = default;
+
 ConfigurationManager::~ConfigurationManager() = default;
 
 ConfigurationManager& ConfigurationManager::getInstance() {
@@ -113,7 +117,7 @@ void ConfigurationManager::addConfigurationObjects(
         if (!reader || readRevision != m_revision.number()) {
             readRevision = m_revision.number();
             hasSource = addSourceToConfigReader(reader.emplace());
-            layers = m_layers;
+            layers = m_known.layers;
         }
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
@@ -141,7 +145,7 @@ bool ConfigurationManager::registerObject(const ConfigurationRegistration& regis
     // all of them, so it has no siblings with keys.
     const auto namesake = m_objects.find(name);
     const bool mayJoin = namesake == m_objects.end() || (key && namesake->second.key);
-    if (mayJoin && m_taken.emplace(Address(name, key), nullptr).second) {
+    if (mayJoin && m_known.objects.emplace(Address(name, key), nullptr).second) {
         m_objects.emplace(name, registration);
         m_removed.erase({name, key});
     }
@@ -186,7 +190,7 @@ bool ConfigurationManager::removeObject(Objects::const_iterator found) {
     if (found == m_objects.end())
         return false;
     const auto& [object, name, key] = found->second;
-    m_taken.erase({name, key});
+    m_known.objects.erase({name, key});
     // What a class never writes is not its own.
     if (object->writesContent())
         m_removed.emplace(name, key);
@@ -197,32 +201,35 @@ bool ConfigurationManager::removeObject(Objects::const_iterator found) {
 /// @return what is known of a registered object's state in files; null: nothing
 const ConfigurationManager::KnownState*
 ConfigurationManager::knownOf(const ConfigurationRegistration& registration) const {
-    const auto found = m_taken.find({registration.name, registration.key});
-    return found == m_taken.end() ? nullptr : found->second.get();
+    const auto found = m_known.objects.find({registration.name, registration.key});
+    return found == m_known.objects.end() ? nullptr : found->second.get();
 }
 
 void ConfigurationManager::setKnown(const ConfigurationRegistration& registration,
                                     KnownState state) const {
-    const auto taken = m_taken.find({registration.name, registration.key});
-    if (taken != m_taken.end())
+    const auto taken = m_known.objects.find({registration.name, registration.key});
+    if (taken != m_known.objects.end())
         taken->second = std::make_shared<const KnownState>(std::move(state));
 }
 
 /// Keeps what a save left in the files. The system file stays known as it was loaded, so that a
 /// change of it is noticed.
 void ConfigurationManager::setSeen(std::shared_ptr<const ConfigurationManagerLayers> saved) const {
-    m_layers = m_layers == nullptr ? std::move(saved) : m_layers->withUser(saved->user);
+    m_known.layers =
+        m_known.layers == nullptr ? std::move(saved) : m_known.layers->withUser(saved->user);
 }
 
 /// Has the objects know all that was saved.
 void ConfigurationManager::takeOverSaved() const {
-    m_takenOver = m_takenOver == nullptr ? m_layers : m_takenOver->withUser(m_layers->user);
+    m_known.takenOver = m_known.takenOver == nullptr
+                            ? m_known.layers
+                            : m_known.takenOver->withUser(m_known.layers->user);
 }
 
 /// Whether the objects know all that the user's file holds, if it is there.
 bool ConfigurationManager::isTakenOver(bool exists, const std::string& bytes) const {
-    return m_takenOver == nullptr ||
-           (m_takenOver->user.exists() == exists && m_takenOver->user.bytes() == bytes);
+    return m_known.takenOver == nullptr ||
+           (m_known.takenOver->user.exists() == exists && m_known.takenOver->user.bytes() == bytes);
 }
 
 bool ConfigurationManager::isAccepted(const std::string& version) const {
@@ -236,29 +243,40 @@ FileName ConfigurationManager::targetFile() const {
                                              : FileName();
 }
 
+LayerDocument ConfigurationManager::readSystemFile(AdvancedConfigReader& reader) const {
+    return {reader, m_systemFile, AdvancedConfigReader::System, m_validVersions,
+            m_known.layers == nullptr ? LayerDocument() : m_known.layers->system};
+}
+
+/// @param file the user's, or another that is saved to
+LayerDocument ConfigurationManager::readUserFile(AdvancedConfigReader& reader,
+                                                 const FileName& file) const {
+    return {reader, file, AdvancedConfigReader::User, m_validVersions,
+            m_known.layers == nullptr ? LayerDocument() : m_known.layers->user};
+}
+
 /// Adds the files to a reader and keeps what they hold.
 ConfigurationManagerLayers ConfigurationManager::readLayers(AdvancedConfigReader& reader) const {
     ConfigurationManagerLayers layers;
     if (m_fileMode == SystemAndUserFile)
-        layers.system = LayerDocument(reader, m_systemFile, AdvancedConfigReader::Priority::System,
-                                      m_validVersions);
+        layers.system = readSystemFile(reader);
     if (m_fileMode != NoFiles)
-        layers.user = LayerDocument(reader, targetFile(), AdvancedConfigReader::Priority::User,
-                                    m_validVersions);
+        layers.user = readUserFile(reader, targetFile());
     return layers;
 }
 
 bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader) {
     ConfigurationManagerLayers layers = readLayers(reader);
     if (m_fileMode == NoFiles)
-        m_layers = nullptr;
-    else if (m_layers == nullptr || !m_layers->holdSame(layers)) // one copy for many loads
-        m_layers = std::make_shared<const ConfigurationManagerLayers>(std::move(layers));
+        m_known.layers = nullptr;
+    else if (m_known.layers == nullptr ||
+             !m_known.layers->holdSame(layers)) // one copy for many loads
+        m_known.layers = std::make_shared<const ConfigurationManagerLayers>(std::move(layers));
     // A later registration does not show the others what changed since theirs.
-    if (m_takenOver == nullptr)
-        m_takenOver = m_layers;
-    return m_layers != nullptr && mayLoad(*m_layers) &&
-           (m_layers->system.isAccepted() || m_layers->user.isAccepted());
+    if (m_known.takenOver == nullptr)
+        m_known.takenOver = m_known.layers;
+    return m_known.layers != nullptr && mayLoad(*m_known.layers) &&
+           (m_known.layers->system.isAccepted() || m_known.layers->user.isAccepted());
 }
 
 bool ConfigurationManager::mayLoad(const ConfigurationManagerLayers& layers) const {
@@ -266,33 +284,34 @@ bool ConfigurationManager::mayLoad(const ConfigurationManagerLayers& layers) con
 }
 
 bool ConfigurationManager::hasSystemConfigFileErrors() {
-    return hasErrors(m_systemFile);
+    AdvancedConfigReader unused;
+    return isOneOfTwo(m_systemFile) && !readSystemFile(unused).isAccepted();
 }
 
 bool ConfigurationManager::hasUserConfigFileErrors() {
-    return hasErrors(m_userFile);
+    AdvancedConfigReader unused;
+    return isOneOfTwo(m_userFile) && !readUserFile(unused, m_userFile).isAccepted();
 }
 
-bool ConfigurationManager::hasErrors(const FileName& file) const {
-    if (m_fileMode != SystemAndUserFile || !FileUtilities::exists(file))
-        return false;
-    AdvancedConfigReader reader;
-    return reader.addFileSource(file, {}, AdvancedConfigReader::Priority::System,
-                                m_validVersions) == ConfigurationAccessResult::Failure;
+/// Whether there are two files, and one of that name.
+bool ConfigurationManager::isOneOfTwo(const FileName& file) const {
+    return m_fileMode == SystemAndUserFile && FileUtilities::exists(file);
 }
 
 void ConfigurationManager::reset() {
     m_objects.clear();
-    m_taken.clear();
     m_removed.clear();
-    m_layers.reset();
-    m_takenOver.reset();
+    m_known = {};
     m_fileMode = NoFiles;
     m_configurationFile = FileName();
     m_systemFile = FileName();
     m_userFile = FileName();
     ++m_revision;
     ++m_resets;
+}
+
+void ConfigurationManager::releaseMemory() {
+    m_known.releaseTrees();
 }
 
 void ConfigurationManager::resetConfigurationObject(const std::string& name, bool fromUserFile) {
@@ -321,10 +340,8 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     if (m_fileMode == NoFiles)
         return;
     AdvancedConfigReader reader;
-    const LayerDocument document(reader, fromSystemFile ? m_systemFile : targetFile(),
-                                 fromSystemFile ? AdvancedConfigReader::Priority::System
-                                                : AdvancedConfigReader::Priority::User,
-                                 m_validVersions);
+    const LayerDocument document =
+        fromSystemFile ? readSystemFile(reader) : readUserFile(reader, targetFile());
     const auto loaded = document.isAccepted()
                             ? ElementAddress(registration).load(reader, *registration.object)
                             : ConfigurationAccessResult::Success;
@@ -332,13 +349,13 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
         return fromSystemFile ? layers.withSystem(document) : layers.withUser(document);
     };
     const ConfigurationManagerLayers none;
-    const ConfigurationManagerLayers& seen = m_layers == nullptr ? none : *m_layers;
+    const ConfigurationManagerLayers& seen = m_known.layers == nullptr ? none : *m_known.layers;
     const KnownState* const known = knownOf(registration);
     // What the user's file says stays known after a reset from the system's: the reset is a change.
     setKnown(registration,
              {withDocument(known == nullptr ? none : *known->loaded),
               fromSystemFile ? seen.withSystem(document) : none.withUser(document), std::nullopt});
-    m_layers = withDocument(seen);
+    m_known.layers = withDocument(seen);
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -349,10 +366,10 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
 }
 
 bool ConfigurationManager::haveFilesChanged() const {
-    if (m_takenOver == nullptr)
+    if (m_known.takenOver == nullptr)
         return false;
     AdvancedConfigReader reader;
-    return !m_takenOver->holdSame(readLayers(reader));
+    return !m_known.takenOver->holdSame(readLayers(reader));
 }
 
 bool ConfigurationManager::reloadConfiguration() {
@@ -369,8 +386,8 @@ bool ConfigurationManager::reloadConfiguration() {
                 changes.add(registration, knownOf(registration));
         });
     changes.addTo(reader);
-    m_layers = layers;
-    m_takenOver = layers;
+    m_known.layers = layers;
+    m_known.takenOver = layers;
     // A copy: an object may register others, or reset the manager, while it is loaded.
     for (const ConfigurationRegistration& registration : getRegistrations())
         guard(registration, [&] {
@@ -383,7 +400,7 @@ bool ConfigurationManager::reloadConfiguration() {
 
 std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const {
     // Copies here and below: an object may register others, or save, while it is loaded.
-    const auto layers = m_layers;
+    const auto layers = m_known.layers;
     if (layers == nullptr)
         return {};
     ConfigurationManagerChecking checking(*layers, m_validVersions, m_systemFileRequired);
@@ -393,8 +410,9 @@ std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const 
 }
 
 std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
-    const auto layers =
-        m_layers == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : m_layers;
+    const auto layers = m_known.layers == nullptr
+                            ? std::make_shared<const ConfigurationManagerLayers>()
+                            : m_known.layers;
     ConfigurationManagerExplaining explaining(*layers);
     for (const ConfigurationRegistration& registration : getRegistrations()) {
         // Other files may be set by now.

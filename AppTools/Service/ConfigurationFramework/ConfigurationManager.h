@@ -50,10 +50,11 @@ struct ConfigurationRegistration {
 /// does not own stays in the file. Use it from one thread.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationManager {
 public:
-    /// Copies files, versions and registrations; the objects themselves are shared.
+    /// Copies files, versions and registrations; the objects themselves are shared, parsed files
+    /// are not.
     /// @{
-    ConfigurationManager(const ConfigurationManager&) = default;
-    ConfigurationManager& operator=(const ConfigurationManager&) = default;
+    ConfigurationManager(const ConfigurationManager&);
+    ConfigurationManager& operator=(const ConfigurationManager&);
     /// @}
     virtual ~ConfigurationManager();
 
@@ -251,6 +252,10 @@ public:
     ///         order of their registration
     std::vector<ConfigurationRegistration> getRegistrations() const;
 
+    /// Gives back the memory of the parsed files, which the manager keeps so that it does not parse
+    /// a file again that still holds the same bytes. They are parsed again when they are needed.
+    void releaseMemory();
+
 private:
     enum FileMode : std::int32_t { NoFiles = 0, SingleFile = 1, SystemAndUserFile = 2 };
 
@@ -282,6 +287,26 @@ private:
     struct ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT KnownState;
     class ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT Saving;
 
+    /// What is known of the files. A copy shares no parsed documents with its original: they may be
+    /// used by one thread only.
+    struct ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT Knowledge {
+        Knowledge() = default;
+        Knowledge(const Knowledge& other);
+        Knowledge(Knowledge&&) = default;
+        Knowledge& operator=(const Knowledge& other) { return *this = Knowledge(other); }
+        Knowledge& operator=(Knowledge&&) = default;
+        ~Knowledge() = default;
+
+        void releaseTrees() const;
+
+        /// Names and keys that are taken, with what is known of their objects; null: nothing.
+        std::map<Address, std::shared_ptr<const KnownState>> objects;
+        /// What the files held at the last load or save; null: there was none.
+        std::shared_ptr<const ConfigurationManagerLayers> layers;
+        /// What the files held that all objects know of; null: nothing.
+        std::shared_ptr<const ConfigurationManagerLayers> takenOver;
+    };
+
     bool registerObject(const ConfigurationRegistration& registration);
     Objects::const_iterator find(const std::string& name) const;
     Objects::const_iterator find(const std::string& name,
@@ -290,6 +315,8 @@ private:
     void resetObject(Objects::const_iterator found, bool fromUserFile);
 
     FileName targetFile() const;
+    LayerDocument readSystemFile(AdvancedConfigReader& reader) const;
+    LayerDocument readUserFile(AdvancedConfigReader& reader, const FileName& file) const;
     ConfigurationManagerLayers readLayers(AdvancedConfigReader& reader) const;
     bool mayLoad(const ConfigurationManagerLayers& layers) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
@@ -300,7 +327,7 @@ private:
     bool isAccepted(const std::string& version) const;
     void finishFileChange(const FileName& formerTarget);
     bool addSourceToConfigReader(AdvancedConfigReader& reader);
-    bool hasErrors(const FileName& file) const;
+    bool isOneOfTwo(const FileName& file) const;
     bool save(const FileName& target, const std::string& version, bool differencesOnly) const;
     bool saveSingleConfiguration(std::unique_ptr<ConfigWriter>& writer, const FileName& file) const;
     bool saveUserAndCompareWithSystemConfiguration(std::unique_ptr<ConfigWriter>& writer,
@@ -314,8 +341,6 @@ private:
     FileName m_userFile;
     /// By name; objects of the same name in order of registration.
     Objects m_objects;
-    /// Names and keys that are taken, with what is known of their objects; null: nothing.
-    mutable std::map<Address, std::shared_ptr<const KnownState>> m_taken;
     std::list<std::string> m_validVersions;
     mutable Revision m_revision; ///< of files, their contents and versions
     Revision m_resets;           ///< of the registrations
@@ -324,10 +349,7 @@ private:
     bool m_systemFileRequired = false;
     mutable ConfigurationSaveReport m_saveReport;
     mutable std::set<Address> m_removed; ///< the next save drops their elements
-    /// What the files held at the last load or save; null: there was none.
-    mutable std::shared_ptr<const ConfigurationManagerLayers> m_layers;
-    /// What the files held that all objects know of; null: nothing.
-    mutable std::shared_ptr<const ConfigurationManagerLayers> m_takenOver;
+    mutable Knowledge m_known;
 };
 
 } // namespace Orvant

@@ -22,47 +22,6 @@ std::string toUtf8(const XmlString& text) {
     return XercesHelperFunctions::xmlChToString(text.c_str());
 }
 
-/// The only element that was written into a new document; nothing when there is none.
-std::optional<WrittenElement> takeOnlyElement(const ConfigWriter& writer) {
-    xercesc::DOMElement* const element = ConfigWriterImpl::of(writer).root().getFirstElementChild();
-    return element == nullptr ? std::nullopt : std::optional(copyOf(*element));
-}
-
-bool isSaveOnly(const ConfigurationItemBase& item) {
-    return item.isSavable() && !item.isLoadable();
-}
-
-void removeChildren(const std::string& name, WrittenElement& written) {
-    const XmlString tag = XercesHelperFunctions::stringToXmlCh(name);
-    std::erase_if(written.children,
-                  [&](const WrittenElement& child) { return child.id.tag == tag; });
-}
-
-void removeValues(const ConfigurationObject& object, WrittenElement& written) {
-    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
-        removeChildren((*value)->getName(), written);
-}
-
-/// Removes what is saved but never loaded: nothing is known of it.
-void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) {
-    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
-        if (isSaveOnly(**value))
-            removeChildren((*value)->getName(), written);
-    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
-        const bool isNameless = (*child)->getName().empty();
-        if (isNameless && isSaveOnly(**child))
-            removeValues(**child, written);
-        else if (isNameless)
-            removeSaveOnly(**child, written);
-        else if (isSaveOnly(**child))
-            removeChildren((*child)->getName(), written);
-        else
-            for (WrittenElement& element : written.children)
-                if (toUtf8(element.id.tag) == (*child)->getName())
-                    removeSaveOnly(**child, element);
-    }
-}
-
 /// The element of a document that a written one is loaded from.
 Element find(DocumentTree& tree, Element parent, const WrittenElement& written) {
     const std::string name = toUtf8(written.id.tag);
@@ -98,22 +57,6 @@ void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
 
 } // namespace
 
-WrittenElement writeInFull(const ConfigurationRegistration& registration,
-                           const ConfigurationObject& object) {
-    ConfigWriter writer("");
-    ElementAddress(registration).put(writer, object);
-    return takeOnlyElement(writer).value();
-}
-
-std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
-                                          const ConfigurationObject& object) {
-    if (isSaveOnly(object))
-        return std::nullopt;
-    WrittenElement written = writeInFull(registration, object);
-    removeSaveOnly(object, written);
-    return written;
-}
-
 ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* system,
                                                          const LayerDocument& user,
                                                          const LayerDocument* locking)
@@ -124,11 +67,12 @@ ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* sy
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
                                       const ConfigurationManager::KnownState* known) {
-    add(registration, writeInFull(registration, *registration.object), baseOf(registration, known));
+    add(registration, m_writer.writeInFull(registration, *registration.object),
+        baseOf(registration, known));
 }
 
 void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
-    add(registration, writeInFull(registration, *registration.object), std::nullopt);
+    add(registration, m_writer.writeInFull(registration, *registration.object), std::nullopt);
 }
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
@@ -137,10 +81,8 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     m_states.push_back({registration, now});
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
-        ConfigWriter writer("");
         m_reference.setCompared(registration);
-        ElementAddress(registration).putDifferences(writer, *registration.object, m_reference);
-        stored = takeOnlyElement(writer);
+        stored = m_writer.writeDifferences(registration, *registration.object, m_reference);
     } else {
         stored = now;
     }
@@ -157,7 +99,7 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
 /// The object as this process last knew it to be in the files; nothing: not at all.
 std::optional<WrittenElement>
 ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registration,
-                                    const ConfigurationManager::KnownState* known) const {
+                                    const ConfigurationManager::KnownState* known) {
     const bool wasLoaded = known != nullptr && !known->isLoadRefused;
     // All that a lost file held is written again, though only part of it was changed.
     const bool isLost =
@@ -176,7 +118,7 @@ ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registratio
     if (wasLoaded && !isLost)
         known->layers->user.addTo(reader, AdvancedConfigReader::User);
     ElementAddress(registration).load(reader, *former);
-    return writeLoaded(registration, *former);
+    return m_writer.writeLoaded(registration, *former);
 }
 
 /// Whether the document has the object only under its name without a key.
@@ -208,7 +150,7 @@ void ConfigurationManagerChanges::addTo(AdvancedConfigReader& reader) const {
     const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
                                               : std::make_unique<ConfigWriterImpl>("");
     if (mergeInto(document->root()) != 0)
-        LayerDocument(m_user.file(), document->print().text, true)
+        LayerDocument(m_user.file(), document->print().text, document->version(), true)
             .addTo(reader, AdvancedConfigReader::User);
 }
 

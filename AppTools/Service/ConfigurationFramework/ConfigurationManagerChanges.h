@@ -1,8 +1,10 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationManagerKnowledge.h>
 #include <ConfigurationFramework/ConfigurationManagerLayers.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/ObjectWriter.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
 #include <cstddef>
@@ -13,19 +15,6 @@
 #include <xercesc/dom/DOMElement.hpp>
 
 namespace Orvant {
-
-/// What is known of an object's state in the files.
-struct ConfigurationManager::KnownState {
-    /// The files as they were at the last load: what saves must neither lose nor ignore; never
-    /// null.
-    std::shared_ptr<const ConfigurationManagerLayers> loaded;
-    /// The files that give the object as it was last loaded, reset or saved; never null.
-    std::shared_ptr<const ConfigurationManagerLayers> layers;
-    /// The object as it was then, if it is not what a load from these files gives.
-    std::optional<WrittenElement> written;
-    /// The object was registered, but the files were not to be loaded.
-    bool isLoadRefused = false;
-};
 
 /// What the application changed in objects, to be merged into a document that others may have
 /// changed.
@@ -45,6 +34,10 @@ public:
              const ConfigurationManager::KnownState* known);
     /// Adds everything in an object.
     void addAll(const ConfigurationRegistration& registration);
+    /// @return true when no object changed
+    bool empty() const {
+        return m_base.children.empty() && m_now.children.empty() && m_stored.children.empty();
+    }
     /// @return number of elements that were added, replaced or removed
     std::size_t mergeInto(xercesc::DOMElement& root) const;
     /// Puts the document, with the changes merged into it, into the place of the user's in a
@@ -61,13 +54,14 @@ private:
     void add(const ConfigurationRegistration& registration, WrittenElement now,
              std::optional<WrittenElement> base);
     std::optional<WrittenElement> baseOf(const ConfigurationRegistration& registration,
-                                         const ConfigurationManager::KnownState* known) const;
+                                         const ConfigurationManager::KnownState* known);
     bool isFallbackUsed(const ConfigurationRegistration& registration) const;
 
     const LayerDocument* m_system;
     const LayerDocument& m_user;
     const LayerDocument* m_locking;
     bool m_restoresLostFile = false;
+    ObjectWriter m_writer;
     SystemReader m_reference;
     std::vector<State> m_states;
     // Roots that hold the objects that changed.
@@ -75,13 +69,5 @@ private:
     WrittenElement m_now{{u"Configuration", {}}};
     WrittenElement m_stored{{u"Configuration", {}}};
 };
-
-/// @return an object as a save in full writes it
-WrittenElement writeInFull(const ConfigurationRegistration& registration,
-                           const ConfigurationObject& object);
-
-/// @return what a save in full writes of an object and a load takes; nothing when it loads nothing
-std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
-                                          const ConfigurationObject& object);
 
 } // namespace Orvant

@@ -33,31 +33,77 @@ bool isAcceptable(const std::string& bytes, const std::list<std::string>& validV
 
 LayerDocument::LayerDocument(AdvancedConfigReader& reader, const FileName& file,
                              AdvancedConfigReader::Priority priority,
-                             const std::list<std::string>& validVersions)
-    : m_file(file), m_exists(isThere(file)) {
-    if (reader.addFileSource(file, {}, priority, validVersions) ==
-        ConfigurationAccessResult::Success) {
-        m_exists = true;
+                             const std::list<std::string>& validVersions,
+                             const LayerDocument& former)
+    : m_file(file) {
+    if (takeOver(former, validVersions)) {
+        addTo(reader, priority);
+        return;
+    }
+    m_exists = isThere(file);
+    if (!m_exists)
+        return;
+    m_content = std::make_shared<Content>();
+    try {
+        const std::shared_ptr<SimpleConfigReader> source(
+            new SimpleConfigReader(file, validVersions, m_content->bytes));
+        m_content->document = source->m_impl->document();
+        m_version = m_content->document->version;
         m_isAccepted = true;
-        m_document = reader.m_sources[priority]->m_impl->document();
-    } else if (m_exists) {
+        reader.m_sources[priority] = source;
+    } catch (const ConfigException&) {
         FileBytes read = readBytes(file);
-        m_bytes = std::move(read.bytes).value_or("");
+        m_content->bytes = std::move(read.bytes).value_or("");
         m_error = read.error;
-        if (isAcceptable(m_bytes, validVersions)) { // by now
+        if (isAcceptable(m_content->bytes, validVersions)) { // by now
             m_error = std::make_error_code(std::errc::io_error);
-            m_bytes.clear();
+            m_content->bytes.clear();
         }
     }
 }
 
-LayerDocument::LayerDocument(const FileName& file, std::string bytes, bool isAccepted)
-    : m_file(file), m_exists(true), m_isAccepted(isAccepted), m_bytes(std::move(bytes)) {}
+/// @return true when the file holds what it held earlier, and is accepted
+bool LayerDocument::takeOver(const LayerDocument& former,
+                             const std::list<std::string>& validVersions) try {
+    if (!former.isAccepted() ||
+        std::ranges::find(validVersions, former.version()) == validVersions.end() ||
+        !fileHolds(m_file, former.bytes()))
+        return false;
+    m_exists = true;
+    m_isAccepted = true;
+    m_version = former.m_version;
+    m_content = former.m_content;
+    return true;
+} catch (const FileNameException&) {
+    return false;
+}
+
+LayerDocument::LayerDocument(const FileName& file, std::string bytes, const std::string& version,
+                             bool isAccepted)
+    : m_file(file),
+      m_exists(true),
+      m_isAccepted(isAccepted),
+      m_version(version),
+      m_content(std::make_shared<Content>(std::move(bytes))) {}
 
 std::shared_ptr<ParsedDocument> LayerDocument::document() const {
-    if (m_isAccepted && m_document == nullptr)
-        m_document = parseDocument(m_bytes);
-    return m_document;
+    if (!m_isAccepted)
+        return nullptr;
+    if (m_content->document == nullptr)
+        m_content->document = parseDocument(m_content->bytes);
+    return m_content->document;
+}
+
+LayerDocument LayerDocument::withoutTree() const {
+    LayerDocument copy(*this);
+    if (m_content != nullptr)
+        copy.m_content = std::make_shared<Content>(m_content->bytes);
+    return copy;
+}
+
+void LayerDocument::releaseTree() const {
+    if (m_content != nullptr)
+        m_content->document.reset();
 }
 
 void LayerDocument::addTo(AdvancedConfigReader& reader,
@@ -67,14 +113,15 @@ void LayerDocument::addTo(AdvancedConfigReader& reader,
 }
 
 const std::string& LayerDocument::bytes() const {
-    return m_bytes.empty() && m_document != nullptr ? m_document->bytes : m_bytes;
+    static const std::string none;
+    return m_content == nullptr ? none : m_content->bytes;
 }
 
 ConfigurationProblem::Kind LayerDocument::refusal() const {
     if (m_error)
         return ConfigurationProblem::Unreadable;
     try {
-        ConfigWriterImpl::openBytes(m_bytes);
+        ConfigWriterImpl::openBytes(bytes());
         return ConfigurationProblem::OtherVersion;
     } catch (const ConfigException&) {
         return ConfigurationProblem::Damaged;
@@ -83,7 +130,7 @@ ConfigurationProblem::Kind LayerDocument::refusal() const {
 
 bool LayerDocument::holdsSame(const LayerDocument& other) const {
     return isOf(other.m_file) && m_exists == other.m_exists && isAccepted() == other.isAccepted() &&
-           bytes() == other.bytes();
+           (m_content == other.m_content || bytes() == other.bytes());
 }
 
 bool ConfigurationManagerLayers::addTo(AdvancedConfigReader& reader) const {
@@ -104,6 +151,16 @@ ConfigurationManagerLayers::withSystem(const LayerDocument& other) const {
 std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManagerLayers::withUser(const LayerDocument& other) const {
     return std::make_shared<const ConfigurationManagerLayers>(system, other);
+}
+
+std::shared_ptr<const ConfigurationManagerLayers> ConfigurationManagerLayers::withoutTrees() const {
+    return std::make_shared<const ConfigurationManagerLayers>(system.withoutTree(),
+                                                              user.withoutTree());
+}
+
+void ConfigurationManagerLayers::releaseTrees() const {
+    system.releaseTree();
+    user.releaseTree();
 }
 
 } // namespace Orvant

@@ -20,16 +20,25 @@ public:
     /// Makes the document of no file.
     LayerDocument() = default;
     /// Adds a file to a reader as a source and keeps what the file holds.
+    /// @param former what a file held earlier; if this one holds the same bytes, they are not
+    /// parsed
+    ///               again. Only the bytes tell: times and sizes may be the same for others.
     LayerDocument(AdvancedConfigReader& reader, const FileName& file,
                   AdvancedConfigReader::Priority priority,
-                  const std::list<std::string>& validVersions);
+                  const std::list<std::string>& validVersions, const LayerDocument& former);
 
     /// Makes the document of a file that was written.
     /// @param isAccepted whether loading accepts the version
-    LayerDocument(const FileName& file, std::string bytes, bool isAccepted);
+    LayerDocument(const FileName& file, std::string bytes, const std::string& version,
+                  bool isAccepted);
 
     /// Adds what the file held to a reader, if it was accepted.
     void addTo(AdvancedConfigReader& reader, AdvancedConfigReader::Priority priority) const;
+
+    /// @return a copy that parses its document again
+    LayerDocument withoutTree() const;
+    /// Drops the parsed document, of copies as well. It is made again when it is needed.
+    void releaseTree() const;
 
     const FileName& file() const { return m_file; }
     /// @return true when the file has that name
@@ -46,6 +55,8 @@ public:
     bool exists() const { return m_exists; }
     /// @return what the file held, as far as it could be read
     const std::string& bytes() const;
+    /// @return version of an accepted document
+    const std::string& version() const { return m_version; }
     /// @return why a refused file could not be read; no error when it could
     const std::error_code& error() const { return m_error; }
     /// @return the document, null when the file was not accepted
@@ -56,11 +67,18 @@ public:
     bool holdsSame(const LayerDocument& other) const;
 
 private:
+    struct Content {
+        std::string bytes;
+        std::shared_ptr<ParsedDocument> document = nullptr; ///< of the bytes, made when needed
+    };
+
+    bool takeOver(const LayerDocument& former, const std::list<std::string>& validVersions);
+
     FileName m_file;
     bool m_exists = false;
     bool m_isAccepted = false;
-    mutable std::shared_ptr<ParsedDocument> m_document; ///< of a written file, made when needed
-    std::string m_bytes;                                ///< of a refused or written file
+    std::string m_version;
+    std::shared_ptr<Content> m_content; ///< shared by copies; null: nothing was read
     std::error_code m_error;
 };
 
@@ -78,7 +96,11 @@ struct ConfigurationManagerLayers {
     /// @{
     std::shared_ptr<const ConfigurationManagerLayers> withSystem(const LayerDocument& other) const;
     std::shared_ptr<const ConfigurationManagerLayers> withUser(const LayerDocument& other) const;
+    std::shared_ptr<const ConfigurationManagerLayers> withoutTrees() const;
     /// @}
+
+    /// Drops the parsed documents, of copies as well. They are made again when they are needed.
+    void releaseTrees() const;
 };
 
 } // namespace Orvant

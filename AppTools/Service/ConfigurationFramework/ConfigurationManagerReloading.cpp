@@ -1,9 +1,9 @@
 #include <ConfigurationFramework/ConfigurationManagerReloading.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
-#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/ObjectWriter.h>
 #include <ConfigurationFramework/ValueText.h>
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
@@ -81,8 +81,9 @@ bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigRea
         return hasItems && isSame(object, *loaded, true);
     }
     // Texts are compared: a value that was set may be more exact than its text.
+    ObjectWriter writer;
     return isSame(object, *loaded, false) &&
-           writeLoaded(registration, object) == writeLoaded(registration, *loaded);
+           writer.writeLoaded(registration, object) == writer.writeLoaded(registration, *loaded);
 }
 
 void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {

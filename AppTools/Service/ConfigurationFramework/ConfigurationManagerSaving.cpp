@@ -171,7 +171,7 @@ void ConfigurationManager::Saving::write(const std::string& version) {
         m_manager.saveUserAndCompareWithSystemConfiguration(writer, m_target);
     else
         m_manager.saveSingleConfiguration(writer, m_target);
-    if (wasTakenOver && isOwnTarget())
+    if (wasTakenOver && isLoadedFile())
         m_manager.takeOverSaved();
 }
 
@@ -222,21 +222,26 @@ std::size_t ConfigurationManager::Saving::dropRemoved(ConfigWriterImpl& document
     return count;
 }
 
-/// Whether this is what saveConfiguration() does: other files are none of the objects' own.
+/// Whether objects are loaded from the file.
+bool ConfigurationManager::Saving::isLoadedFile() const {
+    return isSameFile(m_target, m_manager.targetFile());
+}
+
+/// Whether this is what saveConfiguration() does: what is known of the objects is known of that.
 bool ConfigurationManager::Saving::isOwnTarget() const {
-    return m_differencesOnly || (m_manager.m_fileMode == SingleFile &&
-                                 isSameFile(m_target, m_manager.m_configurationFile));
+    return m_differencesOnly || (m_manager.m_fileMode == SingleFile && isLoadedFile());
 }
 
 /// Stores a document that holds all objects.
 void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     const auto layers = store(ConfigWriterImpl::of(writer));
+    if (isLoadedFile())
+        m_manager.setSeen(layers);
     if (!isOwnTarget())
         return;
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
             setSaved(registration, layers, std::nullopt);
-    m_manager.setSeen(layers);
     m_manager.m_removed.clear();
 }
 
@@ -309,8 +314,8 @@ void ConfigurationManager::Saving::checkLayer(const LayerDocument& atLoad, const
 }
 
 LayerDocument ConfigurationManager::Saving::readUserFile() const {
-    AdvancedConfigReader reader;
-    return {reader, m_target, AdvancedConfigReader::User, m_manager.m_validVersions};
+    AdvancedConfigReader unused;
+    return m_manager.readUserFile(unused, m_target);
 }
 
 /// Merges what changed into what the file holds now.
@@ -328,33 +333,40 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     checkUserFile();
     if (m_differencesOnly)
         readSystemFile();
-    const bool hasDocument = m_user.isAccepted();
-    if (!hasDocument && !m_manager.isAccepted(version))
+    if (!m_user.isAccepted() && !m_manager.isAccepted(version))
         throw SaveFailure(Report::OtherVersion, "the version \"" + version + "\" is not accepted");
-    const auto document = hasDocument ? ConfigWriterImpl::openBytes(m_user.bytes())
-                                      : std::make_unique<ConfigWriterImpl>(version);
-    mergeInto(*document, version);
+    ConfigurationManagerChanges changes(m_differencesOnly ? &m_system : nullptr, m_user,
+                                        lockingSystem());
+    findChanges(changes);
+    m_manager.m_saveReport = {};
+    const auto layers = mergeInto(changes, version);
+    if (isLoadedFile()) {
+        const bool wasTakenOver = m_manager.isTakenOver(m_user.exists(), m_user.bytes());
+        m_manager.setSeen(layers);
+        if (wasTakenOver) // else it holds what others wrote meanwhile
+            m_manager.takeOverSaved();
+    }
+    if (isOwnTarget()) {
+        for (auto& [registration, written] : changes.takeStates())
+            setSaved(registration, layers, std::move(written));
+        m_manager.m_removed.clear();
+    }
     Report& report = m_manager.m_saveReport;
     if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)
         report.text += (report.text.empty() ? "" : "; ") + quoted(m_target) +
                        " was saved without a lock: " + lock.error().message();
 }
 
-void ConfigurationManager::Saving::readSystemFile() {
-    AdvancedConfigReader reader;
-    m_system = LayerDocument(reader, m_manager.m_systemFile, AdvancedConfigReader::System,
-                             m_manager.m_validVersions);
-    checkSystemFile();
+/// @return the system file that was loaded, where its locks hold although it is gone; null: they do
+///         not
+const LayerDocument* ConfigurationManager::Saving::lockingSystem() const {
+    const auto& known = m_manager.m_known.layers;
+    return m_differencesOnly && known != nullptr && !m_system.isAccepted() ? &known->system
+                                                                           : nullptr;
 }
 
-void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
-                                             const std::string& version) {
-    std::size_t count = dropRemoved(document);
-    const bool isLoadedSystemLocking =
-        m_differencesOnly && m_manager.m_layers != nullptr && !m_system.isAccepted();
-    ConfigurationManagerChanges changes(m_differencesOnly ? &m_system : nullptr, m_user,
-                                        isLoadedSystemLocking ? &m_manager.m_layers->system
-                                                              : nullptr);
+/// Finds what changed in the objects since they were last known.
+void ConfigurationManager::Saving::findChanges(ConfigurationManagerChanges& changes) const {
     changes.restoreLostFile();
     forEachWritten(m_manager.m_objects, [&](const ConfigurationRegistration& registration) {
         if (isKnownInTarget(registration))
@@ -362,24 +374,34 @@ void ConfigurationManager::Saving::mergeInto(ConfigWriterImpl& document,
         else
             changes.addAll(registration);
     });
-    count += changes.mergeInto(document.root());
-    if (document.version() != version && m_manager.isAccepted(version)) {
-        document.setVersion(version);
-        ++count;
+}
+
+/// Stores what the file holds with the changes, if that is something else.
+/// @return what the files hold now
+std::shared_ptr<const ConfigurationManagerLayers>
+ConfigurationManager::Saving::mergeInto(const ConfigurationManagerChanges& changes,
+                                        const std::string& version) {
+    const bool isOtherVersion = m_user.version() != version && m_manager.isAccepted(version);
+    const bool dropsRemoved = isOwnTarget() && !m_manager.m_removed.empty();
+    if (isOtherVersion || dropsRemoved || !changes.empty()) {
+        const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
+                                                  : std::make_unique<ConfigWriterImpl>(version);
+        std::size_t count = dropRemoved(*document);
+        count += changes.mergeInto(document->root());
+        if (isOtherVersion && document->version() != version) {
+            document->setVersion(version);
+            ++count;
+        }
+        if (count != 0)
+            return store(*document);
     }
-    m_manager.m_saveReport = {};
-    const auto layers = count != 0
-                            ? store(document)
-                            : std::make_shared<const ConfigurationManagerLayers>(m_system, m_user);
-    if (!isOwnTarget())
-        return;
-    for (auto& [registration, written] : changes.takeStates())
-        setSaved(registration, layers, std::move(written));
-    const bool wasTakenOver = m_manager.isTakenOver(m_user.exists(), m_user.bytes());
-    m_manager.setSeen(layers);
-    if (wasTakenOver) // else it holds what others wrote meanwhile
-        m_manager.takeOverSaved();
-    m_manager.m_removed.clear();
+    return std::make_shared<const ConfigurationManagerLayers>(m_system, m_user);
+}
+
+void ConfigurationManager::Saving::readSystemFile() {
+    AdvancedConfigReader unused;
+    m_system = m_manager.readSystemFile(unused);
+    checkSystemFile();
 }
 
 /// Whether it is known what an object had in the target, and that is still there.
@@ -411,9 +433,10 @@ ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
         report.text = quoted(m_target) + " was written in place, for it could not be replaced by a "
                                          "new file";
     m_manager.m_saveReport = std::move(report);
+    const std::string version = document.version();
     return std::make_shared<const ConfigurationManagerLayers>(
         m_system,
-        LayerDocument(m_target, std::move(printed.text), m_manager.isAccepted(document.version())));
+        LayerDocument(m_target, std::move(printed.text), version, m_manager.isAccepted(version)));
 }
 
 } // namespace Orvant

@@ -17,6 +17,7 @@
 namespace Orvant {
 
 class ConfigWriterImpl;
+class ConfigurationManagerChanges;
 
 /// Thrown where a save ends without having written.
 class SaveFailure : public std::runtime_error {
@@ -56,10 +57,14 @@ private:
     void write(const std::string& version);
     std::unique_ptr<ConfigWriter> openTarget(const std::string& version, bool& isTakenOver) const;
     std::size_t dropRemoved(ConfigWriterImpl& document) const;
+    bool isLoadedFile() const;
     bool isOwnTarget() const;
     void storeAll(const ConfigWriter& writer);
     void merge(const std::string& version);
-    void mergeInto(ConfigWriterImpl& document, const std::string& version);
+    const LayerDocument* lockingSystem() const;
+    void findChanges(ConfigurationManagerChanges& changes) const;
+    std::shared_ptr<const ConfigurationManagerLayers>
+    mergeInto(const ConfigurationManagerChanges& changes, const std::string& version);
     std::shared_ptr<const ConfigurationManagerLayers> store(ConfigWriterImpl& document) const;
     void setSaved(const ConfigurationRegistration& registration,
                   std::shared_ptr<const ConfigurationManagerLayers> layers,

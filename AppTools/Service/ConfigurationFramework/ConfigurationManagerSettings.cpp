@@ -1,7 +1,7 @@
 #include <ConfigurationFramework/ConfigurationManagerSettings.h>
 
-#include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/ObjectWriter.h>
 #include <ConfigurationFramework/ValueText.h>
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/xml/XmlText.h>
@@ -157,7 +157,7 @@ void ConfigurationManagerSettings::add(const ConfigurationRegistration& registra
         return findGroup(tree, root, registration.name, registration.key);
     });
     setting.isOfSystem = setting.elements[SystemLayer] != DocumentTree::none;
-    const WrittenElement written = writeInFull(registration, object);
+    const WrittenElement written = ObjectWriter().writeInFull(registration, object);
     addGroup(object, &written, std::move(setting));
 }
 

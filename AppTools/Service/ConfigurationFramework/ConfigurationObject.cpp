@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ReaderBelow.h>
+#include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/model/ItemPairs.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
@@ -107,9 +108,7 @@ std::shared_ptr<const ConfigurationObject> referenceOf(const ConfigurationObject
     // A child's was loaded with its parent's, which owns it.
     if (const ReaderBelow* const below = ReaderBelow::madeFor(object, reader))
         return {std::shared_ptr<void>(), below->reference()};
-    auto reference = makeFresh(object);
-    reader.getClassContents(object.getName(), *reference);
-    return reference;
+    return SharedReference::of(object, reader);
 }
 
 } // namespace

@@ -4,18 +4,11 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 
 #include <functional>
-#include <map>
 #include <utility>
 
 namespace Orvant {
 
 namespace {
-
-ConfigurationAccessResult getStrings(ConfigReader& reader, const std::string& name,
-                                     std::vector<std::string>& values, bool& editable) {
-    std::map<std::string, bool> itemEditable;
-    return reader.getStringVector(name, values, editable, itemEditable);
-}
 
 template <typename T>
 using Getter = ConfigurationAccessResult (ConfigReader::*)(const std::string&, T&, bool&);
@@ -64,7 +57,7 @@ struct TypeOf<std::string> {
 template <>
 struct TypeOf<std::vector<std::string>> {
     static constexpr auto type = ConfigurationValueBase::StringVectorValue;
-    static constexpr auto get = &getStrings;
+    static constexpr Getter<std::vector<std::string>> get = &ConfigReader::getStrings;
     static constexpr auto put = &ConfigWriter::putStringVector;
 };
 

@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
+#include <typeinfo>
 #include <utility>
 
 namespace Orvant {
@@ -9,6 +10,11 @@ namespace Orvant {
 SimpleConfigReader::SimpleConfigReader(const FileName& file, const std::string& content,
                                        const std::list<std::string>& validVersions)
     : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, file, content, validVersions)) {}
+
+SimpleConfigReader::SimpleConfigReader(const FileName& file,
+                                       const std::list<std::string>& validVersions,
+                                       std::string& bytes)
+    : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, file, "", validVersions, &bytes)) {}
 
 SimpleConfigReader::SimpleConfigReader(std::shared_ptr<ParsedDocument> document)
     : m_impl(std::make_unique<SimpleConfigReaderImpl>(*this, std::move(document))) {}
@@ -31,12 +37,12 @@ ConfigurationAccessResult SimpleConfigReader::getString(std::string& value, bool
 ConfigurationAccessResult SimpleConfigReader::findAndGetClassContents(const std::string& name,
                                                                       const std::string& key,
                                                                       ConfigurationObject& object) {
-    return m_impl->findAndGetClassContents(name, key, object);
+    return m_impl->loadFrom(m_impl->findAnywhere(name, key), object);
 }
 
 ConfigurationAccessResult SimpleConfigReader::findAndGetClassContents(const std::string& name,
                                                                       ConfigurationObject& object) {
-    return m_impl->findAndGetClassContents(name, object);
+    return m_impl->loadFrom(m_impl->findAnywhere(name), object);
 }
 
 ConfigurationAccessResult SimpleConfigReader::getClassContents(ConfigurationObject& object) {
@@ -52,12 +58,12 @@ SimpleConfigReader::getClassContents(const std::string& name, const std::vector<
 ConfigurationAccessResult SimpleConfigReader::getClassContents(const std::string& name,
                                                                const std::string& key,
                                                                ConfigurationObject& object) {
-    return m_impl->getClassContents(name, key, object);
+    return m_impl->loadFrom(m_impl->findChild(name, key), object);
 }
 
 ConfigurationAccessResult SimpleConfigReader::getClassContents(const std::string& name,
                                                                ConfigurationObject& object) {
-    return m_impl->getClassContents(name, object);
+    return m_impl->loadFrom(m_impl->findChild(name), object);
 }
 
 ConfigurationAccessResult SimpleConfigReader::getBool(const std::string& name, bool& value,
@@ -100,7 +106,16 @@ ConfigurationAccessResult SimpleConfigReader::getString(const std::string& name,
 ConfigurationAccessResult
 SimpleConfigReader::getStringVector(const std::string& name, std::vector<std::string>& values,
                                     bool& editable, std::map<std::string, bool>& itemEditable) {
-    return m_impl->getStringVector(name, values, editable, itemEditable);
+    return m_impl->getStringVector(name, values, editable, &itemEditable);
+}
+
+ConfigurationAccessResult SimpleConfigReader::getStrings(const std::string& name,
+                                                         std::vector<std::string>& values,
+                                                         bool& editable) {
+    // A derived class may override what is asked otherwise.
+    return typeid(*this) == typeid(SimpleConfigReader)
+               ? m_impl->getStringVector(name, values, editable, nullptr)
+               : ConfigReader::getStrings(name, values, editable);
 }
 
 ConfigurationAccessResult SimpleConfigReader::tagExists(const std::string& name) {

@@ -107,10 +107,16 @@ public:
     ConfigurationAccessResult
     createConfigurationObjects(const std::string& name,
                                std::function<void(std::string)> callback) override;
+    ConfigurationAccessResult getStrings(const std::string& name, std::vector<std::string>& values,
+                                         bool& editable) override;
 
 private:
-    friend class LayerDocument; // which reads a document again without parsing it again
+    friend class AdvancedConfigReader; // which looks for an element before it loads from it
+    friend class LayerDocument;        // which reads a document again without parsing it again
 
+    /// @param bytes receives those of the file
+    SimpleConfigReader(const FileName& file, const std::list<std::string>& validVersions,
+                       std::string& bytes);
     explicit SimpleConfigReader(std::shared_ptr<ParsedDocument> document);
 
     std::unique_ptr<SimpleConfigReaderImpl> m_impl;

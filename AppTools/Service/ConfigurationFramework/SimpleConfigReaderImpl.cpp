@@ -51,9 +51,10 @@ ConfigException refusedDocument(ConfigException::ExceptionType type,
 
 SimpleConfigReaderImpl::SimpleConfigReaderImpl(ConfigReader& reader, const FileName& file,
                                                const std::string& content,
-                                               const std::list<std::string>& validVersions)
+                                               const std::list<std::string>& validVersions,
+                                               std::string* bytes)
     : m_reader(reader) {
-    init(file, content, validVersions);
+    init(file, content, validVersions, bytes);
 }
 
 SimpleConfigReaderImpl::SimpleConfigReaderImpl(ConfigReader& reader,
@@ -70,18 +71,12 @@ ConfigurationAccessResult SimpleConfigReaderImpl::makeCurrent(Element element) {
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentNode(const std::string& name) {
-    return makeCurrent(m_tree->findChild(m_current, name));
-}
-
-/// The child with that key or the default entry.
-Element SimpleConfigReaderImpl::findKeyed(const std::string& name, const std::string& key) {
-    const Element keyed = m_tree->findChild(m_current, name, throughDocument(key));
-    return keyed != DocumentTree::none ? keyed : m_tree->findChildWithoutKey(m_current, name);
+    return makeCurrent(findChild(name));
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::setCurrentKeyedNode(const std::string& name,
                                                                       const std::string& key) {
-    return makeCurrent(findKeyed(name, key));
+    return makeCurrent(findChild(name, key));
 }
 
 /// The text of a child, with its lock; nothing, and no lock, if its first child is not text.
@@ -134,9 +129,10 @@ ConfigurationAccessResult SimpleConfigReaderImpl::getString(const std::string& n
 
 ConfigurationAccessResult
 SimpleConfigReaderImpl::getStringVector(const std::string& name, std::vector<std::string>& values,
-                                        bool& editable, std::map<std::string, bool>& itemEditable) {
+                                        bool& editable, std::map<std::string, bool>* itemEditable) {
     values.clear();
-    itemEditable.clear();
+    if (itemEditable != nullptr)
+        itemEditable->clear();
     const Element list = m_tree->findBelow(m_current, name);
     if (list == DocumentTree::none)
         return ConfigurationAccessResult::Failure;
@@ -146,7 +142,8 @@ SimpleConfigReaderImpl::getStringVector(const std::string& name, std::vector<std
         if (!text)
             return false;
         values.push_back(std::move(*text));
-        itemEditable[values.back()] = m_tree->isEditable(item);
+        if (itemEditable != nullptr)
+            (*itemEditable)[values.back()] = m_tree->isEditable(item);
         return true;
     }));
 }
@@ -176,16 +173,21 @@ ConfigurationAccessResult SimpleConfigReaderImpl::loadFrom(Element element,
     return result;
 }
 
-ConfigurationAccessResult
-SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name, const std::string& key,
-                                                ConfigurationObject& object) {
-    return loadFrom(m_tree->findInDocument(name, throughDocument(key)), object);
+Element SimpleConfigReaderImpl::findAnywhere(const std::string& name, const std::string& key) {
+    return m_tree->findInDocument(name, throughDocument(key));
 }
 
-ConfigurationAccessResult
-SimpleConfigReaderImpl::findAndGetClassContents(const std::string& name,
-                                                ConfigurationObject& object) {
-    return loadFrom(m_tree->findBelow(DocumentTree::root, name), object);
+Element SimpleConfigReaderImpl::findAnywhere(const std::string& name) {
+    return m_tree->findBelow(DocumentTree::root, name);
+}
+
+Element SimpleConfigReaderImpl::findChild(const std::string& name, const std::string& key) {
+    const Element keyed = m_tree->findChild(m_current, name, throughDocument(key));
+    return keyed != DocumentTree::none ? keyed : m_tree->findChildWithoutKey(m_current, name);
+}
+
+Element SimpleConfigReaderImpl::findChild(const std::string& name) {
+    return m_tree->findChild(m_current, name);
 }
 
 ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(ConfigurationObject& object) {
@@ -205,17 +207,6 @@ SimpleConfigReaderImpl::getClassContents(const std::string& name,
     return successIf(allFound);
 }
 
-ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(const std::string& name,
-                                                                   const std::string& key,
-                                                                   ConfigurationObject& object) {
-    return loadFrom(findKeyed(name, key), object);
-}
-
-ConfigurationAccessResult SimpleConfigReaderImpl::getClassContents(const std::string& name,
-                                                                   ConfigurationObject& object) {
-    return loadFrom(m_tree->findChild(m_current, name), object);
-}
-
 ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
     const std::string& name, const std::function<void(std::string)>& callback) {
     const PlaceRestorer restorer(m_current);
@@ -233,7 +224,7 @@ ConfigurationAccessResult SimpleConfigReaderImpl::createConfigurationObjects(
 // length of the name refusedDocument and the depth of the blocks around the throw. The function is
 // the last in the file because the line numbers from here on are not those of the text.
 void SimpleConfigReaderImpl::init(const FileName& file, const std::string& content,
-                                  const std::list<std::string>& validVersions) {
+                                  const std::list<std::string>& validVersions, std::string* bytes) {
 #line 63
     initializeXerces(s_log, std::source_location::current());
 
@@ -241,7 +232,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
     ParserConfinement confinement(ParserConfinement::configurations);
     const auto parser = confinement.makeParser<TreeBuildingParser>();
     parser->setErrorHandler(&errors);
-    std::string bytes; // of a file
+    std::string read; // of a file
 
     if (!file.empty()) {
         try {
@@ -249,7 +240,7 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 88
                 throw refusedDocument(ConfigException::SourceNotFound);
             }
-            bytes = confinement.parseFile(*parser, file);
+            read = confinement.parseFile(*parser, file);
         } catch (const xercesc::XMLException&) {
 #line 95
             throw refusedDocument(ConfigException::InvalidDocument);
@@ -297,8 +288,10 @@ void SimpleConfigReaderImpl::init(const FileName& file, const std::string& conte
 #line 185
         throw refusedDocument(ConfigException::InvalidVersion);
     }
-    m_document = std::make_shared<ParsedDocument>(std::move(bytes), std::move(*m_tree));
+    m_document = std::make_shared<ParsedDocument>(std::move(*m_tree), parser->getVersion());
     m_tree = &m_document->tree;
+    if (bytes != nullptr)
+        *bytes = std::move(read);
 }
 
 } // namespace Orvant

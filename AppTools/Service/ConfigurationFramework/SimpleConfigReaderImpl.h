@@ -23,8 +23,10 @@ class FileName;
 /// the reader; objects are loaded through `reader`, the reader that owns this.
 class SimpleConfigReaderImpl {
 public:
+    /// @param bytes receives those of a file; null: they are not kept
     SimpleConfigReaderImpl(ConfigReader& reader, const FileName& file, const std::string& content,
-                           const std::list<std::string>& validVersions);
+                           const std::list<std::string>& validVersions,
+                           std::string* bytes = nullptr);
     /// Reads a document once more.
     SimpleConfigReaderImpl(ConfigReader& reader, std::shared_ptr<ParsedDocument> document);
 
@@ -40,37 +42,36 @@ public:
     ConfigurationAccessResult getString(std::string& value, bool& editable);
     ConfigurationAccessResult getString(const std::string& name, std::string& value,
                                         bool& editable);
+    /// @param itemEditable null: not asked for
     ConfigurationAccessResult getStringVector(const std::string& name,
                                               std::vector<std::string>& values, bool& editable,
-                                              std::map<std::string, bool>& itemEditable);
+                                              std::map<std::string, bool>* itemEditable);
 
     ConfigurationAccessResult tagExists(const std::string& name);
     ConfigurationAccessResult getEditable(bool& editable);
     ConfigurationAccessResult getKeys(const std::string& name, std::set<std::string>& keys);
 
-    ConfigurationAccessResult findAndGetClassContents(const std::string& name,
-                                                      const std::string& key,
-                                                      ConfigurationObject& object);
-    ConfigurationAccessResult findAndGetClassContents(const std::string& name,
-                                                      ConfigurationObject& object);
+    /// What findAndGetClassContents() and getClassContents() load an object from; none: nothing.
+    /// @{
+    DocumentTree::Element findAnywhere(const std::string& name, const std::string& key);
+    DocumentTree::Element findAnywhere(const std::string& name);
+    DocumentTree::Element findChild(const std::string& name, const std::string& key);
+    DocumentTree::Element findChild(const std::string& name);
+    /// @}
+    /// @return Failure for no element
+    ConfigurationAccessResult loadFrom(DocumentTree::Element element, ConfigurationObject& object);
     ConfigurationAccessResult getClassContents(ConfigurationObject& object);
     ConfigurationAccessResult getClassContents(const std::string& name,
                                                const std::vector<std::string>& keys,
                                                std::vector<ConfigurationObject*>& objects);
-    ConfigurationAccessResult getClassContents(const std::string& name, const std::string& key,
-                                               ConfigurationObject& object);
-    ConfigurationAccessResult getClassContents(const std::string& name,
-                                               ConfigurationObject& object);
     ConfigurationAccessResult
     createConfigurationObjects(const std::string& name,
                                const std::function<void(std::string)>& callback);
 
 private:
     void init(const FileName& file, const std::string& content,
-              const std::list<std::string>& validVersions);
+              const std::list<std::string>& validVersions, std::string* bytes);
     ConfigurationAccessResult makeCurrent(DocumentTree::Element element);
-    ConfigurationAccessResult loadFrom(DocumentTree::Element element, ConfigurationObject& object);
-    DocumentTree::Element findKeyed(const std::string& name, const std::string& key);
     std::optional<std::string_view> requiredText(const std::string& name, bool& editable);
 
     ConfigReader& m_reader;

@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/files/OpenFile.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -133,6 +134,19 @@ std::error_code OpenFile::readAll(std::string& bytes, std::size_t most) {
             return std::make_error_code(std::errc::file_too_large);
         if (read == bytes.size())
             bytes.resize(2 * read);
+    }
+}
+
+bool OpenFile::holds(std::string_view bytes) {
+    std::array<char, std::size_t{1} << 16U> part{};
+    while (true) {
+        const auto count = repeated([&] { return ::read(m_descriptor, part.data(), part.size()); });
+        if (count <= 0)
+            return count == 0 && bytes.empty();
+        const std::string_view next(part.data(), static_cast<std::size_t>(count));
+        if (!bytes.starts_with(next))
+            return false;
+        bytes.remove_prefix(next.size());
     }
 }
 

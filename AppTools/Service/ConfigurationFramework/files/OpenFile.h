@@ -39,6 +39,9 @@ public:
     /// Reads what there is until the end.
     /// @param most file_too_large is returned for more bytes
     std::error_code readAll(std::string& bytes, std::size_t most);
+    /// Compares what there is until the end, without keeping it.
+    /// @return false also where it cannot be read
+    bool holds(std::string_view bytes);
     /// Writes where the last operation ended.
     std::error_code write(std::string_view bytes);
     /// Writes from a position.

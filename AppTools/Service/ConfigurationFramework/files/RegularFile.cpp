@@ -43,6 +43,14 @@ FileBytes readBytes(const FileName& file) {
     return {.bytes = std::move(bytes), .error = {}};
 }
 
+bool fileHolds(const FileName& file, std::string_view bytes) {
+    const std::filesystem::path path = toPath(file);
+    if (checkKind(path))
+        return false;
+    OpenFile in(path, OpenFile::Purpose::Read);
+    return in.isOpen() && in.holds(bytes);
+}
+
 std::optional<std::string> readRegularFile(const FileName& file) {
     return readBytes(file).bytes;
 }

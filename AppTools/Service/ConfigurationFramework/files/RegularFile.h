@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace Orvant {
@@ -25,6 +26,10 @@ struct FileBytes {
 ///         end or is larger than 1 GiB, which no settings are
 /// @throws FileNameException for a name that no file system could hold
 FileBytes readBytes(const FileName& file);
+
+/// @return true when readBytes() would return just these bytes
+/// @throws FileNameException for a name that no file system could hold
+bool fileHolds(const FileName& file, std::string_view bytes);
 
 /// @return the bytes of readBytes()
 /// @throws FileNameException for a name that no file system could hold

@@ -17,7 +17,7 @@ std::shared_ptr<ParsedDocument> parseDocument(const std::string& bytes) {
     confinement.parseBytes(*parser, bytes);
     if (errors.getSawErrors() || parser->getTree() == nullptr)
         return nullptr;
-    return std::make_shared<ParsedDocument>(bytes, std::move(*parser->getTree()));
+    return std::make_shared<ParsedDocument>(std::move(*parser->getTree()), parser->getVersion());
 }
 
 } // namespace Orvant

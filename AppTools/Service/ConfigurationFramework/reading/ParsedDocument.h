@@ -7,10 +7,10 @@
 
 namespace Orvant {
 
-/// A configuration document: the bytes that were parsed and what they say.
+/// A configuration document that was parsed.
 struct ParsedDocument {
-    std::string bytes; ///< empty: they were not kept
     DocumentTree tree;
+    std::string version; ///< attribute of the root, empty when there is none
 };
 
 /// Parses a document as readers do, whatever its root.

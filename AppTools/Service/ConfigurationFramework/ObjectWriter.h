@@ -1,0 +1,34 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
+
+#include <optional>
+
+namespace Orvant {
+
+/// Writes objects as saves do, but each into an element that is in no document.
+class ObjectWriter {
+public:
+    /// @return an object as a save in full writes it
+    WrittenElement writeInFull(const ConfigurationRegistration& registration,
+                               const ConfigurationObject& object);
+    /// @return what a save in full writes of an object and a load takes; nothing when it loads
+    ///         nothing
+    std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
+                                              const ConfigurationObject& object);
+    /// @return what differs from a reference, as a save writes it; nothing when that is nothing
+    std::optional<WrittenElement> writeDifferences(const ConfigurationRegistration& registration,
+                                                   const ConfigurationObject& object,
+                                                   ConfigReader& reference);
+
+private:
+    template <typename Write>
+    std::optional<WrittenElement> take(Write write);
+
+    ConfigWriter m_writer{""}; ///< empty again after each object
+};
+
+} // namespace Orvant

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+namespace Orvant {
+
+class ConfigReader;
+class ConfigurationObject;
+
+/// While it lives, one reference serves all questions about an object to a reader: whether the
+/// object has something to save, and what.
+class SharedReference {
+public:
+    SharedReference(const ConfigurationObject& object, ConfigReader& reader);
+    SharedReference(const SharedReference&) = delete;
+    SharedReference& operator=(const SharedReference&) = delete;
+    ~SharedReference();
+
+    /// @return what the reader holds for the object, in a new object of its class
+    /// @throws std::logic_error when the factory of the object returns null
+    static std::shared_ptr<const ConfigurationObject> of(const ConfigurationObject& object,
+                                                         ConfigReader& reader);
+
+private:
+    const ConfigurationObject& m_object;
+    ConfigReader& m_reader;
+    SharedReference* const m_outer; ///< of an object that saves this one while it is saved itself
+    std::shared_ptr<const ConfigurationObject> m_reference; ///< null until it is asked for
+};
+
+} // namespace Orvant
