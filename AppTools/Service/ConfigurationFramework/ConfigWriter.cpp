@@ -5,7 +5,6 @@
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/xml/NumberText.h>
-#include <ConfigurationFramework/xml/PlaceRestorer.h>
 
 #include <Logging/Logging.h>
 
@@ -25,7 +24,7 @@ ConfigWriter::ConfigWriter(const std::string& version)
 ConfigWriter::ConfigWriter(const FileName& file, const std::string& content)
     : m_impl(std::make_unique<ConfigWriterImpl>(file, content)) {}
 
-ConfigWriter::ConfigWriter(std::unique_ptr<ConfigWriterImpl> impl) : m_impl(std::move(impl)) {}
+ConfigWriter::ConfigWriter(std::unique_ptr<WriterTarget> target) : m_impl(std::move(target)) {}
 
 ConfigWriter::~ConfigWriter() = default;
 
@@ -40,13 +39,13 @@ void ConfigWriter::createKeyedNode(const std::string& name, const std::string& k
 
 void ConfigWriter::createNodeAndMakeCurrent(const std::string& name, const std::string& comment) {
     createNode(name, comment);
-    setCurrentNode(name);
+    m_impl->enterLastChild();
 }
 
 void ConfigWriter::createKeyedNodeAndMakeCurrent(const std::string& name, const std::string& key,
                                                  const std::string& comment) {
     createKeyedNode(name, key, comment);
-    setCurrentKeyedNode(name, key);
+    m_impl->enterLastChild();
 }
 
 ConfigurationAccessResult ConfigWriter::setCurrentNode(const std::string& name) {
@@ -141,21 +140,15 @@ void ConfigWriter::putValue(const std::string& name, const std::vector<std::stri
 
 void ConfigWriter::putElement(const std::string& name, const std::string& comment,
                               const std::function<void()>& writeContents) {
-    const PlaceRestorer restorer(m_impl->currentElement());
-    createNodeAndMakeCurrent(name, comment);
-    writeContents();
+    m_impl->keepPlace([&] {
+        createNodeAndMakeCurrent(name, comment);
+        writeContents();
+    });
 }
 
 void ConfigWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
                                          const std::function<void()>& writeContents) {
-    xercesc::DOMElement& element = m_impl->createElement(name);
-    {
-        const PlaceRestorer restorer(m_impl->currentElement());
-        m_impl->currentElement() = &element;
-        writeContents();
-    }
-    if (element.hasChildNodes())
-        m_impl->appendElement(element, comment);
+    m_impl->putElementUnlessEmpty(name, comment, writeContents);
 }
 
 std::set<std::string>
@@ -166,10 +159,7 @@ ConfigWriter::getNamesHiddenByDescendants(const std::vector<std::string>& names)
 void ConfigWriter::putInFront(const std::string& name, const std::function<void()>& putMissing) {
     if (m_impl->moveToFront(name) == ConfigurationAccessResult::Success)
         return;
-    {
-        const PlaceRestorer restorer(m_impl->currentElement());
-        putMissing();
-    }
+    m_impl->keepPlace(putMissing);
     m_impl->moveToFront(name);
 }
 
@@ -187,10 +177,11 @@ void ConfigWriter::putClassContents(const std::string& name, const Configuration
 
 void ConfigWriter::putClassContents(const std::string& name, const std::string& key,
                                     const ConfigurationObject& object, const std::string& comment) {
-    const PlaceRestorer restorer(m_impl->currentElement());
-    createKeyedNodeAndMakeCurrent(name, key, comment);
-    object.saveContent(*this);
-    object.keepListsReadable(*this);
+    m_impl->keepPlace([&] {
+        createKeyedNodeAndMakeCurrent(name, key, comment);
+        object.saveContent(*this);
+        object.keepListsReadable(*this);
+    });
 }
 
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
@@ -208,14 +199,14 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
-    const PlaceRestorer restorer(m_impl->currentElement());
     m_impl->deleteKeyedNode(name, key);
     const SharedReference reference(object, reader);
-    if (!object.canBeSavedToUserConfig(reader))
-        return;
-    createKeyedNodeAndMakeCurrent(name, key, comment);
-    object.saveContent(*this, reader, true);
-    object.keepListsReadable(*this);
+    if (object.canBeSavedToUserConfig(reader))
+        m_impl->keepPlace([&] {
+            createKeyedNodeAndMakeCurrent(name, key, comment);
+            object.saveContent(*this, reader, true);
+            object.keepListsReadable(*this);
+        });
 }
 
 std::string ConfigWriter::getAsString() {

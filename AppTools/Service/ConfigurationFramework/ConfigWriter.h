@@ -14,7 +14,7 @@ namespace Orvant {
 
 class ConfigReader;
 class ConfigurationObject;
-class ConfigWriterImpl;
+class WriterTarget;
 
 /// Builds one configuration document, new or from an existing one, and writes it to a file.
 ///
@@ -185,11 +185,11 @@ public:
     const std::string& getSaveProblem() const;
 
 private:
-    friend class ConfigWriterImpl;
+    friend class WriterTarget;
 
-    explicit ConfigWriter(std::unique_ptr<ConfigWriterImpl> impl);
+    explicit ConfigWriter(std::unique_ptr<WriterTarget> target);
 
-    std::unique_ptr<ConfigWriterImpl> m_impl;
+    std::unique_ptr<WriterTarget> m_impl;
 };
 
 } // namespace Orvant

@@ -2,11 +2,11 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigWriter.h>
-#include <ConfigurationFramework/files/FileSaving.h>
 #include <ConfigurationFramework/reading/ParsedDocument.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/IndexThreshold.h>
+#include <ConfigurationFramework/xml/PlaceRestorer.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <FileHandling/FileName.h>
@@ -39,29 +39,6 @@ constexpr const XMLCh* versionAttribute = u"version";
 
 /// A document with no more nodes than this is within all limits for opening.
 constexpr std::size_t mostNodesWithinAllBounds = 50'000;
-
-void logError(const std::string& message,
-              const std::source_location& place = std::source_location::current()) {
-    s_log.logERROR(message, place.file_name(), place.function_name(), place.line());
-}
-
-/// A text made fit for the document; what had to be replaced is logged.
-XmlString checked(XmlText text, const std::string& elementName) {
-    if (text.changed)
-        logError("Characters that XML cannot hold were replaced by U+FFFD in the element \"" +
-                 elementName + '"');
-    return std::move(text.text);
-}
-
-/// The children with a tag, whatever their key.
-ChildSelection named(const std::string& name) {
-    return {XercesHelperFunctions::stringToXmlCh(name), std::nullopt};
-}
-
-/// The children with a tag and a key.
-ChildSelection keyed(const std::string& name, const std::string& key) {
-    return {XercesHelperFunctions::stringToXmlCh(name), toXmlText(key).text};
-}
 
 } // namespace
 
@@ -98,11 +75,11 @@ std::unique_ptr<ConfigWriterImpl> ConfigWriterImpl::openBytes(const std::string&
 }
 
 std::unique_ptr<ConfigWriter> ConfigWriterImpl::open(const std::string& bytes) {
-    return std::unique_ptr<ConfigWriter>(new ConfigWriter(openBytes(bytes)));
+    return makeWriter(openBytes(bytes));
 }
 
 ConfigWriterImpl& ConfigWriterImpl::of(const ConfigWriter& writer) {
-    return *writer.m_impl;
+    return dynamic_cast<ConfigWriterImpl&>(WriterTarget::of(writer));
 }
 
 std::string ConfigWriterImpl::version() const {
@@ -111,14 +88,7 @@ std::string ConfigWriterImpl::version() const {
 }
 
 void ConfigWriterImpl::setVersion(const std::string& version) {
-    root().setAttribute(versionAttribute, checked(toXmlText(version), "Configuration").c_str());
-}
-
-void ConfigWriterImpl::clear() {
-    m_current = &root();
-    while (DOMNode* const child = m_current->getFirstChild())
-        m_current->removeChild(child)->release();
-    m_indexes.clear(); // others may come to stand at the same addresses
+    root().setAttribute(versionAttribute, toText(version, "Configuration").c_str());
 }
 
 /// @param parse has the parser parse the document
@@ -148,10 +118,7 @@ void ConfigWriterImpl::load(Parse parse) {
 }
 
 DOMElement& ConfigWriterImpl::createElement(const std::string& name) {
-    const XmlText tag = toXmlText(name);
-    if (tag.changed)
-        throw xercesc::DOMException(xercesc::DOMException::INVALID_CHARACTER_ERR);
-    return *m_document->createElement(tag.text.c_str());
+    return *m_document->createElement(toTag(name).c_str());
 }
 
 void ConfigWriterImpl::createNode(const std::string& name, const std::string& comment) {
@@ -161,7 +128,7 @@ void ConfigWriterImpl::createNode(const std::string& name, const std::string& co
 void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
                                        const std::string& comment) {
     DOMElement& element = createElement(name);
-    const XmlString keyText = checked(toXmlText(key), name);
+    const XmlString keyText = toText(key, name);
     element.setAttribute(keyAttribute, keyText.c_str());
     replaceBy(element, {element.getTagName(), keyText}, comment);
 }
@@ -183,12 +150,15 @@ void ConfigWriterImpl::replaceBy(DOMElement& element, const ChildSelection& repl
     deleteChildren(replaced);
     if (!comment.empty()) {
         const std::string name = XercesHelperFunctions::xmlChToString(element.getTagName());
-        m_current->appendChild(
-            m_document->createComment(checked(toXmlComment(comment), name).c_str()));
+        m_current->appendChild(m_document->createComment(toComment(comment, name).c_str()));
     }
     m_current->appendChild(&element);
     if (ChildElements* const index = currentIndex())
         index->add(element);
+}
+
+void ConfigWriterImpl::enterLastChild() {
+    m_current = asElement(m_current->getLastChild());
 }
 
 ConfigurationAccessResult ConfigWriterImpl::setCurrentNode(const std::string& name) {
@@ -312,7 +282,7 @@ ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name)
 
 void ConfigWriterImpl::appendText(DOMElement& element, const std::string& text) {
     const std::string name = XercesHelperFunctions::xmlChToString(element.getTagName());
-    element.appendChild(m_document->createTextNode(checked(toXmlText(text), name).c_str()));
+    element.appendChild(m_document->createTextNode(toText(text, name).c_str()));
 }
 
 void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
@@ -320,9 +290,25 @@ void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
     appendText(appendElement(name, comment), text);
 }
 
+void ConfigWriterImpl::putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                                             const std::function<void()>& writeContents) {
+    DOMElement& element = createElement(name);
+    keepPlace([&] {
+        m_current = &element;
+        writeContents();
+    });
+    if (element.hasChildNodes())
+        appendElement(element, comment);
+}
+
+void ConfigWriterImpl::keepPlace(const std::function<void()>& action) {
+    const PlaceRestorer restorer(m_current);
+    action();
+}
+
 void ConfigWriterImpl::putString(const std::string& value) {
     const std::string name = XercesHelperFunctions::xmlChToString(m_current->getTagName());
-    m_current->setTextContent(checked(toXmlText(value), name).c_str());
+    m_current->setTextContent(toText(value, name).c_str());
     m_indexes.erase(m_current);
 }
 
@@ -333,7 +319,7 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
     for (const std::string& value : values) {
         DOMElement& item = *m_document->createElement(u"item");
         list.appendChild(&item);
-        item.appendChild(m_document->createTextNode(checked(toXmlText(value), name).c_str()));
+        item.appendChild(m_document->createTextNode(toText(value, name).c_str()));
     }
 }
 
@@ -343,19 +329,6 @@ PrintedDocument ConfigWriterImpl::print() const {
     if (printed.nodes > mostNodesWithinAllBounds && parseDocument(printed.text) == nullptr)
         return {.problem = "The document is too large to be opened again"};
     return printed;
-}
-
-bool ConfigWriterImpl::saveToFile(const FileName& file) {
-    try {
-        PrintedDocument printed = print();
-        if (printed.problem.empty())
-            if (const std::error_code error = saveInPlace(file, printed.text))
-                printed.problem = error.message();
-        m_saveProblem = std::move(printed.problem);
-    } catch (const FileNameException& e) {
-        m_saveProblem = e.what();
-    }
-    return m_saveProblem.empty();
 }
 
 } // namespace Orvant

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationAccessResult.h>
+#include <ConfigurationFramework/WriterTarget.h>
 #include <ConfigurationFramework/writing/ChildElements.h>
-#include <ConfigurationFramework/writing/DocumentPrinter.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -21,8 +21,8 @@ namespace Orvant {
 class ConfigWriter;
 class FileName;
 
-/// The document of a ConfigWriter and its current element. The operations are those of the writer.
-class ConfigWriterImpl {
+/// A document that is written, and edited if it existed.
+class ConfigWriterImpl : public WriterTarget {
 public:
     explicit ConfigWriterImpl(const std::string& version);
     ConfigWriterImpl(const FileName& file, const std::string& content);
@@ -34,51 +34,42 @@ public:
     /// @return a writer of such a document
     static std::unique_ptr<ConfigWriter> open(const std::string& bytes);
 
-    /// @return what is in a writer
+    /// @return the document of a writer of one
     static ConfigWriterImpl& of(const ConfigWriter& writer);
 
     /// @return the root of the document
     xercesc::DOMElement& root() { return *m_document->getDocumentElement(); }
     /// @return attribute version of the root
     std::string version() const;
-    /// Removes all that is in the root, and makes the root the current element.
-    void clear();
     void setVersion(const std::string& version);
 
-    /// Makes an element that is not in the tree yet.
-    /// @throws xercesc::DOMException for an invalid name
-    xercesc::DOMElement& createElement(const std::string& name);
-    /// Appends such an element as createNode() does.
-    void appendElement(xercesc::DOMElement& element, const std::string& comment);
-
-    void createNode(const std::string& name, const std::string& comment);
+    void createNode(const std::string& name, const std::string& comment) override;
     void createKeyedNode(const std::string& name, const std::string& key,
-                         const std::string& comment);
-    ConfigurationAccessResult setCurrentNode(const std::string& name);
-    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name, const std::string& key);
-    void deleteNodes(const std::string& name, const std::string& key);
-    /// Deletes the child that createKeyedNode() would replace.
-    void deleteKeyedNode(const std::string& name, const std::string& key);
+                         const std::string& comment) override;
+    void enterLastChild() override;
+    ConfigurationAccessResult setCurrentNode(const std::string& name) override;
+    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name,
+                                                  const std::string& key) override;
+    void deleteNodes(const std::string& name, const std::string& key) override;
+    void deleteKeyedNode(const std::string& name, const std::string& key) override;
     /// Deletes the children that a registered object is saved in place of.
     /// @return false when there is none
     bool deleteObject(const std::string& name, const std::optional<std::string>& key);
 
-    std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) const;
-    /// Moves the first child of that name, with its comment, before all others.
-    /// @return Failure when there is none
-    ConfigurationAccessResult moveToFront(const std::string& name);
-
-    void putText(const std::string& name, const std::string& text, const std::string& comment);
-    void putString(const std::string& value);
+    void putText(const std::string& name, const std::string& text,
+                 const std::string& comment) override;
+    void putString(const std::string& value) override;
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
-                         const std::string& comment);
+                         const std::string& comment) override;
+    void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                               const std::function<void()>& writeContents) override;
+    void keepPlace(const std::function<void()>& action) override;
 
-    PrintedDocument print() const;
-    bool saveToFile(const FileName& file);
-    const std::string& saveProblem() const { return m_saveProblem; }
+    std::set<std::string>
+    namesHiddenByDescendants(const std::vector<std::string>& names) const override;
+    ConfigurationAccessResult moveToFront(const std::string& name) override;
 
-    /// @return the current element, which callers may set
-    xercesc::DOMElement*& currentElement() { return m_current; }
+    PrintedDocument print() const override;
 
 private:
     struct DocumentRelease {
@@ -89,7 +80,9 @@ private:
 
     template <typename Parse>
     void load(Parse parse);
+    xercesc::DOMElement& createElement(const std::string& name);
     xercesc::DOMElement& appendElement(const std::string& name, const std::string& comment);
+    void appendElement(xercesc::DOMElement& element, const std::string& comment);
     void replaceBy(xercesc::DOMElement& element, const ChildSelection& replaced,
                    const std::string& comment);
     void deleteChildren(const ChildSelection& selection);
@@ -106,7 +99,6 @@ private:
     std::unique_ptr<xercesc::DOMDocument, DocumentRelease> m_newDocument; ///< of a new document
     xercesc::DOMDocument* m_document = nullptr;
     xercesc::DOMElement* m_current = nullptr;
-    std::string m_saveProblem;
     /// For elements with many children and no text.
     std::unordered_map<const xercesc::DOMElement*, ChildElements> m_indexes;
 };

@@ -1,12 +1,12 @@
 #include <ConfigurationFramework/ObjectWriter.h>
 
-#include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvant {
@@ -54,25 +54,28 @@ void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) 
 
 } // namespace
 
+ObjectWriter::ObjectWriter()
+    : m_writer(WriterTarget::makeWriter(std::make_unique<ElementWriter>())),
+      m_elements(dynamic_cast<ElementWriter&>(WriterTarget::of(*m_writer))) {}
+
 /// @return the only element that was written; nothing when there is none
 template <typename Write>
 std::optional<WrittenElement> ObjectWriter::take(Write write) {
-    ConfigWriterImpl& document = ConfigWriterImpl::of(m_writer);
-    document.clear(); // what an exception left
+    m_elements.takeAll(); // what an exception left
     write();
-    const xercesc::DOMElement* const element = document.root().getFirstElementChild();
-    return element == nullptr ? std::nullopt : std::optional(copyOf(*element));
+    std::vector<WrittenElement> written = m_elements.takeAll();
+    return written.empty() ? std::nullopt : std::optional(std::move(written.front()));
 }
 
 WrittenElement ObjectWriter::writeInFull(const ConfigurationRegistration& registration,
                                          const ConfigurationObject& object) {
-    return take([&] { ElementAddress(registration).put(m_writer, object); }).value();
+    return take([&] { ElementAddress(registration).put(*m_writer, object); }).value();
 }
 
 std::optional<WrittenElement>
 ObjectWriter::writeDifferences(const ConfigurationRegistration& registration,
                                const ConfigurationObject& object, ConfigReader& reference) {
-    return take([&] { ElementAddress(registration).putDifferences(m_writer, object, reference); });
+    return take([&] { ElementAddress(registration).putDifferences(*m_writer, object, reference); });
 }
 
 std::optional<WrittenElement>

@@ -3,8 +3,10 @@
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ElementWriter.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
+#include <memory>
 #include <optional>
 
 namespace Orvant {
@@ -12,6 +14,8 @@ namespace Orvant {
 /// Writes objects as saves do, but each into an element that is in no document.
 class ObjectWriter {
 public:
+    ObjectWriter();
+
     /// @return an object as a save in full writes it
     WrittenElement writeInFull(const ConfigurationRegistration& registration,
                                const ConfigurationObject& object);
@@ -28,7 +32,8 @@ private:
     template <typename Write>
     std::optional<WrittenElement> take(Write write);
 
-    ConfigWriter m_writer{""}; ///< empty again after each object
+    std::unique_ptr<ConfigWriter> m_writer;
+    ElementWriter& m_elements; ///< what it writes to
 };
 
 } // namespace Orvant

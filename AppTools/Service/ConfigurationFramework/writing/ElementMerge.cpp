@@ -130,27 +130,6 @@ private:
     ChildElements m_children;
 };
 
-DOMElement& append(DOMElement& parent, const ElementId& id, const XmlString& comment) {
-    xercesc::DOMDocument& document = *parent.getOwnerDocument();
-    DOMElement& element = *document.createElement(id.tag.c_str());
-    if (id.key)
-        element.setAttribute(keyAttribute, id.key->c_str());
-    if (!comment.empty())
-        parent.appendChild(document.createComment(comment.c_str()));
-    parent.appendChild(&element);
-    return element;
-}
-
-/// Gives an element the contents of another; its attributes stay.
-void fill(DOMElement& element, const WrittenElement& contents) {
-    while (DOMNode* const child = element.getFirstChild())
-        element.removeChild(child)->release();
-    for (const WrittenElement& child : contents.children)
-        fill(append(element, child.id, child.comment), child);
-    if (!contents.text.empty())
-        element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
-}
-
 /// Goes only as deep as the contents: a document may be nested deeper than the stack.
 bool holds(DOMElement& element, const WrittenElement& contents) {
     auto expected = contents.children.begin();

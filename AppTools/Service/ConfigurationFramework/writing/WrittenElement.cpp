@@ -7,6 +7,10 @@
 #include <map>
 #include <set>
 
+#include <xercesc/dom/DOMComment.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
 namespace Orvant {
 
 bool WrittenElement::operator==(const WrittenElement& other) const {
@@ -57,6 +61,27 @@ WrittenElement copyOf(const xercesc::DOMElement& element) {
     if (copy.children.empty())
         copy.text = element.getTextContent();
     return copy;
+}
+
+xercesc::DOMElement& append(xercesc::DOMElement& parent, const ElementId& id,
+                            const XmlString& comment) {
+    xercesc::DOMDocument& document = *parent.getOwnerDocument();
+    xercesc::DOMElement& element = *document.createElement(id.tag.c_str());
+    if (id.key)
+        element.setAttribute(keyAttribute, id.key->c_str());
+    if (!comment.empty())
+        parent.appendChild(document.createComment(comment.c_str()));
+    parent.appendChild(&element);
+    return element;
+}
+
+void fill(xercesc::DOMElement& element, const WrittenElement& contents) {
+    while (xercesc::DOMNode* const child = element.getFirstChild())
+        element.removeChild(child)->release();
+    for (const WrittenElement& child : contents.children)
+        fill(append(element, child.id, child.comment), child);
+    if (!contents.text.empty())
+        element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
 }
 
 } // namespace Orvant

@@ -47,4 +47,11 @@ bool hasMore(const WrittenElement& differing, const WrittenElement& full);
 ///         may be nested deeper than the stack
 WrittenElement copyOf(const xercesc::DOMElement& element);
 
+/// Appends an empty element.
+xercesc::DOMElement& append(xercesc::DOMElement& parent, const ElementId& id,
+                            const XmlString& comment);
+
+/// Gives an element the contents of another; its attributes stay.
+void fill(xercesc::DOMElement& element, const WrittenElement& contents);
+
 } // namespace Orvant

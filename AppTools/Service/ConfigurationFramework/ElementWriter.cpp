@@ -1,0 +1,213 @@
+#include <ConfigurationFramework/ElementWriter.h>
+
+#include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/xml/IndexThreshold.h>
+#include <ConfigurationFramework/xml/PlaceRestorer.h>
+
+#include <GeneralServices/XercesHelperFunctions.h>
+#include <Logging/Logging.h>
+
+#include <algorithm>
+#include <source_location>
+#include <unordered_map>
+#include <utility>
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLChar.hpp>
+
+namespace Orvant {
+
+namespace {
+
+const Logging s_log("ConfigWriter");
+
+bool isSelected(const ChildSelection& selection, const WrittenElement& child) {
+    return child.id.tag == selection.tag &&
+           (!selection.key || child.id.key.value_or(XmlString()) == *selection.key);
+}
+
+/// The tag of a new element, as a DOM takes it.
+XmlString toValidTag(const std::string& name) {
+    XmlString tag = toTag(name);
+    if (!xercesc::XMLChar1_0::isValidName(tag.c_str(), tag.size()))
+        throw xercesc::DOMException(xercesc::DOMException::INVALID_CHARACTER_ERR);
+    return tag;
+}
+
+std::string nameOf(const WrittenElement& element) {
+    return XercesHelperFunctions::xmlChToString(element.id.tag.c_str());
+}
+
+/// Calls back with all elements below another in document order, and whether each is a child of it,
+/// until the callback returns false.
+template <typename Visit>
+bool visitBelow(const WrittenElement& element, Visit visit, bool isChild = true) {
+    return std::ranges::all_of(element.children, [&](const WrittenElement& child) {
+        return visit(child, isChild) && visitBelow(child, visit, false);
+    });
+}
+
+} // namespace
+
+ElementWriter::ElementWriter() : m_session(s_log, std::source_location::current()) {}
+
+std::vector<WrittenElement> ElementWriter::takeAll() {
+    m_current = {&m_root};
+    m_root.text.clear();
+    return std::exchange(m_root.children, {});
+}
+
+void ElementWriter::createNode(const std::string& name, const std::string& comment) {
+    WrittenElement element{{toValidTag(name), std::nullopt}};
+    deleteChildren({element.id.tag, std::nullopt});
+    if (!comment.empty())
+        element.comment = toComment(comment, name);
+    append(std::move(element));
+}
+
+void ElementWriter::createKeyedNode(const std::string& name, const std::string& key,
+                                    const std::string& comment) {
+    WrittenElement element{{toValidTag(name), toText(key, name)}};
+    deleteChildren({element.id.tag, element.id.key});
+    if (!comment.empty())
+        element.comment = toComment(comment, name);
+    append(std::move(element));
+}
+
+/// Appends a child to the current element.
+WrittenElement& ElementWriter::append(WrittenElement element) {
+    if (m_current.tags != nullptr)
+        m_current.tags->insert(element.id.tag);
+    return m_current.element->children.emplace_back(std::move(element));
+}
+
+void ElementWriter::enterLastChild() {
+    m_current = {&m_current.element->children.back()};
+}
+
+ConfigurationAccessResult ElementWriter::setCurrentNode(const std::string& name) {
+    return makeCurrent(named(name));
+}
+
+ConfigurationAccessResult ElementWriter::setCurrentKeyedNode(const std::string& name,
+                                                             const std::string& key) {
+    return makeCurrent(keyed(name, key));
+}
+
+ConfigurationAccessResult ElementWriter::makeCurrent(const ChildSelection& selection) {
+    const auto found = findChild(selection);
+    if (found == m_current.element->children.end())
+        return ConfigurationAccessResult::Failure;
+    m_current = {&*found};
+    return ConfigurationAccessResult::Success;
+}
+
+/// @return the first of the selected children
+ElementWriter::Children::iterator ElementWriter::findChild(const ChildSelection& selection) {
+    Children& children = m_current.element->children;
+    return mayHave(selection.tag) ? std::ranges::find_if(children,
+                                                         [&](const WrittenElement& child) {
+                                                             return isSelected(selection, child);
+                                                         })
+                                  : children.end();
+}
+
+bool ElementWriter::mayHave(const XmlString& tag) const {
+    return m_current.tags == nullptr || m_current.tags->contains(tag);
+}
+
+void ElementWriter::deleteNodes(const std::string& name, const std::string& key) {
+    deleteChildren(key.empty() ? named(name) : keyed(name, key));
+}
+
+void ElementWriter::deleteKeyedNode(const std::string& name, const std::string& key) {
+    deleteChildren(keyed(name, key));
+}
+
+void ElementWriter::deleteChildren(const ChildSelection& selection) {
+    m_current.element->text.clear();
+    Children& children = m_current.element->children;
+    if (mayHave(selection.tag))
+        std::erase_if(children,
+                      [&](const WrittenElement& child) { return isSelected(selection, child); });
+    if (m_current.tags != nullptr || children.size() <= mostChildrenWithoutIndex)
+        return;
+    m_current.tags = std::make_shared<std::unordered_set<XmlString>>();
+    for (const WrittenElement& child : children)
+        m_current.tags->insert(child.id.tag);
+}
+
+void ElementWriter::putText(const std::string& name, const std::string& text,
+                            const std::string& comment) {
+    createNode(name, comment);
+    m_current.element->children.back().text = toText(text, name);
+}
+
+void ElementWriter::putString(const std::string& value) {
+    m_current.element->children.clear();
+    m_current.element->text = toText(value, nameOf(*m_current.element));
+}
+
+void ElementWriter::putStringVector(const std::string& name, const std::vector<std::string>& values,
+                                    const std::string& comment) {
+    createNode(name, comment);
+    WrittenElement& list = m_current.element->children.back();
+    list.children.reserve(values.size());
+    for (const std::string& value : values)
+        list.children.push_back({.id = {itemTag, std::nullopt}, .text = toText(value, name)});
+}
+
+void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                                          const std::function<void()>& writeContents) {
+    WrittenElement element{{toValidTag(name), std::nullopt}};
+    keepPlace([&] {
+        m_current = {&element};
+        writeContents();
+    });
+    if (element.children.empty() && element.text.empty())
+        return;
+    createNode(name, comment);
+    WrittenElement& added = m_current.element->children.back();
+    added.text = std::move(element.text);
+    added.children = std::move(element.children);
+}
+
+void ElementWriter::keepPlace(const std::function<void()>& action) {
+    const PlaceRestorer restorer(m_current);
+    action();
+}
+
+std::set<std::string>
+ElementWriter::namesHiddenByDescendants(const std::vector<std::string>& names) const {
+    std::unordered_map<XmlString, std::string> notSeen;
+    for (const std::string& name : names)
+        notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
+    std::set<std::string> hidden;
+    visitBelow(*m_current.element, [&](const WrittenElement& element, bool isChild) {
+        const auto seen = notSeen.find(element.id.tag);
+        if (seen != notSeen.end()) {
+            if (!isChild)
+                hidden.insert(seen->second);
+            notSeen.erase(seen);
+        }
+        return !notSeen.empty();
+    });
+    return hidden;
+}
+
+ConfigurationAccessResult ElementWriter::moveToFront(const std::string& name) {
+    Children& children = m_current.element->children;
+    const auto found = findChild(named(name));
+    if (found == children.end())
+        return ConfigurationAccessResult::Failure;
+    std::rotate(children.begin(), found, std::next(found));
+    return ConfigurationAccessResult::Success;
+}
+
+PrintedDocument ElementWriter::print() const {
+    ConfigWriterImpl document("");
+    fill(document.root(), m_root);
+    return document.print();
+}
+
+} // namespace Orvant

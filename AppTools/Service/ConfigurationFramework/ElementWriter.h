@@ -1,0 +1,71 @@
+#pragma once
+
+#include <ConfigurationFramework/WriterTarget.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
+#include <ConfigurationFramework/xml/XercesSession.h>
+
+#include <memory>
+#include <unordered_set>
+
+namespace Orvant {
+
+/// Writes elements that are compared, and printed only if an object asks for it: a DOM takes
+/// several times as long to fill.
+class ElementWriter : public WriterTarget {
+public:
+    ElementWriter();
+
+    /// @return the root, with what was written
+    const WrittenElement& root() const { return m_root; }
+    /// @return all that was written into the root, which is empty and current then
+    std::vector<WrittenElement> takeAll();
+
+    void createNode(const std::string& name, const std::string& comment) override;
+    void createKeyedNode(const std::string& name, const std::string& key,
+                         const std::string& comment) override;
+    void enterLastChild() override;
+    ConfigurationAccessResult setCurrentNode(const std::string& name) override;
+    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name,
+                                                  const std::string& key) override;
+    void deleteNodes(const std::string& name, const std::string& key) override;
+    void deleteKeyedNode(const std::string& name, const std::string& key) override;
+
+    void putText(const std::string& name, const std::string& text,
+                 const std::string& comment) override;
+    void putString(const std::string& value) override;
+    void putStringVector(const std::string& name, const std::vector<std::string>& values,
+                         const std::string& comment) override;
+    void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+                               const std::function<void()>& writeContents) override;
+    void keepPlace(const std::function<void()>& action) override;
+
+    std::set<std::string>
+    namesHiddenByDescendants(const std::vector<std::string>& names) const override;
+    ConfigurationAccessResult moveToFront(const std::string& name) override;
+
+    PrintedDocument print() const override;
+
+private:
+    using Children = std::vector<WrittenElement>;
+
+    /// An element that is written to. It stays where it is as long as it is the current one, or one
+    /// of those around that: only they get children.
+    struct Place {
+        WrittenElement* element;
+        /// Tags of children, once there are many, so that most need not be looked for; perhaps of
+        /// some that are gone.
+        std::shared_ptr<std::unordered_set<XmlString>> tags = nullptr;
+    };
+
+    WrittenElement& append(WrittenElement element);
+    Children::iterator findChild(const ChildSelection& selection);
+    ConfigurationAccessResult makeCurrent(const ChildSelection& selection);
+    void deleteChildren(const ChildSelection& selection);
+    bool mayHave(const XmlString& tag) const;
+
+    XercesSession m_session;
+    WrittenElement m_root{{u"Configuration", {}}};
+    Place m_current{&m_root};
+};
+
+} // namespace Orvant
