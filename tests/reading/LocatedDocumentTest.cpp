@@ -162,6 +162,29 @@ TEST_F(LocatedDocuments, KeepWhatAnAttributeReallySays) {
     EXPECT_EQ((std::vector<std::string>{"none", "True", "", "none", "no", "false"}), texts);
 }
 
+TEST_F(LocatedDocuments, KnowTheTextThatReadersDoNotSee) {
+    const LocatedDocument document(
+        "<!DOCTYPE Configuration [<!ENTITY e '\u00E4&n;'><!ENTITY n '<in>i</in>n'>]><Configuration>"
+        "<a>whole</a><b>x<!-- -->y<![CDATA[z]]></b><c>\U0001F600&e;</c><d>x<?p?> \n</d>"
+        "<e><!-- -->unseen</e><f>x<g>y</g> z</f><h/></Configuration>");
+    ASSERT_FALSE(document.error());
+    std::vector<std::string> texts;
+    for (DocumentTree::Element element = 1; element < document.items().size(); ++element)
+        if (!document.items()[element].tag.empty())
+            texts.push_back(document.items()[element].tag + ' ' + document.textCutOff(element));
+    EXPECT_EQ((std::vector<std::string>{"a ", "b yz", "c \u00E4n", "in ", "d ", "e ", "f  z", "g ",
+                                        "h "}),
+              texts);
+}
+
+TEST_F(LocatedDocuments, TellThePathsOfElements) {
+    const LocatedDocument document("<!DOCTYPE Configuration [<!ENTITY e '<c/>'>]><Configuration>"
+                                   "<a key='1'><b key=''/>&e;</a></Configuration>");
+    EXPECT_EQ("a[1]", document.path(1));
+    EXPECT_EQ("a[1]/b", document.path(2));
+    EXPECT_EQ("a[1]/c", document.path(4));
+}
+
 TEST_F(LocatedDocuments, TellTheFirstError) {
     EXPECT_EQ("none", errorIn("<Configuration/>"));
     EXPECT_TRUE(errorIn("<Configuration>\n <a></b></Configuration></c>").starts_with("2:"));

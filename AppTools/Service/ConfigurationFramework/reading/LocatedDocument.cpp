@@ -122,6 +122,7 @@ public:
     }
     void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override {
         TreeBuildingParser::docCharacters(text, length, isCData);
+        addText(text, length);
         mark();
     }
     void docComment(const XMLCh* comment) override {
@@ -140,6 +141,14 @@ private:
     void open(LocatedDocument::Item item) {
         m_open.push_back(static_cast<DocumentTree::Element>(m_items.size()));
         m_items.push_back(std::move(item));
+    }
+    /// Adds a text to the element that it stands in, perhaps by a reference.
+    void addText(const XMLCh* text, XMLSize_t length) {
+        DocumentTree::Element element = parent();
+        while (element != DocumentTree::none && m_items[element].tag.empty())
+            element = m_items[element].parent;
+        if (element != DocumentTree::none)
+            m_items[element].text.append(text, length);
     }
     void mark() {
         if (m_references == 0)
@@ -186,6 +195,27 @@ LocatedDocument::LocatedDocument(const std::string& bytes) {
     if (!m_tree.hasName(DocumentTree::root, "Configuration"))
         m_error = {m_items.front().place,
                    "the root element is \"" + m_items.front().tag + "\", not \"Configuration\""};
+}
+
+std::string LocatedDocument::name(DocumentTree::Element element) const {
+    const std::string& key = m_tree.key(element);
+    return m_items[element].tag + (key.empty() ? "" : '[' + key + ']');
+}
+
+std::string LocatedDocument::path(DocumentTree::Element element) const {
+    std::string path = name(element);
+    while ((element = m_items[element].parent) != DocumentTree::root)
+        if (!m_items[element].tag.empty()) // a reference to an entity has none
+            path.insert(0, name(element) + '/');
+    return path;
+}
+
+std::string LocatedDocument::textCutOff(DocumentTree::Element element) const {
+    const auto seen = m_tree.text(element);
+    const std::string text = toString(m_items[element].text.c_str());
+    if (!seen || text.find_first_not_of(" \t\r\n", seen->size()) == std::string::npos)
+        return {};
+    return text.substr(seen->size());
 }
 
 } // namespace Orvant

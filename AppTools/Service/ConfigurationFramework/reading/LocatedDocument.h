@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/reading/DocumentTree.h>
+#include <ConfigurationFramework/xml/XmlText.h>
 
 #include <optional>
 #include <string>
@@ -26,6 +27,9 @@ public:
         /// Of the '<'. What comes from an entity stands at the reference in the document.
         DocumentPlace place = {};
         std::optional<std::string> editable = {}; ///< the attribute's text; nothing: there is none
+        /// All text of the element, without that of the elements in it, but with what stands after
+        /// comments, in CDATA sections and in entities: readers see none of these.
+        XmlString text = {};
     };
     /// Why readers refuse the document, whatever its version.
     struct Error {
@@ -42,6 +46,13 @@ public:
     DocumentTree& tree() { return m_tree; }
     /// @return the items of the tree by their position
     const std::vector<Item>& items() const { return m_items; }
+    /// @return the tag of an element, with its key, if it has one, in brackets
+    std::string name(DocumentTree::Element element) const;
+    /// @return the names from below the root to an element, joined by slashes
+    std::string path(DocumentTree::Element element) const;
+    /// @return the text of an element that readers do not see because markup cuts it off; empty if
+    ///         there is none but white space, or if they see no text at all
+    std::string textCutOff(DocumentTree::Element element) const;
     /// @return version attribute of the root, empty when there is none
     const std::string& version() const { return m_version; }
 
