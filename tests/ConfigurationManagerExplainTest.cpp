@@ -4,7 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
-#include <ManagerFixture.h>
+#include <ViewFixture.h>
 
 #include <gtest/gtest.h>
 
@@ -33,33 +33,20 @@ std::string show(const ConfigurationOrigin& origin) {
     const auto text = [](const std::optional<std::string>& value) {
         return value ? "'" + *value + "'" : "-";
     };
-    const std::string file = origin.file.toString();
     return origin.path + " = '" + origin.value + "' " + s_layers.at(origin.layer) +
            (origin.locked ? " locked" : "") +
            (origin.lockedBy.empty() ? "" : " by " + origin.lockedBy) + " | " +
            text(origin.systemValue) + " | " + text(origin.userValue) + " | " +
-           file.substr(file.find_last_of("/\\") + 1) + ":" + std::to_string(origin.line);
+           withoutFolder(origin.file) + ":" + std::to_string(origin.line);
 }
 
-class ConfigurationManagerExplain : public ManagerFixture {
+class ConfigurationManagerExplain : public ViewFixture {
 protected:
-    void writeOne(const std::string& contents) {
-        writeFile(m_file, document(contents));
-        useOneFile();
-    }
-    void writeTwo(const std::string& system, const std::string& user) {
-        writeFile(m_systemFile, document(system));
-        writeFile(m_userFile, document(user));
-        useTwoFiles();
-    }
     Lines explained() const {
         Lines lines;
         for (const ConfigurationOrigin& origin : m_manager.explain())
             lines.push_back(show(origin));
         return lines;
-    }
-    std::shared_ptr<TestObject> addView() {
-        return add(TestObject::make("View", [](TestObject& o) { o.add("Zoom", 1); }));
     }
 };
 
@@ -297,6 +284,78 @@ TEST_F(ConfigurationManagerExplain, TellsALockOfTheApplication) {
               explained());
 }
 
+TEST_F(ConfigurationManagerExplain, KnowsThatWhatAClassLocksIsNotLoaded) {
+    writeTwo("<View><a>2</a><b>2</b><c editable='false'>2</c><Camera><f>2</f></Camera></View>"
+             "<Whole><a editable='false'>2</a></Whole>",
+             "<View><a>3</a><b>3</b><c>3</c><Camera><f>3</f></Camera></View><Whole/>");
+    const auto view = addView([](TestObject& o) {
+        o.add("a", 1).add("b", 1).add("c", 1);
+        o.value<int>("a").setEditable(false);
+        o.value<int>("c").setEditable(false);
+        auto* const camera = new TestObject("Camera");
+        o.addChild(&camera->add("f", 1));
+        camera->setEditable(false);
+    });
+    add(TestObject::make("Whole", [](TestObject& o) { o.add("a", 1).setEditable(false); }));
+    EXPECT_EQ(1, view->value<int>("a").getValue());
+    EXPECT_EQ((Lines{"View/a = '1' default locked by View/a | '2' | '3' | :0",
+                     "View/b = '3' user | '2' | '3' | user.xml:1",
+                     "View/c = '1' default locked by View/c | '2' | '3' | :0",
+                     "View/Camera/f = '1' default locked by View/Camera | '2' | '3' | :0",
+                     "Whole/a = '1' default locked by Whole | '2' | - | :0"}),
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, NamesALockOfTheElementWithoutAKey) {
+    writeTwo("<Machine><MaxFeed editable='false'>3</MaxFeed></Machine>"
+             "<Machine key='2' editable='false'/>",
+             "<Machine key='1'><MaxFeed>4</MaxFeed></Machine>");
+    for (const char* key : {"1", "2"})
+        add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine",
+            key);
+    EXPECT_EQ(
+        (Lines{
+            "Machine[1]/MaxFeed = '3' system locked by Machine/MaxFeed | '3' | '4' | system.xml:1",
+            "Machine[2]/MaxFeed = '1' default locked by Machine[2] | - | - | :0"}),
+        explained());
+    m_manager.reset();
+    writeOne("<Machine editable='false'><MaxFeed>3</MaxFeed></Machine>");
+    add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine", "1");
+    EXPECT_EQ(Lines{"Machine[1]/MaxFeed = '3' user locked by Machine | - | '3' | settings.xml:1"},
+              explained());
+}
+
+TEST_F(ConfigurationManagerExplain, NamesALockOfTheApplicationByTheKeyOfTheObject) {
+    writeOne("<Machine><MaxFeed>3</MaxFeed></Machine>");
+    add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine", "1")
+        ->setEditable(false);
+    EXPECT_EQ(
+        Lines{"Machine[1]/MaxFeed = '3' user locked by Machine[1] | - | '3' | settings.xml:1"},
+        explained());
+}
+
+TEST_F(ConfigurationManagerExplain, TellsLocksOfListsInEntities) {
+    writeFile(m_file, "<!DOCTYPE Configuration [<!ENTITY e '<l editable=\"false\"/>'>]>\n"
+                      "<Configuration version='1.0'><View>&e;</View></Configuration>");
+    useOneFile();
+    addView([](TestObject& o) { o.add<Strings>("l", {}); });
+    EXPECT_EQ(Lines{"View/l = '' user locked by View/l | - | '' | settings.xml:2"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, TellsApartValuesOfOnePath) {
+    writeOne("<View><b>3</b></View>");
+    addView([](TestObject& o) {
+        auto* const inline_ = new TestObject("");
+        inline_->add<std::string>("a", "x").add<std::string>("b", "x");
+        o.add("a", 1).add("b", 1).addChild(inline_);
+    });
+    EXPECT_EQ(
+        (Lines{"View/a = '1' default | - | - | :0", "View/b = '3' user | - | '3' | settings.xml:1",
+               "View/a = 'x' default | - | - | :0",
+               "View/b = '3' user | - | '3' | settings.xml:1"}),
+        explained());
+}
+
 TEST_F(ConfigurationManagerExplain, FollowsKeysAndTheElementWithoutAKey) {
     writeTwo("<Machine key='Hall 1'><MaxFeed>2</MaxFeed></Machine>\n"
              "<Machine><MaxFeed>3</MaxFeed></Machine>\n<Machine><MaxFeed>4</MaxFeed></Machine>",
@@ -432,6 +491,29 @@ TEST_F(ConfigurationManagerExplain, ExplainsWhatAClassWritesBesidesItsValues) {
               explained());
     object->number = 9;
     EXPECT_EQ("Besides/Number = '9' user | '8' | - | :0", explained()[1]);
+}
+
+/// Saves an empty list and an empty text besides its values.
+class EmptyBesides : public TestObject {
+public:
+    EmptyBesides() : TestObject("EmptyBesides") { add("a", 1); }
+    void saveContent(ConfigWriter& writer) const override {
+        TestObject::saveContent(writer);
+        writer.putStringVector("List", {}, "");
+        writer.putString("Text", "", "");
+    }
+    ConfigurationObject* createConfigurationObject() const override { return new EmptyBesides; }
+};
+
+TEST_F(ConfigurationManagerExplain, GivesAnEmptyListThatOnlyAClassWritesTheEmptyText) {
+    writeTwo("<EmptyBesides>\n<List>\n<item>x</item>\n</List><Text> t</Text></EmptyBesides>",
+             "<EmptyBesides><List/></EmptyBesides>");
+    add(std::make_shared<EmptyBesides>());
+    EXPECT_EQ((Lines{"EmptyBesides/a = '1' default | - | - | :0",
+                     R"(EmptyBesides/List = '' user | '"x"' | '' | user.xml:1)",
+                     "EmptyBesides/Text = '' system | ' t' | - | system.xml:4"}),
+              explained());
+    EXPECT_TRUE(m_manager.getLoadProblems().empty());
 }
 
 TEST_F(ConfigurationManagerExplain, TellsLocksOfWhatAClassWritesBesidesItsValues) {

@@ -4,12 +4,13 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/DisableFeaturesConfiguration.h>
 
-#include <ManagerFixture.h>
+#include <ViewFixture.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -28,31 +29,18 @@ std::string show(const ConfigurationProblem& problem) {
     static const Strings s_kinds{"Damaged",      "OtherVersion", "Unreadable",
                                  "NotConverted", "Partly",       "OutOfRange",
                                  "OddLock",      "Unknown",      "Twice"};
-    const std::string file = problem.file.toString();
-    return s_kinds.at(static_cast<std::size_t>(problem.kind)) + ' ' +
-           file.substr(file.find_last_of("/\\") + 1) + ':' + std::to_string(problem.line) + ':' +
-           std::to_string(problem.column) + ' ' + problem.path + ": " + problem.text;
+    return s_kinds.at(static_cast<std::size_t>(problem.kind)) + ' ' + withoutFolder(problem.file) +
+           ':' + std::to_string(problem.line) + ':' + std::to_string(problem.column) + ' ' +
+           problem.path + ": " + problem.text;
 }
 
-class ConfigurationManagerProblems : public ManagerFixture {
+class ConfigurationManagerProblems : public ViewFixture {
 protected:
-    void writeOne(const std::string& contents) {
-        writeFile(m_file, document(contents));
-        useOneFile();
-    }
-    void writeTwo(const std::string& system, const std::string& user) {
-        writeFile(m_systemFile, document(system));
-        writeFile(m_userFile, document(user));
-        useTwoFiles();
-    }
     Lines problems() const {
         Lines lines;
         for (const ConfigurationProblem& problem : m_manager.getLoadProblems())
             lines.push_back(show(problem));
         return lines;
-    }
-    std::shared_ptr<TestObject> addView() {
-        return add(TestObject::make("View", [](TestObject& o) { o.add("Zoom", 1); }));
     }
     /// Registers an object with a value of each type.
     void addAll() {
@@ -209,6 +197,200 @@ TEST_F(ConfigurationManagerProblems, TellWhatWasTakenFromTheOtherFile) {
     EXPECT_THAT(lines[0], HasSubstr("View/a: \"x\" is not an integer; the user file's \"3\" was"));
     EXPECT_THAT(lines[1], HasSubstr("View/c: \"y\" is not an integer; the default 1 was taken"));
     EXPECT_THAT(lines[2], HasSubstr("View/b: \"z\" is not an integer; the system file's \"2\""));
+}
+
+TEST_F(ConfigurationManagerProblems, TellATextThatMarkupCuts) {
+    EXPECT_EQ(
+        (Lines{"Partly settings.xml:2:6 All/s: \"Bolt \" followed by markup and \"M8\" was read as "
+               "\"Bolt \"",
+               "Partly settings.xml:3:1 All/i: \"6\" followed by markup and \"0\" was read as 6",
+               "Partly settings.xml:3:20 All/b: \"true\" followed by markup and \" x\" was read as "
+               "true",
+               "Partly settings.xml:3:45 All/d: \"6x\" followed by markup and \"0\" was read as 6",
+               "NotConverted settings.xml:4:1 All/u: \" \" followed by markup and \"5\" is not an "
+               "integer; the default 1 was taken",
+               "Partly settings.xml:5:1 All/l: \"a\", \"b\" followed by markup and \"c\" was read "
+               "as \"a\", \"b\""}),
+        problemsOf("<s>Bolt <!-- m -->M8</s>\n<i>6<!-- x -->0</i><b>true<![CDATA[ x]]></b>"
+                   "<d>6x<?p?>0</d>\n<u> <!-- -->5</u>\n"
+                   "<l><item>a</item><item>b<?p?>c</item></l>"));
+    // Of both texts of one element, that in the element in it is not one.
+    const Lines lines = problemsOf("<s>Bolt <x>y</x> M8</s>");
+    ASSERT_EQ(2U, lines.size());
+    EXPECT_THAT(lines[0], HasSubstr("\"Bolt \" followed by markup and \" M8\" was read as"));
+    EXPECT_THAT(lines[1], HasSubstr("Unknown"));
+}
+
+TEST_F(ConfigurationManagerProblems, AreNoneInWhiteSpaceThatMarkupCuts) {
+    EXPECT_EQ(Lines(), problemsOf("<s>Bolt<!-- or -->\n</s><i>6 <?p?>\t</i><b>true<!-- --> </b>"
+                                  "<d>5<!-- --><![CDATA[ ]]></d>"
+                                  "<l>\n<item>a</item><!-- --> <item>b<!-- --> </item>x</l>"));
+}
+
+TEST_F(ConfigurationManagerProblems, TellATextThatAReferenceCuts) {
+    writeFile(m_file, "<!DOCTYPE Configuration [<!ENTITY size 'M8'><!ENTITY bolt '&size; long'>]>\n"
+                      "<Configuration version='1.0'><All><s>Bolt &bolt;</s></All></Configuration>");
+    useOneFile();
+    addAll();
+    EXPECT_EQ(Lines{"Partly settings.xml:2:35 All/s: \"Bolt \" followed by markup and \"M8 long\" "
+                    "was read as \"Bolt \""},
+              problems());
+    EXPECT_EQ(Lines(), problemsOf("<s>a &lt; b &#65;</s>"));
+}
+
+TEST_F(ConfigurationManagerProblems, AreNotInTextsThatAClassLocked) {
+    writeTwo("<View><a>x</a><b>6<!-- -->0</b><Camera><f>x</f></Camera></View>",
+             "<View><a>x</a><b editable='no'>2</b></View>");
+    addView([](TestObject& o) {
+        auto* const camera = new TestObject("Camera");
+        o.add("a", 1).add("b", 1).addChild(&camera->add("f", 1));
+        o.value<int>("a").setEditable(false);
+        o.value<int>("b").setEditable(false);
+        camera->setEditable(false);
+    });
+    EXPECT_EQ(Lines{"OddLock user.xml:1:44 View/b: editable=\"no\" is neither true nor false; true "
+                    "was taken"},
+              problems());
+}
+
+TEST_F(ConfigurationManagerProblems, TellALockOfWhatAClassLocks) {
+    writeOne("<View><Zoom editable='false'>x</Zoom></View>");
+    addView([](TestObject& o) { o.add("Zoom", 1).value<int>("Zoom").setEditable(false); });
+    EXPECT_EQ(Lines{"OddLock settings.xml:1:36 View/Zoom: editable=\"false\" has no effect: the "
+                    "element is not loaded"},
+              problems());
+}
+
+TEST_F(ConfigurationManagerProblems, TellWhichFileDecidesInsteadOfATextThatIsReadInPart) {
+    writeTwo("<View><a editable='false'>40</a><b>60,5</b><c editable='false'>60,5</c><f>1e99</f>"
+             "<s editable='false'><!-- --></s><l><item>x<!-- -->y</item></l></View>",
+             "<View><a>60,5</a><b>7</b><c>x</c><f>z</f><s>t</s><l><item><x/></item></l></View>");
+    addView([](TestObject& o) {
+        o.add("a", 1.0).add("b", 1.0).add("c", 1.0).add("f", 1.0F);
+        o.add<std::string>("s", "mm").add<Strings>("l", {});
+    });
+    Lines texts;
+    for (const ConfigurationProblem& problem : m_manager.getLoadProblems())
+        if (problem.kind != ConfigurationProblem::Unknown)
+            texts.push_back(problem.path + ' ' + problem.text);
+    EXPECT_EQ(
+        (Lines{
+            "View/b \"60,5\" reads as 60; the user file's \"7\" was taken",
+            "View/c \"60,5\" was read as 60",
+            "View/f \"1e99\" is too large for the type of the value; inf was taken",
+            "View/s the element has no text at its front; the default \"mm\" was taken",
+            "View/l \"x\" followed by markup and \"y\" was read as \"x\"",
+            "View/a \"60,5\" reads as 60; the system file's \"40\" was taken",
+            "View/c \"x\" is not a number; the system file's \"60,5\", read as 60, was taken",
+            "View/f \"z\" is not a number; the system file's \"1e99\", read as inf, was taken",
+            "View/l an item has no text at its front; the system file's \"x\" followed by markup "
+            "and \"y\", read as \"x\", was taken"}),
+        texts);
+}
+
+TEST_F(ConfigurationManagerProblems, AlwaysNameTheValueThatALoadTook) {
+    const auto element = [](const std::string& tag, const std::string& text, bool isLocked) {
+        return text == "-"
+                   ? ""
+                   : '<' + tag + (isLocked ? " editable='false'>" : ">") + text + "</" + tag + '>';
+    };
+    const Strings texts{"-", "", "7", "60,5", "x", "1e99", "4<!-- -->2", "<!-- -->9"};
+    for (const std::string& system : texts)
+        for (const std::string& user : texts)
+            for (const int locks : {0, 1, 2}) { // none, the value's, the object's
+                const auto fields = [&](const std::string& text, bool isLocked) {
+                    const std::string list =
+                        text == "-" ? text : "<item>a</item><item>" + text + "</item>";
+                    return element("f", text, isLocked) + element("s", text, isLocked) +
+                           element("l", list, isLocked);
+                };
+                m_manager.reset();
+                writeTwo(element("View", fields(system, locks == 1), locks == 2),
+                         element("View", fields(user, false), false));
+                addView([](TestObject& o) {
+                    o.add("f", 1.0F).add<std::string>("s", "mm").add<Strings>("l", {"z"});
+                });
+                std::map<std::string, std::string> values;
+                for (const ConfigurationOrigin& origin : m_manager.explain())
+                    values[origin.path] =
+                        origin.path == "View/s" ? '"' + origin.value + '"' : origin.value;
+                for (const ConfigurationProblem& problem : m_manager.getLoadProblems()) {
+                    if (problem.kind == ConfigurationProblem::OddLock)
+                        continue;
+                    const std::string& value = values[problem.path];
+                    const std::string said = problem.path == "View/f" ? '"' + value + '"' : value;
+                    EXPECT_THAT(
+                        problem.text,
+                        testing::AnyOf(testing::EndsWith(" was read as " + value),
+                                       testing::EndsWith("; " + value + " was taken"),
+                                       testing::EndsWith("the default " + value + " was taken"),
+                                       testing::EndsWith("file's " + said + " was taken"),
+                                       testing::EndsWith(", read as " + value + ", was taken")))
+                        << problem.path << ' ' << system << ' ' << user << ' ' << locks;
+                }
+            }
+}
+
+TEST_F(ConfigurationManagerProblems, SayThatNothingWasTakenWithoutARequiredSystemFile) {
+    m_manager.setSystemFileRequired(true);
+    writeFile(m_userFile, document("<All editable='no'><b>x</b><i>6x</i><u>99999999999</u><d/>"
+                                   "<f>1e99</f></All>"));
+    useTwoFiles();
+    for (const char* system : {"", "<Configuration version='1.0'>"}) {
+        m_manager.reset();
+        useTwoFiles();
+        if (*system != '\0')
+            writeFile(m_systemFile, system);
+        addAll();
+        const Lines lines = problems();
+        ASSERT_EQ(7U, lines.size());
+        for (const std::string& line : lines)
+            EXPECT_THAT(line, testing::EndsWith("; no file was loaded"));
+        EXPECT_THAT(lines[3], HasSubstr("\"6x\" reads as 6;"));
+    }
+}
+
+TEST_F(ConfigurationManagerProblems, KeepTheVersionsThatTheLoadAccepted) {
+    writeOne("");
+    m_manager.setValidVersionList({"2.0"});
+    addView();
+    m_manager.setValidVersionList({"1.0"});
+    ASSERT_EQ(1U, problems().size());
+    EXPECT_THAT(problems()[0], HasSubstr("\"1.0\" is not accepted, only \"2.0\" is;"));
+    m_manager.setValidVersionList({"3.0"});
+    add(std::make_shared<TestObject>("Other"));
+    EXPECT_THAT(problems()[0], HasSubstr("\"1.0\" is not accepted, only \"3.0\" is;"));
+}
+
+TEST_F(ConfigurationManagerProblems, TellTheVersionsThatAreAcceptedAtASave) {
+    writeOne("");
+    addView();
+    m_manager.setValidVersionList({"2.0"});
+    ASSERT_TRUE(m_manager.saveConfiguration("2.0"));
+    ASSERT_EQ(1U, problems().size());
+    EXPECT_THAT(problems()[0], HasSubstr("\"1.0\" is not accepted, only \"2.0\" is;"));
+}
+
+TEST_F(ConfigurationManagerProblems, KeepWhetherTheLoadRequiredTheSystemFile) {
+    writeFile(m_userFile, document("<View><Zoom>x</Zoom></View>"));
+    useTwoFiles();
+    addView();
+    m_manager.setSystemFileRequired(true);
+    ASSERT_EQ(1U, problems().size());
+    EXPECT_THAT(problems()[0], HasSubstr("; the default 1 was taken"));
+    add(std::make_shared<TestObject>("Other"));
+    m_manager.setSystemFileRequired(false);
+    ASSERT_EQ(2U, problems().size());
+    EXPECT_THAT(problems()[0], HasSubstr("the required system file is missing"));
+    EXPECT_THAT(problems()[1], HasSubstr("; no file was loaded"));
+}
+
+TEST_F(ConfigurationManagerProblems, DoNotMissASystemFileOfASingleOne) {
+    m_manager.setSystemFileRequired(true);
+    writeOne("<View><Zoom>x</Zoom></View>");
+    addView();
+    ASSERT_EQ(1U, problems().size());
+    EXPECT_THAT(problems()[0], HasSubstr("; the default 1 was taken"));
 }
 
 TEST_F(ConfigurationManagerProblems, AreNotInTextsThatNothingReads) {

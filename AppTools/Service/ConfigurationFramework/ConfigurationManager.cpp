@@ -122,7 +122,7 @@ void ConfigurationManager::addConfigurationObjects(
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
         if (isRegistered && layers != nullptr)
-            setKnown(registration, {layers, layers, std::nullopt, !mayLoad(*layers)});
+            setKnown(registration, {layers, layers, std::nullopt, !layers->mayLoad()});
     }
 }
 
@@ -214,9 +214,11 @@ void ConfigurationManager::setKnown(const ConfigurationRegistration& registratio
 
 /// Keeps what a save left in the files. The system file stays known as it was loaded, so that a
 /// change of it is noticed.
-void ConfigurationManager::setSeen(std::shared_ptr<const ConfigurationManagerLayers> saved) const {
-    m_known.layers =
-        m_known.layers == nullptr ? std::move(saved) : m_known.layers->withUser(saved->user);
+void ConfigurationManager::setSeen(
+    const std::shared_ptr<const ConfigurationManagerLayers>& saved) const {
+    LayerDocument user = saved->user;
+    user.setAcceptedVersions(m_validVersions);
+    m_known.layers = (m_known.layers == nullptr ? saved : m_known.layers)->withUser(user);
 }
 
 /// Has the objects know all that was saved.
@@ -258,6 +260,7 @@ LayerDocument ConfigurationManager::readUserFile(AdvancedConfigReader& reader,
 /// Adds the files to a reader and keeps what they hold.
 ConfigurationManagerLayers ConfigurationManager::readLayers(AdvancedConfigReader& reader) const {
     ConfigurationManagerLayers layers;
+    layers.isSystemRequired = m_systemFileRequired && m_fileMode == SystemAndUserFile;
     if (m_fileMode == SystemAndUserFile)
         layers.system = readSystemFile(reader);
     if (m_fileMode != NoFiles)
@@ -270,17 +273,13 @@ bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader)
     if (m_fileMode == NoFiles)
         m_known.layers = nullptr;
     else if (m_known.layers == nullptr ||
-             !m_known.layers->holdSame(layers)) // one copy for many loads
+             !m_known.layers->areSame(layers)) // one copy for many loads
         m_known.layers = std::make_shared<const ConfigurationManagerLayers>(std::move(layers));
     // A later registration does not show the others what changed since theirs.
     if (m_known.takenOver == nullptr)
         m_known.takenOver = m_known.layers;
-    return m_known.layers != nullptr && mayLoad(*m_known.layers) &&
+    return m_known.layers != nullptr && m_known.layers->mayLoad() &&
            (m_known.layers->system.isAccepted() || m_known.layers->user.isAccepted());
-}
-
-bool ConfigurationManager::mayLoad(const ConfigurationManagerLayers& layers) const {
-    return !m_systemFileRequired || m_fileMode != SystemAndUserFile || layers.system.isAccepted();
 }
 
 bool ConfigurationManager::hasSystemConfigFileErrors() {
@@ -329,7 +328,7 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const ConfigurationRegistration& registration = found->second;
     const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
     AdvancedConfigReader unused;
-    if (m_systemFileRequired && !mayLoad(readLayers(unused)))
+    if (m_systemFileRequired && !readLayers(unused).mayLoad())
         return;
     // The user's file alone neither locks nor unlocks.
     const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
@@ -375,7 +374,7 @@ bool ConfigurationManager::haveFilesChanged() const {
 bool ConfigurationManager::reloadConfiguration() {
     AdvancedConfigReader reader;
     const auto layers = std::make_shared<const ConfigurationManagerLayers>(readLayers(reader));
-    if (layers->system.isRefused() || layers->user.isRefused() || !mayLoad(*layers))
+    if (layers->system.isRefused() || layers->user.isRefused() || !layers->mayLoad())
         return false;
     // Loaded is what a save would make of the user's file, so that unsaved changes stay.
     ConfigurationManagerChanges changes(m_fileMode == SystemAndUserFile ? &layers->system : nullptr,
@@ -403,7 +402,7 @@ std::vector<ConfigurationProblem> ConfigurationManager::getLoadProblems() const 
     const auto layers = m_known.layers;
     if (layers == nullptr)
         return {};
-    ConfigurationManagerChecking checking(*layers, m_validVersions, m_systemFileRequired);
+    ConfigurationManagerChecking checking(*layers);
     for (const ConfigurationRegistration& registration : getRegistrations())
         guardUnwritable(registration, [&] { checking.add(registration); });
     return checking.problems();

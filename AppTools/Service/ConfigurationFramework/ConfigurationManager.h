@@ -224,7 +224,8 @@ public:
     ///
     /// A value that is not what the files give was changed by the application: its layer is the
     /// user's, without file and line. What the system file locks is decided by the system file, or
-    /// is the default if the text there does not convert.
+    /// is the default if the text there does not convert. What a class locks when it is constructed
+    /// is never loaded: it is the default, whatever the files say.
     /// @return origins in the order of saving; in an object, values come before children, and these
     ///         before what else the class saves
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and
@@ -318,10 +319,9 @@ private:
     LayerDocument readSystemFile(AdvancedConfigReader& reader) const;
     LayerDocument readUserFile(AdvancedConfigReader& reader, const FileName& file) const;
     ConfigurationManagerLayers readLayers(AdvancedConfigReader& reader) const;
-    bool mayLoad(const ConfigurationManagerLayers& layers) const;
     const KnownState* knownOf(const ConfigurationRegistration& registration) const;
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
-    void setSeen(std::shared_ptr<const ConfigurationManagerLayers> saved) const;
+    void setSeen(const std::shared_ptr<const ConfigurationManagerLayers>& saved) const;
     void takeOverSaved() const;
     bool isTakenOver(bool exists, const std::string& bytes) const;
     bool isAccepted(const std::string& version) const;

@@ -15,8 +15,32 @@ namespace {
 
 using Element = DocumentTree::Element;
 
+constexpr const char* nothingLoaded = "no file was loaded";
+
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
+}
+
+/// A value as it stands in a sentence.
+std::string shown(const std::string& text, const Setting& setting) {
+    return setting.value->getValueType() == ConfigurationValueBase::StringValue ? quoted(text)
+           : text.empty()                                                       ? "(empty)"
+                                                                                : text;
+}
+
+/// Everything that an element holds for a value, as it stands in a sentence.
+std::string saidIn(LocatedDocument& document, Element element, bool isList) {
+    if (!isList) {
+        const std::string cutOff = document.textCutOff(element);
+        return quoted(textIn(document.tree(), element, false)) +
+               (cutOff.empty() ? "" : " followed by markup and " + quoted(cutOff));
+    }
+    std::string items;
+    document.tree().forEachBelow(element, "item", [&](Element item) {
+        items += (items.empty() ? "" : ", ") + saidIn(document, item, false);
+        return true;
+    });
+    return items.empty() ? "(empty)" : items;
 }
 
 /// What a text should have been.
@@ -63,7 +87,9 @@ private:
     void checkUndeclared(Element element);
     void checkLock(Element element, const std::string& obstacle);
     std::string obstacleOf(Element element, const Setting& setting) const;
+    bool isTaken(const Setting& setting) const;
     std::string replacementOf(const Setting& setting) const;
+    std::string takenFrom(FileLayer layer, const Setting& setting) const;
 
     const LocatedLayers& m_layers;
     FileLayer m_layer;
@@ -113,9 +139,7 @@ void ConfigurationManagerChecking::Document::check(std::vector<ConfigurationProb
 
 std::string ConfigurationManagerChecking::Document::pathOf(Element element) const {
     const std::string& parent = m_states[item(element).parent].path;
-    const std::string& key = m_tree.key(element);
-    return (parent.empty() ? "" : parent + '/') + item(element).tag +
-           (key.empty() ? "" : '[' + key + ']');
+    return (parent.empty() ? "" : parent + '/') + m_document.name(element);
 }
 
 void ConfigurationManagerChecking::Document::add(ConfigurationProblem::Kind kind, Element element,
@@ -137,48 +161,59 @@ void ConfigurationManagerChecking::Document::checkSetting(Element element, const
 }
 
 void ConfigurationManagerChecking::Document::checkText(Element element, const Setting& setting) {
-    const ConfigurationValueBase::ValueType type = setting.value->getValueType();
-    const Conversion conversion = convert(m_tree, element, type);
-    const std::string text = quoted(textIn(m_tree, element, false));
+    const Conversion conversion = convert(m_document, element, setting.value->getValueType());
+    const std::string said = saidIn(m_document, element, setting.isList);
+    const std::string end = "; " + replacementOf(setting);
     switch (conversion.kind) {
     case Conversion::Whole:
         break;
     case Conversion::Partly:
         add(ConfigurationProblem::PartlyConverted, element,
-            text + " was read as " + conversion.result);
+            said + (isTaken(setting) ? " was read as " : " reads as ") +
+                shown(conversion.result, setting) + (isTaken(setting) ? "" : end));
         break;
     case Conversion::OutOfRange:
         add(ConfigurationProblem::OutOfRange, element,
-            text + " is too large for the type of the value; " +
-                (conversion.succeeded() ? conversion.result : replacementOf(setting)) +
-                " was taken");
+            said + " is too large for the type of the value" + end);
         break;
     case Conversion::None:
         add(ConfigurationProblem::NotConverted, element,
-            text + " is " + expected(type) + "; " + replacementOf(setting) + " was taken");
+            said + " is " + expected(setting.value->getValueType()) + end);
         break;
     case Conversion::NoText:
         add(ConfigurationProblem::NotConverted, element,
             (setting.isList ? "an item" : "the element") +
-                std::string(" has no text at its front; ") + replacementOf(setting) + " was taken");
+                std::string(" has no text at its front") + end);
         break;
     }
 }
 
-/// What is taken where the text of this file does not convert.
+/// Whether the value comes from this file.
+bool ConfigurationManagerChecking::Document::isTaken(const Setting& setting) const {
+    return m_layers.layers().mayLoad() && setting.decidingLayer(m_layers) == m_layer;
+}
+
+/// What is taken where a text of this file is not a value as it stands.
 std::string ConfigurationManagerChecking::Document::replacementOf(const Setting& setting) const {
-    const FileLayer other = m_layer == SystemLayer ? UserLayer : SystemLayer;
-    const bool isLocked = m_layer == SystemLayer && !setting.lockedBy.empty();
-    if (!isLocked && setting.isReadFrom(other, m_layers)) {
-        const std::string text = *setting.textIn(other, m_layers);
-        return (other == SystemLayer ? "the system file's " : "the user file's ") +
-               (setting.isList ? text : quoted(text));
-    }
-    const std::string text = defaultTextOf(*setting.value);
-    return "the default " + (setting.value->getValueType() == ConfigurationValueBase::StringValue
-                                 ? quoted(text)
-                             : text.empty() ? "(empty)"
-                                            : text);
+    if (!m_layers.layers().mayLoad())
+        return nothingLoaded;
+    const auto layer = setting.decidingLayer(m_layers);
+    return (layer ? takenFrom(*layer, setting)
+                  : "the default " + shown(defaultTextOf(*setting.value), setting)) +
+           " was taken";
+}
+
+std::string ConfigurationManagerChecking::Document::takenFrom(FileLayer layer,
+                                                              const Setting& setting) const {
+    LocatedDocument& document = *m_layers.document(layer);
+    const Element element = setting.elements[layer];
+    const Conversion conversion = convert(document, element, setting.value->getValueType());
+    const std::string result = shown(conversion.result, setting);
+    if (layer == m_layer)
+        return result;
+    return (layer == SystemLayer ? "the system file's " : "the user file's ") +
+           saidIn(document, element, setting.isList) +
+           (conversion.kind == Conversion::Whole ? "" : ", read as " + result + ',');
 }
 
 /// Checks an element that no setting is read from.
@@ -243,23 +278,11 @@ void ConfigurationManagerChecking::Document::checkLock(Element element,
         return;
     if (editable != "false")
         add(ConfigurationProblem::OddLock, element,
-            "editable=" + quoted(*editable) + " is neither true nor false; true was taken");
+            "editable=" + quoted(*editable) + " is neither true nor false; " +
+                (m_layers.layers().mayLoad() ? "true was taken" : nothingLoaded));
     else if (!obstacle.empty())
         add(ConfigurationProblem::OddLock, element,
             "editable=\"false\" has no effect: " + obstacle);
-}
-
-ConfigurationManagerChecking::ConfigurationManagerChecking(
-    const ConfigurationManagerLayers& layers, const std::list<std::string>& validVersions,
-    bool isSystemRequired)
-    : m_layers(layers),
-      m_validVersions(validVersions),
-      m_isSystemRequired(isSystemRequired),
-      m_settings(m_layers) {}
-
-void ConfigurationManagerChecking::add(const ConfigurationRegistration& registration) {
-    m_objects.push_back(loadFresh(registration, m_layers.layers()));
-    m_settings.add(registration, *m_objects.back());
 }
 
 std::vector<ConfigurationProblem> ConfigurationManagerChecking::problems() const {
@@ -277,15 +300,15 @@ std::vector<ConfigurationProblem> ConfigurationManagerChecking::problems() const
 void ConfigurationManagerChecking::checkFile(FileLayer layer,
                                              std::vector<ConfigurationProblem>& problems) const {
     const LayerDocument& file = m_layers.file(layer);
+    const bool isRequired = layer == SystemLayer && m_layers.layers().isSystemRequired;
     const auto add = [&](ConfigurationProblem::Kind kind, const DocumentPlace& place,
                          const std::string& text) {
-        problems.push_back({kind, file.file(), place.line, place.column, "",
-                            text + (layer == SystemLayer && m_isSystemRequired
-                                        ? "; no file was loaded"
-                                        : "; nothing of the file was loaded")});
+        problems.push_back(
+            {kind, file.file(), place.line, place.column, "",
+             text + "; " + (isRequired ? nothingLoaded : "nothing of the file was loaded")});
     };
     if (!file.exists()) {
-        if (layer == SystemLayer && m_isSystemRequired && !file.file().empty())
+        if (isRequired)
             add(ConfigurationProblem::Unreadable, {}, "the required system file is missing");
         return;
     }
@@ -300,7 +323,7 @@ void ConfigurationManagerChecking::checkFile(FileLayer layer,
         return;
     }
     std::string accepted;
-    for (const std::string& version : m_validVersions)
+    for (const std::string& version : file.acceptedVersions())
         accepted += (accepted.empty() ? "" : ", ") + quoted(version);
     add(ConfigurationProblem::OtherVersion, {},
         "the version " + quoted(document.version()) + " is not accepted, only " +

@@ -25,7 +25,8 @@ public:
 
 private:
     ConfigurationOrigin originOf(const Setting& setting) const;
-    void decide(const Setting& loaded, ConfigurationOrigin& origin) const;
+    void setLayer(FileLayer layer, DocumentTree::Element element,
+                  ConfigurationOrigin& origin) const;
 
     const LocatedLayers m_layers;
     std::vector<ConfigurationOrigin> m_origins;

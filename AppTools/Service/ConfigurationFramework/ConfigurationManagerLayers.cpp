@@ -60,6 +60,7 @@ LayerDocument::LayerDocument(AdvancedConfigReader& reader, const FileName& file,
             m_content->bytes.clear();
         }
     }
+    setAcceptedVersions(validVersions);
 }
 
 /// @return true when the file holds what it held earlier, and is accepted
@@ -85,6 +86,11 @@ LayerDocument::LayerDocument(const FileName& file, std::string bytes, const std:
       m_isAccepted(isAccepted),
       m_version(version),
       m_content(std::make_shared<Content>(std::move(bytes))) {}
+
+void LayerDocument::setAcceptedVersions(const std::list<std::string>& versions) {
+    if (isRefused())
+        m_acceptedVersions = versions;
+}
 
 std::shared_ptr<ParsedDocument> LayerDocument::document() const {
     if (!m_isAccepted)
@@ -143,19 +149,25 @@ bool ConfigurationManagerLayers::holdSame(const ConfigurationManagerLayers& othe
     return system.holdsSame(other.system) && user.holdsSame(other.user);
 }
 
+bool ConfigurationManagerLayers::areSame(const ConfigurationManagerLayers& other) const {
+    return holdSame(other) && isSystemRequired == other.isSystemRequired &&
+           system.acceptedVersions() == other.system.acceptedVersions() &&
+           user.acceptedVersions() == other.user.acceptedVersions();
+}
+
 std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManagerLayers::withSystem(const LayerDocument& other) const {
-    return std::make_shared<const ConfigurationManagerLayers>(other, user);
+    return std::make_shared<const ConfigurationManagerLayers>(other, user, isSystemRequired);
 }
 
 std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManagerLayers::withUser(const LayerDocument& other) const {
-    return std::make_shared<const ConfigurationManagerLayers>(system, other);
+    return std::make_shared<const ConfigurationManagerLayers>(system, other, isSystemRequired);
 }
 
 std::shared_ptr<const ConfigurationManagerLayers> ConfigurationManagerLayers::withoutTrees() const {
     return std::make_shared<const ConfigurationManagerLayers>(system.withoutTree(),
-                                                              user.withoutTree());
+                                                              user.withoutTree(), isSystemRequired);
 }
 
 void ConfigurationManagerLayers::releaseTrees() const {

@@ -57,6 +57,9 @@ public:
     const std::string& bytes() const;
     /// @return version of an accepted document
     const std::string& version() const { return m_version; }
+    /// @return the versions that loading accepted when the file was refused
+    const std::list<std::string>& acceptedVersions() const { return m_acceptedVersions; }
+    void setAcceptedVersions(const std::list<std::string>& versions);
     /// @return why a refused file could not be read; no error when it could
     const std::error_code& error() const { return m_error; }
     /// @return the document, null when the file was not accepted
@@ -80,17 +83,22 @@ private:
     std::string m_version;
     std::shared_ptr<Content> m_content; ///< shared by copies; null: nothing was read
     std::error_code m_error;
+    std::list<std::string> m_acceptedVersions; ///< of a refused file
 };
 
 /// What the files of a configuration held at one time. A single file is the user's.
 struct ConfigurationManagerLayers {
     LayerDocument system;
     LayerDocument user;
+    bool isSystemRequired = false; ///< nothing is loaded unless the system file is accepted
 
+    bool mayLoad() const { return !isSystemRequired || system.isAccepted(); }
     /// Adds both to a reader.
     /// @return true when one of them was accepted
     bool addTo(AdvancedConfigReader& reader) const;
     bool holdSame(const ConfigurationManagerLayers& other) const;
+    /// @return true when both also were accepted or refused for the same reasons
+    bool areSame(const ConfigurationManagerLayers& other) const;
 
     /// @return a copy with another document in one place
     /// @{

@@ -48,13 +48,6 @@ Element findValue(DocumentTree& tree, Element parent, const std::string& tag, bo
     return isList ? tree.findBelow(parent, tag) : tree.findChild(parent, tag);
 }
 
-/// Takes over what an item says for itself and what is in it.
-void restrictBy(const ConfigurationItemBase& item, Setting& setting) {
-    setting.isLoaded = setting.isLoaded && item.isLoadable();
-    if (setting.lockedBy.empty() && !item.isEditable())
-        setting.lockedBy = setting.path;
-}
-
 /// The child of a tag and key at a position among those; nothing else counts.
 Element findOccurrence(DocumentTree& tree, Element parent, const Setting& setting,
                        std::size_t occurrence) {
@@ -67,14 +60,8 @@ Element findOccurrence(DocumentTree& tree, Element parent, const Setting& settin
     return found;
 }
 
-bool isListOfItems(const WrittenElement& written) {
-    return !written.children.empty() &&
-           std::ranges::all_of(written.children,
-                               [](const auto& child) { return child.id.tag == u"item"; });
-}
-
 std::string textOf(const WrittenElement& written) {
-    if (!isListOfItems(written))
+    if (!written.isList())
         return toUtf8(written.text);
     std::vector<std::string> items;
     items.reserve(written.children.size());
@@ -100,7 +87,14 @@ bool Setting::isReadFrom(FileLayer layer, const LocatedLayers& layers) const {
     if (!isLoaded || document == nullptr || elements[layer] == DocumentTree::none)
         return false;
     return value == nullptr ||
-           convert(document->tree(), elements[layer], value->getValueType()).succeeded();
+           convert(*document, elements[layer], value->getValueType()).succeeded();
+}
+
+std::optional<FileLayer> Setting::decidingLayer(const LocatedLayers& layers) const {
+    const bool isLockedBySystem = isOfSystem && !lockedBy.empty();
+    if (!isLockedBySystem && isReadFrom(UserLayer, layers))
+        return UserLayer;
+    return isReadFrom(SystemLayer, layers) ? std::optional(SystemLayer) : std::nullopt;
 }
 
 std::optional<std::string> Setting::textIn(FileLayer layer, const LocatedLayers& layers) const {
@@ -161,6 +155,28 @@ void ConfigurationManagerSettings::add(const ConfigurationRegistration& registra
     addGroup(object, &written, std::move(setting));
 }
 
+void ConfigurationManagerSettings::addFresh(const ConfigurationRegistration& registration,
+                                            bool isLoaded) {
+    ConfigurationObject& object = *m_objects.emplace_back(makeFresh(*registration.object));
+    // What its class locks is never loaded. After the load, locks may come from the files.
+    const ConfigurationManagerLayers noFiles;
+    const LocatedLayers nowhere(noFiles);
+    ConfigurationManagerSettings unloaded(nowhere);
+    unloaded.add(registration, object);
+    if (isLoaded) {
+        AdvancedConfigReader reader;
+        m_layers.layers().addTo(reader);
+        ElementAddress(registration).load(reader, object);
+    }
+    const std::size_t first = m_settings.size();
+    add(registration, object);
+    SettingPairs pairs(unloaded.m_settings);
+    for (Setting& setting : m_settings | std::views::drop(first)) {
+        const Setting* const before = pairs.take(setting);
+        setting.isLoaded = setting.isLoaded && (before == nullptr || before->lockedBy.empty());
+    }
+}
+
 /// Adds an object with an element of its own.
 void ConfigurationManagerSettings::addGroup(const ConfigurationObject& object,
                                             const WrittenElement* written, Setting setting) {
@@ -201,11 +217,11 @@ void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value,
     setting.path += '/' + setting.tag;
     setting.value = &value;
     setting.isList = value.getValueType() == ConfigurationValueBase::StringVectorValue;
-    restrictBy(value, setting);
     setting.text = Orvant::textOf(value);
     setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
         return findValue(tree, parent, setting.tag, setting.isList);
     });
+    restrictBy(value, setting);
     if (value.isWrittenByCurrentProduct())
         group.take(setting.tag);
     m_settings.push_back(std::move(setting));
@@ -244,7 +260,7 @@ void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::
     setting.key = keyOf(&written);
     setting.path += '/' + pathOf(setting.tag, setting.key);
     setting.isOpaque = false;
-    setting.isList = isListOfItems(written);
+    setting.isList = written.isList() && !written.children.empty();
     setting.isGroup = !setting.isList && !written.children.empty();
     setting.parents = group.elements;
     setting.elements = findAll(group.elements, [&](DocumentTree& tree, Element parent) {
@@ -254,8 +270,10 @@ void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::
         return setting.key ? tree.findChildWithoutKey(parent, setting.tag)
                            : findValue(tree, parent, setting.tag, setting.isList);
     });
-    if (setting.lockedBy.empty() && isLockedInFile(setting))
-        setting.lockedBy = setting.path;
+    // Without items it looks like an empty text, unless a file has some.
+    setting.isList = written.isList() && (setting.isList || holdsItems(setting));
+    if (setting.lockedBy.empty())
+        setting.lockedBy = pathOfLock(setting).value_or("");
     if (!setting.isGroup)
         setting.text = textOf(written);
     m_settings.push_back(setting);
@@ -265,20 +283,44 @@ void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::
     addOthers(below, setting);
 }
 
-/// Whether the file whose locks count locks an element.
-bool ConfigurationManagerSettings::isLockedInFile(const Setting& setting) const {
-    const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
-    const Element element = setting.elements[locking];
-    return element != DocumentTree::none && !m_layers.document(locking)->tree().isEditable(element);
+/// Whether a file has the setting with items of a list.
+bool ConfigurationManagerSettings::holdsItems(const Setting& setting) const {
+    const LayerElements items = findAll(setting.elements, [](DocumentTree& tree, Element element) {
+        return tree.findChild(element, "item");
+    });
+    return std::ranges::any_of(items, [](Element item) { return item != DocumentTree::none; });
 }
 
-std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
-                                               const ConfigurationManagerLayers& layers) {
-    auto fresh = makeFresh(*registration.object);
-    AdvancedConfigReader reader;
-    layers.addTo(reader);
-    ElementAddress(registration).load(reader, *fresh);
-    return fresh;
+/// Takes over what an item says for itself and what is in it.
+void ConfigurationManagerSettings::restrictBy(const ConfigurationItemBase& item,
+                                              Setting& setting) const {
+    setting.isLoaded = setting.isLoaded && item.isLoadable();
+    if (setting.lockedBy.empty() && !item.isEditable())
+        setting.lockedBy = pathOfLock(setting).value_or(setting.path);
+}
+
+/// @return path of the element of a setting in the file whose locks count; nothing: it is not
+///         locked there
+std::optional<std::string> ConfigurationManagerSettings::pathOfLock(const Setting& setting) const {
+    const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
+    const Element element = setting.elements[locking];
+    if (element == DocumentTree::none || m_layers.document(locking)->tree().isEditable(element))
+        return std::nullopt;
+    return m_layers.document(locking)->path(element);
+}
+
+SettingPairs::SettingPairs(const std::vector<Setting>& settings) {
+    for (const Setting& setting : settings | std::views::reverse)
+        m_untaken[{setting.path, setting.isGroup}].push_back(&setting);
+}
+
+const Setting* SettingPairs::take(const Setting& setting) {
+    const auto found = m_untaken.find({setting.path, setting.isGroup});
+    if (found == m_untaken.end() || found->second.empty())
+        return nullptr;
+    const Setting* const next = found->second.back();
+    found->second.pop_back();
+    return next;
 }
 
 } // namespace Orvant

@@ -9,9 +9,11 @@
 
 #include <array>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvant {
@@ -48,17 +50,20 @@ struct Setting {
     bool isGroup = false;           ///< has settings below it
     bool isOpaque = false;          ///< a group of which only its class knows what is in it
     bool isList = false;
-    bool isLoaded = true; ///< a load reads it
+    bool isLoaded = true; ///< a load reads it, as far as is known
     /// The system file has the registered object: locks in the user's file do not count.
     bool isOfSystem = false;
     const ConfigurationValueBase* value = nullptr; ///< null: a group, or only its class knows it
     std::string text;                              ///< of no group; as a save writes it
-    std::string lockedBy;                          ///< path of what is locked; empty: nothing is
+    /// Path of what is locked, in the file or else in the object; empty: nothing is.
+    std::string lockedBy;
     LayerElements parents{DocumentTree::none, DocumentTree::none};
     LayerElements elements{DocumentTree::none, DocumentTree::none};
 
     /// @return true when a reader gets a value from a file
     bool isReadFrom(FileLayer layer, const LocatedLayers& layers) const;
+    /// @return the file that a load takes the value from; nothing: neither
+    std::optional<FileLayer> decidingLayer(const LocatedLayers& layers) const;
     /// @return what a file says; nothing: it does not have the element
     std::optional<std::string> textIn(FileLayer layer, const LocatedLayers& layers) const;
 };
@@ -73,6 +78,11 @@ public:
     /// @param object its state; must outlive this
     /// @throws what the object throws when it saves itself
     void add(const ConfigurationRegistration& registration, const ConfigurationObject& object);
+    /// Adds the settings of a new object of the same class as the registered one.
+    /// @param isLoaded whether it is loaded from the files
+    /// @throws std::logic_error when the factory of the object returns null, and what the object
+    ///         throws when it is loaded or saves itself
+    void addFresh(const ConfigurationRegistration& registration, bool isLoaded);
     const std::vector<Setting>& settings() const { return m_settings; }
 
 private:
@@ -89,15 +99,29 @@ private:
                   Setting setting);
     template <typename Find>
     LayerElements findAll(const LayerElements& parents, Find find) const;
-    bool isLockedInFile(const Setting& setting) const;
+    bool holdsItems(const Setting& setting) const;
+    void restrictBy(const ConfigurationItemBase& item, Setting& setting) const;
+    std::optional<std::string> pathOfLock(const Setting& setting) const;
 
     const LocatedLayers& m_layers;
     std::vector<Setting> m_settings;
+    std::vector<std::unique_ptr<ConfigurationObject>> m_objects; ///< that were made here
 };
 
-/// @return a new object of the same class as the registered one, loaded from files
-/// @throws std::logic_error when the factory of the object returns null
-std::unique_ptr<ConfigurationObject> loadFresh(const ConfigurationRegistration& registration,
-                                               const ConfigurationManagerLayers& layers);
+/// Finds the settings of one state of an object for those of another: by path, and of several with
+/// the same path (a value, and one of a nameless child) the first for the first, and so on.
+class SettingPairs {
+public:
+    /// @param settings must outlive this
+    explicit SettingPairs(const std::vector<Setting>& settings);
+
+    /// @return the next setting of the path; null: there is none
+    const Setting* take(const Setting& setting);
+
+private:
+    using Id = std::pair<std::string, bool>; ///< path, and whether it is a group
+
+    std::map<Id, std::vector<const Setting*>> m_untaken; ///< the next one last
+};
 
 } // namespace Orvant

@@ -29,10 +29,12 @@ struct ConfigurationOrigin {
     /// Names of the elements from the object's on, such as "View3D/Camera/FieldOfView"; keys stand
     /// in brackets: "Machine[Hall 1]/MaxFeed".
     std::string path;
-    std::string value;                      ///< what applies
-    Layer layer;                            ///< which layer decided
-    bool locked;                            ///< the user cannot change it
-    std::string lockedBy;                   ///< path of the locking element; empty: not locked
+    std::string value; ///< what applies
+    Layer layer;       ///< which layer decided
+    bool locked;       ///< the user cannot change it
+    /// Path of the locking element as it stands in the file, perhaps without the key of `path`; of
+    /// what a class or the application locked, the path of that value or object. Empty: not locked.
+    std::string lockedBy;
     std::optional<std::string> systemValue; ///< what the system file says, in vain or not
     std::optional<std::string> userValue;   ///< what the user's file, or the only file, says
     FileName file;                          ///< the deciding element's; empty: not from a file

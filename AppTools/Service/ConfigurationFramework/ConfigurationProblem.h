@@ -21,7 +21,8 @@ struct ConfigurationProblem {
         OtherVersion,    ///< the file is of a version that is not accepted
         Unreadable,      ///< the file is there but could not be read
         NotConverted,    ///< the text is not one of the value's type
-        PartlyConverted, ///< only the beginning of the text was converted
+        PartlyConverted, ///< only the beginning of the text is read: the rest does not convert, or
+                         ///< stands after a comment, a reference or other markup
         OutOfRange,      ///< the number is too large for the value's type
         OddLock,         ///< an attribute editable that does not lock or unlock anything
         Unknown,         ///< no registered object declares the element

@@ -71,7 +71,7 @@ Conversion conversionOf(NumberMatch match, const std::string& result) {
     case NumberMatch::Beginning:
         return {Conversion::Partly, result};
     case NumberMatch::Whole:
-        return {Conversion::Whole};
+        return {Conversion::Whole, result};
     case NumberMatch::None:
         break;
     }
@@ -94,9 +94,48 @@ Conversion convertFloat(std::string_view text) {
                       : conversionOf(match, formatNumber(number));
 }
 
+Conversion convertBool(std::string_view text) {
+    const bool isBool = text == "true" || text == "false";
+    return isBool ? Conversion{Conversion::Whole, std::string(text)} : Conversion{Conversion::None};
+}
+
 /// Whether a string is read from an element.
 bool holdsString(const DocumentTree& tree, DocumentTree::Element element) {
     return !tree.hasChildren(element) || tree.text(element);
+}
+
+/// Whether strings are read from all items of a list.
+bool holdsStrings(DocumentTree& tree, DocumentTree::Element list) {
+    return tree.forEachBelow(list, "item", [&](auto item) { return holdsString(tree, item); });
+}
+
+/// Converts what readers see of an element.
+Conversion convertSeen(DocumentTree& tree, DocumentTree::Element element,
+                       ConfigurationValueBase::ValueType type) {
+    const bool isList = type == ConfigurationValueBase::StringVectorValue;
+    if (isList || type == ConfigurationValueBase::StringValue)
+        return (isList ? holdsStrings(tree, element) : holdsString(tree, element))
+                   ? Conversion{Conversion::Whole, textIn(tree, element, isList)}
+                   : Conversion{Conversion::NoText};
+    const std::optional<std::string_view> text = tree.text(element);
+    if (!text)
+        return {Conversion::NoText};
+    switch (type) {
+    case ConfigurationValueBase::BoolValue:
+        return convertBool(*text);
+    case ConfigurationValueBase::DoubleValue:
+        return convertNumber<double>(*text);
+    case ConfigurationValueBase::FloatValue:
+        return convertFloat(*text);
+    default:
+        return convertNumber<int>(*text);
+    }
+}
+
+/// Whether markup cuts off a part of the text.
+bool isCut(LocatedDocument& document, DocumentTree::Element element, bool isList) {
+    const auto isWhole = [&](auto part) { return document.textCutOff(part).empty(); };
+    return isList ? !document.tree().forEachBelow(element, "item", isWhole) : !isWhole(element);
 }
 
 } // namespace
@@ -127,28 +166,13 @@ std::string textIn(DocumentTree& tree, DocumentTree::Element element, bool isLis
     return joined(items);
 }
 
-Conversion convert(DocumentTree& tree, DocumentTree::Element element,
+Conversion convert(LocatedDocument& document, DocumentTree::Element element,
                    ConfigurationValueBase::ValueType type) {
-    if (type == ConfigurationValueBase::StringVectorValue)
-        return {
-            tree.forEachBelow(element, "item", [&](auto item) { return holdsString(tree, item); })
-                ? Conversion::Whole
-                : Conversion::NoText};
-    if (type == ConfigurationValueBase::StringValue)
-        return {holdsString(tree, element) ? Conversion::Whole : Conversion::NoText};
-    const std::optional<std::string_view> text = tree.text(element);
-    if (!text)
-        return {Conversion::NoText};
-    switch (type) {
-    case ConfigurationValueBase::BoolValue:
-        return {text == "true" || text == "false" ? Conversion::Whole : Conversion::None};
-    case ConfigurationValueBase::DoubleValue:
-        return convertNumber<double>(*text);
-    case ConfigurationValueBase::FloatValue:
-        return convertFloat(*text);
-    default:
-        return convertNumber<int>(*text);
-    }
+    Conversion conversion = convertSeen(document.tree(), element, type);
+    const bool isList = type == ConfigurationValueBase::StringVectorValue;
+    if (conversion.kind == Conversion::Whole && isCut(document, element, isList))
+        conversion.kind = Conversion::Partly;
+    return conversion;
 }
 
 } // namespace Orvant

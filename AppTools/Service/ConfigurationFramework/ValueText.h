@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationValueBase.h>
-#include <ConfigurationFramework/reading/DocumentTree.h>
+#include <ConfigurationFramework/reading/LocatedDocument.h>
 
 #include <string>
 #include <vector>
@@ -28,19 +28,19 @@ struct Conversion {
         NoText,     ///< none: there is no text where one is needed
         None,       ///< none
         OutOfRange, ///< none, or infinity: the type cannot hold the number
-        Partly,     ///< the beginning
+        Partly,     ///< the beginning; markup may cut off the rest
         Whole       ///< all of it
     };
 
     Kind kind;
-    std::string result = {}; ///< as a save writes it, where it is not what the text says
+    std::string result = {}; ///< as a save writes it
 
     /// @return true when there is a value
-    bool succeeded() const { return kind == Whole || !result.empty(); }
+    bool succeeded() const { return kind == Whole || kind == Partly || !result.empty(); }
 };
 
 /// @return what a reader makes of an element
-Conversion convert(DocumentTree& tree, DocumentTree::Element element,
+Conversion convert(LocatedDocument& document, DocumentTree::Element element,
                    ConfigurationValueBase::ValueType type);
 
 } // namespace Orvant
