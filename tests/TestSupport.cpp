@@ -8,7 +8,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -65,7 +64,9 @@ void writeFile(const FileName& file, const std::string& bytes) {
 std::string readFile(const FileName& file) {
     std::ifstream in(pathOf(file), std::ios::binary);
     EXPECT_TRUE(in.is_open()) << file.toString();
-    return {std::istreambuf_iterator<char>(in), {}};
+    std::ostringstream bytes;
+    bytes << in.rdbuf(); // many times faster than character by character
+    return bytes.str();
 }
 
 std::string withoutFormatting(const std::string& text) {

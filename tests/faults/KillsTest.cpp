@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(, Kills,
                          Support::nameOfModes);
 
 TEST_P(Kills, LeaveOneCompleteGeneration) {
-    constexpr int kills = 75; // in each of the four cases
+    constexpr int kills = 150; // in each of the four cases
     const Duration save = timeOfASave();
     int last = generationOfFile();
     std::size_t cutShort = 0;

@@ -122,7 +122,7 @@ protected:
     }
 
     const int m_processes = std::get<0>(GetParam());
-    const int m_saves = 200 / m_processes; ///< of each process
+    const int m_saves = 200; ///< of each process
     const bool m_twoFiles = std::get<1>(GetParam());
 };
 
