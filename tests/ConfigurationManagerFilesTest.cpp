@@ -180,6 +180,39 @@ TEST_P(ConfigurationManagerFiles, KeepAnElementThatWasRemovedFromAnother) {
     EXPECT_THAT(withoutFormatting(readFile(m_other)), HasSubstr("<P key=\"1\"><a>5</a></P>"));
 }
 
+TEST_P(ConfigurationManagerFiles, KeepAnElementThatWasRemovedBeforeAnotherWasSet) {
+    writeFile(m_file, document("<P key=\"1\"><a>5</a></P>"));
+    useOneFile();
+    add(makeObject("P"), "P", "1");
+    set(*add(makeObject()), "b", 6);
+    m_manager.removeConfigurationObject("P", "1");
+    useOther(false);
+    useOneFile();
+    EXPECT_TRUE(save());
+    EXPECT_THAT(withoutFormatting(readFile(m_file)), HasSubstr("<P key=\"1\"><a>5</a></P>"));
+}
+
+TEST_P(ConfigurationManagerFiles, LoseAnElementThatWasRemovedFromThemByAnotherName) {
+    writeFile(m_userFile, document("<P key=\"1\"><a>5</a></P>"));
+    useTwoFiles();
+    add(makeObject("P"), "P", "1");
+    set(*add(makeObject()), "b", 6);
+    m_manager.removeConfigurationObject("P", "1");
+    useUser(m_directory.file("./user.xml"));
+    EXPECT_TRUE(save());
+    EXPECT_THAT(readFile(m_userFile), Not(HasSubstr("<P")));
+}
+
+TEST_P(ConfigurationManagerFiles, LoseAllElementsOfANameThatWasRemovedWithoutAKey) {
+    writeFile(m_file, document("<P key=\"1\"><a>5</a></P><P key=\"2\"><a>6</a></P>"));
+    useOneFile();
+    add(makeObject("P"));
+    set(*add(makeObject()), "b", 6);
+    m_manager.removeConfigurationObject("P");
+    EXPECT_TRUE(save());
+    EXPECT_THAT(readFile(m_file), Not(HasSubstr("<P")));
+}
+
 TEST_P(ConfigurationManagerFiles, AreThoseOfACopyAlone) {
     writeFile(m_file, document("<P key=\"1\"><a>5</a></P>"));
     useOneFile();

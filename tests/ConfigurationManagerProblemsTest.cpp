@@ -592,6 +592,46 @@ TEST_F(ConfigurationManagerProblems, KnowWhatAClassWritesBesidesItsValues) {
     EXPECT_THAT(lines[1], HasSubstr("Plotters/Other: "));
 }
 
+/// Reads an old name where there is no new one.
+class Renamed : public TestObject {
+public:
+    explicit Renamed(bool declaresOldName)
+        : TestObject("Renamed"), m_declaresOldName(declaresOldName) {
+        add("New", 1);
+        if (declaresOldName)
+            add("Old", 1, NotPersistent);
+    }
+    ConfigurationObject* createConfigurationObject() const override {
+        return new Renamed(m_declaresOldName);
+    }
+    void loadContent(ConfigReader& reader) override {
+        TestObject::loadContent(reader);
+        int old = 0;
+        bool editable = true;
+        if (!value<int>("New").hasValue() &&
+            reader.getInt("Old", old, editable) == ConfigurationAccessResult::Success)
+            value<int>("New").setValue(old);
+    }
+
+private:
+    bool m_declaresOldName;
+};
+
+TEST_F(ConfigurationManagerProblems, TellAnOldNameThatAClassReadsUnlessItDeclaresIt) {
+    for (const bool declaresOldName : {false, true}) {
+        m_manager.reset();
+        writeOne("<Renamed><Old>7</Old></Renamed>");
+        const auto object = add(std::make_shared<Renamed>(declaresOldName));
+        EXPECT_EQ(7, object->value<int>("New").getValue());
+        EXPECT_EQ(declaresOldName ? Lines()
+                                  : Lines{"Unknown settings.xml:1:39 Renamed/Old: no registered "
+                                          "object declares \"Old\"; it was ignored"},
+                  problems());
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+        EXPECT_EQ(document("<Renamed><New>7</New></Renamed>"), withoutFormatting(readFile(m_file)));
+    }
+}
+
 /// Only the class knows what it reads.
 class Opaque : public TestObject {
 public:

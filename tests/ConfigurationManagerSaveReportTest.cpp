@@ -432,6 +432,20 @@ TEST_P(ConfigurationManagerSaveReport, DropsRemovedObjectsOnce) {
     EXPECT_THAT(readFile(m_file), HasSubstr("key=\"1\""));
 }
 
+TEST_P(ConfigurationManagerSaveReport, LeavesTheElementOfARemovedObjectThatWritesNothing) {
+    useTwoFiles();
+    writeFile(m_userFile, document("<Switches><a>3</a></Switches>"));
+    const auto switches =
+        std::make_shared<TestObject>("Switches", ConfigurationItemBase::NotPersistent);
+    add(switches);
+    EXPECT_TRUE(m_manager.removeConfigurationObject("Switches"));
+    EXPECT_EQ(nullptr, m_manager.getConfigurationObject("Switches"));
+    addChanged();
+    EXPECT_TRUE(save());
+    EXPECT_THAT(withoutFormatting(readFile(m_userFile)),
+                HasSubstr("<Switches><a>3</a></Switches>"));
+}
+
 TEST_P(ConfigurationManagerSaveReport, KeepsAnObjectThatIsRegisteredAgain) {
     useOneFile();
     writeFile(m_file, document("<Test><a>3</a></Test>"));

@@ -230,6 +230,23 @@ TEST_F(FileLockTest, LetsAllLockWhoMayWriteTheTarget) {
     EXPECT_EQ(fs::perms(0664), fs::status(lockFile.toPath()).permissions());
 }
 
+TEST_F(FileLockTest, IsHeldThoughItsFileCannotHaveAllRightsOfTheTarget) {
+    writeFile(target, "");
+    fs::permissions(target.toPath(), fs::perms(0666));
+    fs::permissions(directory.path(), fs::perms(0777));
+    EXPECT_EQ(0, asOrdinaryUser([&] { return tryIt() == State::Held ? 0 : 1; }));
+    EXPECT_EQ("", readFile(lockFile));
+}
+
+TEST_F(FileLockTest, LeavesTheRightsOfItsFile) {
+    writeFile(target, "");
+    fs::permissions(target.toPath(), fs::perms(0664));
+    writeFile(lockFile, "");
+    fs::permissions(lockFile.toPath(), fs::perms(0600));
+    EXPECT_EQ(State::Held, tryIt());
+    EXPECT_EQ(fs::perms(0600), fs::status(lockFile.toPath()).permissions());
+}
+
 TEST_F(FileLockTest, LeavesTheBytesOfItsFile) {
     writeFile(lockFile, "a note");
     EXPECT_EQ(State::Held, tryIt());
