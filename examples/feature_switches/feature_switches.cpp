@@ -27,5 +27,8 @@ int main() {
         std::cout << "  " << (*value)->getName() << '\n';
 
     // The switches are for the administrator: no save writes them.
-    return manager.saveConfiguration("1.0") ? 0 : 1;
+    if (!manager.saveConfiguration("1.0")) {
+        std::cerr << manager.getSaveReport().text << '\n';
+        return 1;
+    }
 }
