@@ -161,11 +161,13 @@ public:
         /// comments included. Where both changed a value, this process wins.
         ///
         /// All processes that save like this wait for each other, with a lock on the file
-        /// "FILE.lock", which stays; where it cannot be made, the save goes on without it and the
-        /// report says so. Without a change nothing is written. Missing folders are made. A file
-        /// that is damaged or of a version that is not accepted is never overwritten; an empty one
-        /// counts as missing. Locked values are not written, not even if the application set them.
-        /// The file gets the version that the save is given, provided that loading accepts it.
+        /// "FILE.lock", which is made with the rights of FILE, if the process may give it these,
+        /// and never deleted; where it cannot be made or locked, the save goes on without it and
+        /// the report says so. Without a change nothing is written. Missing folders are made. A
+        /// file that is damaged or of a version that is not accepted is never overwritten; an empty
+        /// one counts as missing. Locked values are not written, not even if the application set
+        /// them. The file gets the version that the save is given, provided that loading accepts
+        /// it.
         ///
         /// A value that is saved but never loaded (SaveOnly) counts as changed. So does all that a
         /// file held which is missing by now: it may have been lost. A reset to the system file's
@@ -233,11 +235,16 @@ public:
     ///         name is left out, with an error in the log
     std::vector<ConfigurationOrigin> explain() const;
 
-    /// Unregisters an object; the next save drops its element from the file.
+    /// Unregisters an object; the next saveConfiguration() that succeeds drops its element from the
+    /// file that saves go to, or all elements of its name when it has no key.
+    ///
+    /// Nothing is dropped for an object that writes nothing (ConfigurationObject::writesContent()),
+    /// nor when, before that save, its name and key are registered again, the manager is reset, or
+    /// another file to save to is set, even if the first one is set again.
     /// @param name name that it is registered under; of several, the first is removed
     /// @return false when there is none
     bool removeConfigurationObject(const std::string& name);
-    /// Unregisters an object; the next save drops its element from the file.
+    /// Unregisters an object with a key, as above.
     /// @param name name that it is registered under
     /// @param key  its key
     /// @return false when there is none

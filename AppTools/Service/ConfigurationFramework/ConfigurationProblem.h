@@ -19,14 +19,17 @@ struct ConfigurationProblem {
     enum Kind : std::int32_t {
         Damaged,         ///< the file is not a configuration document
         OtherVersion,    ///< the file is of a version that is not accepted
-        Unreadable,      ///< the file is there but could not be read
+        Unreadable,      ///< the file could not be read, or the required system file is missing
         NotConverted,    ///< the text is not one of the value's type
         PartlyConverted, ///< only the beginning of the text is read: the rest does not convert, or
                          ///< stands after a comment, a reference or other markup
         OutOfRange,      ///< the number is too large for the value's type
         OddLock,         ///< an attribute editable that does not lock or unlock anything
-        Unknown,         ///< no registered object declares the element
-        Twice            ///< a second element where only the first is read
+        /// No registered object declares or writes the element. That includes one that only the
+        /// loadContent() of a class reads, under an old name, say, unless the class declares a
+        /// NotPersistent value of that name.
+        Unknown,
+        Twice ///< a second element where only the first is read
     };
 
     Kind kind;           ///< what is wrong
