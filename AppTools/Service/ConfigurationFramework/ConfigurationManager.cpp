@@ -122,7 +122,7 @@ void ConfigurationManager::addConfigurationObjects(
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
         if (isRegistered && layers != nullptr)
-            setKnown(registration, {layers, layers, std::nullopt, !layers->mayLoad()});
+            setKnown(registration, {layers, layers, nullptr, !layers->mayLoad()});
     }
 }
 
@@ -353,7 +353,7 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     // What the user's file says stays known after a reset from the system's: the reset is a change.
     setKnown(registration,
              {withDocument(known == nullptr ? none : *known->loaded),
-              fromSystemFile ? seen.withSystem(document) : none.withUser(document), std::nullopt});
+              fromSystemFile ? seen.withSystem(document) : none.withUser(document), nullptr});
     m_known.layers = withDocument(seen);
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
@@ -392,7 +392,7 @@ bool ConfigurationManager::reloadConfiguration() {
         guard(registration, [&] {
             if (!isUpToDate(registration, reader))
                 loadAnew(registration, reader);
-            setKnown(registration, {layers, layers, std::nullopt});
+            setKnown(registration, {layers, layers, nullptr});
         });
     return true;
 }

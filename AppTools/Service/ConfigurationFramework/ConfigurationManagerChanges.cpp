@@ -67,37 +67,38 @@ ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* sy
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
                                       const ConfigurationManager::KnownState* known) {
-    add(registration, m_writer.writeInFull(registration, *registration.object),
-        baseOf(registration, known));
+    add(registration, baseOf(registration, known));
 }
 
 void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
-    add(registration, m_writer.writeInFull(registration, *registration.object), std::nullopt);
+    add(registration, Written());
 }
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
-                                      WrittenElement now, std::optional<WrittenElement> base) {
-    const bool isUnchanged = base && *base == now;
+                                      const Written& base) {
+    const auto now = std::make_shared<const WrittenElement>(
+        m_writer.writeInFull(registration, *registration.object));
+    const bool isUnchanged = base != nullptr && *base == *now;
     m_states.push_back({registration, now});
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
         m_reference.setCompared(registration);
         stored = m_writer.writeDifferences(registration, *registration.object, m_reference);
-    } else {
-        stored = now;
+    } else if (!isUnchanged) {
+        stored = *now;
     }
-    if (isUnchanged && (!stored || !hasMore(*stored, now)))
+    if (isUnchanged && (!stored || !hasMore(*stored, *now)))
         return;
     // What was loaded from the element without a key has to move to the one with the key.
-    if (base && (isUnchanged || !isFallbackUsed(registration)))
-        m_base.children.push_back(std::move(*base));
-    m_now.children.push_back(std::move(now));
+    if (base != nullptr && (isUnchanged || !isFallbackUsed(registration)))
+        m_base.children.push_back(*base);
+    m_now.children.push_back(*now);
     if (stored)
         m_stored.children.push_back(std::move(*stored));
 }
 
 /// The object as this process last knew it to be in the files; nothing: not at all.
-std::optional<WrittenElement>
+ConfigurationManagerChanges::Written
 ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registration,
                                     const ConfigurationManager::KnownState* known) {
     const bool wasLoaded = known != nullptr && !known->isLoadRefused;
@@ -110,7 +111,7 @@ ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registratio
     try {
         former = makeFresh(*registration.object);
     } catch (const std::logic_error&) {
-        return std::nullopt; // it is saved as long as nothing has to be compared
+        return nullptr; // it is saved as long as nothing has to be compared
     }
     AdvancedConfigReader reader;
     if (wasLoaded)
@@ -118,7 +119,8 @@ ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registratio
     if (wasLoaded && !isLost)
         known->layers->user.addTo(reader, AdvancedConfigReader::User);
     ElementAddress(registration).load(reader, *former);
-    return m_writer.writeLoaded(registration, *former);
+    auto written = m_writer.writeLoaded(registration, *former);
+    return written ? std::make_shared<const WrittenElement>(std::move(*written)) : nullptr;
 }
 
 /// Whether the document has the object only under its name without a key.

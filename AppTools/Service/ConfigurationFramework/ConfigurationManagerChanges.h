@@ -46,15 +46,16 @@ public:
     /// An object as it was added.
     struct State {
         ConfigurationRegistration registration;
-        WrittenElement written;
+        std::shared_ptr<const WrittenElement> written;
     };
     std::vector<State> takeStates() { return std::move(m_states); }
 
 private:
-    void add(const ConfigurationRegistration& registration, WrittenElement now,
-             std::optional<WrittenElement> base);
-    std::optional<WrittenElement> baseOf(const ConfigurationRegistration& registration,
-                                         const ConfigurationManager::KnownState* known);
+    using Written = std::shared_ptr<const WrittenElement>; ///< null: nothing
+
+    void add(const ConfigurationRegistration& registration, const Written& base);
+    Written baseOf(const ConfigurationRegistration& registration,
+                   const ConfigurationManager::KnownState* known);
     bool isFallbackUsed(const ConfigurationRegistration& registration) const;
 
     const LayerDocument* m_system;

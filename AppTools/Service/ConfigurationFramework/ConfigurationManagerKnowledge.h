@@ -5,7 +5,6 @@
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
 #include <memory>
-#include <optional>
 
 namespace Orvant {
 
@@ -16,8 +15,8 @@ struct ConfigurationManager::KnownState {
     std::shared_ptr<const ConfigurationManagerLayers> loaded;
     /// The files that give the object as it was last loaded, reset or saved; never null.
     std::shared_ptr<const ConfigurationManagerLayers> layers;
-    /// The object as it was then, if it is not what a load from these files gives.
-    std::optional<WrittenElement> written;
+    /// The object as it was then, if it is not what a load from these files gives; null: it is.
+    std::shared_ptr<const WrittenElement> written;
     /// The object was registered, but the files were not to be loaded.
     bool isLoadRefused = false;
 };

@@ -241,7 +241,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
         return;
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
-            setSaved(registration, layers, std::nullopt);
+            setSaved(registration, layers, nullptr);
     m_manager.m_removed.clear();
 }
 
@@ -249,7 +249,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
 void ConfigurationManager::Saving::setSaved(
     const ConfigurationRegistration& registration,
     std::shared_ptr<const ConfigurationManagerLayers> layers,
-    std::optional<WrittenElement> written) const {
+    std::shared_ptr<const WrittenElement> written) const {
     const KnownState* const known = m_manager.knownOf(registration);
     const auto loaded =
         known == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : known->loaded;
@@ -348,7 +348,7 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     }
     if (isOwnTarget()) {
         for (auto& [registration, written] : changes.takeStates())
-            setSaved(registration, layers, std::move(written));
+            setSaved(registration, layers, written);
         m_manager.m_removed.clear();
     }
     Report& report = m_manager.m_saveReport;

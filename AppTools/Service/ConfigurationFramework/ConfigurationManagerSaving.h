@@ -68,7 +68,7 @@ private:
     std::shared_ptr<const ConfigurationManagerLayers> store(ConfigWriterImpl& document) const;
     void setSaved(const ConfigurationRegistration& registration,
                   std::shared_ptr<const ConfigurationManagerLayers> layers,
-                  std::optional<WrittenElement> written) const;
+                  std::shared_ptr<const WrittenElement> written) const;
 
     template <typename Check>
     void forEachKnown(Check check) const;

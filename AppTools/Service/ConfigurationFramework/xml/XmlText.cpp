@@ -2,6 +2,8 @@
 
 #include <Transcoding/Transcode.h>
 
+#include <algorithm>
+
 namespace Orvant {
 
 namespace {
@@ -13,9 +15,16 @@ bool isXmlCharacter(code_point c) {
            (c >= 0xE000 && c <= 0xFFFD) || (c >= 0x10000 && c <= 0x10FFFF);
 }
 
+/// Whether a text is all of characters that are the same in every encoding form.
+bool isPlain(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return c >= ' '; });
+}
+
 } // namespace
 
 XmlText toXmlText(std::string_view text) {
+    if (isPlain(text)) // as most are
+        return {XmlString(text.begin(), text.end())};
     XmlText result;
     result.text.reserve(text.size());
     const char* const end = text.data() + text.size();
@@ -33,6 +42,8 @@ XmlText toXmlText(std::string_view text) {
 }
 
 XmlText toXmlComment(std::string_view text) {
+    if (text.find('-') == text.npos)
+        return toXmlText(text);
     std::string separated;
     for (std::size_t i = 0; i < text.size(); ++i) {
         separated += text[i];
