@@ -17,35 +17,36 @@ struct Shape {
         ConfigurationValueBase::ValueType type;
         ConfigurationItemBase::Persistence persistence;
         std::string description;
+        ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
     };
     std::string name;
     ConfigurationItemBase::Persistence persistence;
     std::vector<Value> values;
     std::vector<Shape> children;
+    ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
 };
-
-ConfigurationItemBase::Persistence randomPersistence(Random& random) {
-    if (!oneIn(6, random))
-        return ConfigurationItemBase::LoadAndSave;
-    return static_cast<ConfigurationItemBase::Persistence>(random() % 4);
-}
 
 Shape randomShape(const std::string& name, int depth, Random& random) {
     using Base = ConfigurationValueBase;
     constexpr std::array types = {Base::BoolValue,         Base::IntValue,   Base::UnsignedIntValue,
                                   Base::DoubleValue,       Base::FloatValue, Base::StringValue,
                                   Base::StringVectorValue, Base::StringValue};
-    Shape shape{name, ConfigurationItemBase::LoadAndSave, {}, {}};
+    Shape shape{.name = name,
+                .persistence = ConfigurationItemBase::LoadAndSave,
+                .values = {},
+                .children = {}};
     for (const std::string& valueName : fewNames)
         if (oneIn(3, random))
             shape.values.push_back({valueName, anyOf(types, random), randomPersistence(random),
-                                    oneIn(3, random) ? "about " + valueName : ""});
+                                    oneIn(3, random) ? "about " + valueName : "",
+                                    randomProducts(random)});
     if (depth == 0)
         return shape;
     for (auto count = random() % 3; count > 0; --count) {
         const std::string childName = oneIn(5, random) ? "" : anyOf(fewNames, random);
         shape.children.push_back(randomShape(childName, depth - 1, random));
         shape.children.back().persistence = randomPersistence(random);
+        shape.children.back().products = randomProducts(random);
     }
     return shape;
 }
@@ -54,7 +55,10 @@ Shape plainShape(const std::string& name, int depth, Random& random) {
     using Base = ConfigurationValueBase;
     constexpr std::array types = {Base::BoolValue,   Base::IntValue,   Base::UnsignedIntValue,
                                   Base::DoubleValue, Base::FloatValue, Base::StringValue};
-    Shape shape{name, ConfigurationItemBase::LoadAndSave, {}, {}};
+    Shape shape{.name = name,
+                .persistence = ConfigurationItemBase::LoadAndSave,
+                .values = {},
+                .children = {}};
     for (const std::string& itemName : fewNames)
         if (depth > 0 && oneIn(3, random))
             shape.children.push_back(plainShape(itemName, depth - 1, random));
@@ -67,8 +71,7 @@ Shape plainShape(const std::string& name, int depth, Random& random) {
 
 void addValue(TestObject& object, const Shape::Value& value) {
     const auto add = [&](const auto& defaultValue) {
-        object.add(value.name, defaultValue, value.persistence, ConfigurationItemBase::AllProducts,
-                   value.description);
+        object.add(value.name, defaultValue, value.persistence, value.products, value.description);
     };
     switch (value.type) {
     case ConfigurationValueBase::BoolValue:
@@ -98,7 +101,7 @@ std::shared_ptr<TestObject> make(const Shape& shape) {
             for (const Shape& child : shape.children)
                 object.addChild(make(child)->createConfigurationObject());
         },
-        shape.persistence);
+        shape.persistence, shape.products);
 }
 
 void setRandom(ConfigurationValueBase& value, Random& random) {
@@ -118,6 +121,16 @@ void setRandom(ConfigurationValueBase& value, Random& random) {
 
 } // namespace
 
+ConfigurationItemBase::Persistence randomPersistence(Random& random) {
+    if (!oneIn(6, random))
+        return ConfigurationItemBase::LoadAndSave;
+    return static_cast<ConfigurationItemBase::Persistence>(random() % 4);
+}
+
+ConfigurationItemBase::ProductType randomProducts(Random& random) {
+    return oneIn(8, random) ? ConfigurationItemBase::Product1 : ConfigurationItemBase::AllProducts;
+}
+
 std::shared_ptr<TestObject> randomPlainObject(const std::string& name, Random& random) {
     return make(plainShape(name, 2, random));
 }
@@ -132,8 +145,8 @@ void setRandomUnlockedValues(ConfigurationObject& object, Random& random) {
         setRandomUnlockedValues(**child, random);
 }
 
-std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random) {
-    return make(randomShape(name, 3, random));
+std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random, int depth) {
+    return make(randomShape(name, depth, random));
 }
 
 void setRandomValues(ConfigurationObject& object, Random& random) {

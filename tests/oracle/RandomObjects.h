@@ -8,9 +8,16 @@
 
 namespace Orvant::Support {
 
+/// Mostly loaded and saved.
+ConfigurationItemBase::Persistence randomPersistence(Random& random);
+
+/// Mostly all products; the rest is not written by product 0.
+ConfigurationItemBase::ProductType randomProducts(Random& random);
+
 /// @return an object of random values and nested children with the names of random documents; its
 ///         factory makes objects like it with their defaults
-std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random);
+/// @param depth how deep children are nested
+std::shared_ptr<TestObject> randomObject(const std::string& name, Random& random, int depth = 3);
 
 /// As randomObject(), but everything is loaded and saved, what stands in one element has different
 /// names, and there are no lists, which are looked for at every depth.
