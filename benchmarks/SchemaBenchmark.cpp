@@ -20,12 +20,40 @@ XsdConfigReader read(const SchemaFile& schema) {
     return reader;
 }
 
+/// The names of all types.
+std::vector<std::string> namesOf(const SchemaFile& schema) {
+    std::vector<std::string> names;
+    for (const auto& [name, type] : read(schema).getXsdTree())
+        names.push_back(name);
+    return names;
+}
+
 void runRead(benchmark::State& state, const SchemaFile& schema) {
     for ([[maybe_unused]] const auto _ : state) {
         std::optional<XsdConfigReader> reader(read(schema));
+        const std::size_t found = reader->getXsdTree().size();
         state.PauseTiming();
-        if (reader->getXsdTree().size() != schema.types())
+        if (found != schema.types())
             state.SkipWithError("Types are missing");
+        reader.reset();
+        state.ResumeTiming();
+    }
+}
+
+/// @param filter takes the reader
+/// @param expected number of types that stay
+template <typename Filter>
+void runFilters(benchmark::State& state, const SchemaFile& schema, Filter filter,
+                std::size_t expected) {
+    for ([[maybe_unused]] const auto _ : state) {
+        state.PauseTiming();
+        std::optional<XsdConfigReader> reader(read(schema));
+        state.ResumeTiming();
+        filter(*reader);
+        const std::size_t kept = reader->getXsdTree().size();
+        state.PauseTiming();
+        if (kept != expected)
+            state.SkipWithError("Kept something else than the types that are needed");
         reader.reset();
         state.ResumeTiming();
     }
@@ -33,17 +61,34 @@ void runRead(benchmark::State& state, const SchemaFile& schema) {
 
 void runFilter(benchmark::State& state, const SchemaFile& schema) {
     const auto kept = schema.everySecondStation();
-    for ([[maybe_unused]] const auto _ : state) {
-        state.PauseTiming();
-        std::optional<XsdConfigReader> reader(read(schema));
-        state.ResumeTiming();
-        reader->keepXSDElement(kept);
-        state.PauseTiming();
-        if (reader->getXsdTree().size() != schema.typesOfEverySecondStation())
-            state.SkipWithError("Kept something else than the types that are needed");
-        reader.reset();
-        state.ResumeTiming();
-    }
+    runFilters(
+        state, schema, [&](XsdConfigReader& reader) { reader.keepXSDElement(kept); },
+        schema.typesOfEverySecondStation());
+}
+
+/// As an application does that looks at one type after the other.
+void runPruneAttributes(benchmark::State& state, const SchemaFile& schema) {
+    const auto names = namesOf(schema);
+    runFilters(
+        state, schema,
+        [&](XsdConfigReader& reader) {
+            for (const std::string& name : names)
+                reader.keepXSDChildAttributes(name, {});
+        },
+        schema.types());
+}
+
+/// Each call also looks for the types that nothing reaches any more.
+void runPruneChildren(benchmark::State& state, const SchemaFile& schema) {
+    const auto names = namesOf(schema);
+    const std::vector<std::string> kept{"nextStation"};
+    runFilters(
+        state, schema,
+        [&](XsdConfigReader& reader) {
+            for (const std::string& name : names)
+                reader.keepXSDChildElement(name, kept);
+        },
+        schema.types());
 }
 
 void runWrite(benchmark::State& state, const SchemaFile& schema) {
@@ -94,6 +139,8 @@ void registerSchemaBenchmarks() {
         };
         addOne("this library, read", onSchema(runRead));
         addOne("this library, filter", onSchema(runFilter));
+        addOne("this library, prune attributes type by type", onSchema(runPruneAttributes));
+        addOne("this library, prune children type by type", onSchema(runPruneChildren));
         addOne("this library, write", onSchema(runWrite));
         addOne("this library, contents of each type", onSchema(runContents));
         addOne("libxml2, parsing only", onSchema(runParse<parseWithLibxml2>));
@@ -103,6 +150,8 @@ void registerSchemaBenchmarks() {
     addGrowth("write a schema of that many types", 1'000, onSchema(runWrite));
     // In memory already: too many for the processor's caches, with either number.
     addGrowth("filter a schema of that many types", 5'000, onSchema(runFilter));
+    addGrowth("prune the attributes of that many types, type by type", 200,
+              onSchema(runPruneAttributes));
     addGrowth("ask for the contents of that many types", 5'000, onSchema(runContents));
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
 #include <type_traits>
 
 namespace Orvant::Support {
@@ -245,6 +246,148 @@ TEST(XsdElement, CopiesShareDocumentAndRecords) {
     EXPECT_EQ(1u, tree.getSchema()->complexType().size());
     EXPECT_THAT(typeNames(copy), ElementsAre("A"));
     EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+}
+
+// When filters are seen.
+
+TEST(FilteredTree, ShowsEveryFilterAtTheNextQuery) {
+    const std::string content = required("root", "A") + required("gone", "B") +
+                                sequenceType("A", optional("b", "B") + optional("c", "C")) +
+                                complexType("B", "") + complexType("C", "");
+    XsdElement byRoots = treeOf(content);
+    byRoots.keepElements({"A", "C"});
+    EXPECT_THAT(rootNames(byRoots), ElementsAre("root"));
+    XsdElement byTypes = treeOf(content);
+    byTypes.keepElements({"A", "C"});
+    EXPECT_THAT(typeNames(byTypes), ElementsAre("A", "C"));
+    XsdElement byName = treeOf(content);
+    byName.keepElements({"A", "C"});
+    EXPECT_EQ(nullptr, byName.findType("B"));
+    ASSERT_NE(nullptr, byName.findType("A"));
+    EXPECT_EQ(1u, byName.findType("A")->children.size());
+    byName.keepChildElement("A", {}, false, false);
+    EXPECT_TRUE(byName.findType("A")->children.empty());
+    EXPECT_EQ(byName.findType("A"), byName.getRootElements().at(0));
+}
+
+TEST(FilteredTree, ShowsSeveralFiltersAtOnce) {
+    XsdElement tree =
+        treeOf(sequenceType("A", optional("b", "B")) +
+               complexType("B", "<attribute name=\"x\" use=\"optional\"/>") + complexType("C", ""));
+    tree.keepChildElement("A", {}, false, false);
+    tree.keepChildAttributes("B", {});
+    tree.keepElements({"A", "B"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+    EXPECT_THAT(childNames(tree, "A"), IsEmpty());
+    EXPECT_THAT(tree.findType("B")->attributes, IsEmpty());
+}
+
+TEST(FilteredTree, MakesNewRecordsOfAllTypes) {
+    XsdElement tree = treeOf(required("root", "A") + sequenceType("A", optional("b", "B")) +
+                             complexType("B", ""));
+    const auto roots = tree.getRootElements();
+    const auto types = tree.getXsdTree();
+    const auto untouched = tree.findType("B");
+    untouched->attributes = {"the caller's"};
+    EXPECT_EQ(untouched, tree.findType("B"));
+    tree.keepChildElement("A", {}, false, false);
+    // What was fetched before stays as it was.
+    EXPECT_EQ(1u, types.at("A")->children.size());
+    EXPECT_EQ(types.at("A"), roots.at(0));
+    EXPECT_EQ("root", roots.at(0)->name);
+    EXPECT_NE(types.at("A"), tree.findType("A"));
+    EXPECT_NE(untouched, tree.findType("B"));
+    EXPECT_THAT(tree.findType("B")->attributes, IsEmpty());
+    EXPECT_EQ(tree.findType("A"), tree.getRootElements().at(0));
+}
+
+TEST(FilteredTree, KeepsItsRecordsWhereAFilterHasNoTypeToWorkOn) {
+    XsdElement tree = treeOf(complexType("A", ""));
+    const auto type = tree.findType("A");
+    tree.keepChildElement("Nowhere", {}, false, true);
+    tree.keepChildAttributes("Nowhere", {});
+    EXPECT_EQ(type, tree.findType("A"));
+}
+
+TEST(FilteredTree, IsCopiedWithItsFilters) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", ""));
+    tree.keepElements({"A"});
+    XsdElement copy(tree);
+    tree.keepElements({"Nowhere"});
+    EXPECT_THAT(typeNames(copy), ElementsAre("A"));
+    EXPECT_THAT(typeNames(tree), IsEmpty());
+
+    XsdElement other = treeOf(complexType("C", "") + complexType("D", ""));
+    other.keepElements({"C"});
+    copy.keepElements({"Nowhere"});
+    copy = other;
+    other.keepElements({"Nowhere"});
+    EXPECT_THAT(typeNames(copy), ElementsAre("C"));
+    EXPECT_THAT(typeNames(other), IsEmpty());
+}
+
+TEST(FilteredTree, SharesTheRecordsThatAFilterMakesWithCopies) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", ""));
+    tree.keepElements({"A"});
+    XsdElement copy(tree);
+    XsdElement assigned;
+    assigned = tree;
+    EXPECT_EQ(tree.findType("A"), copy.findType("A"));
+    EXPECT_EQ(tree.findType("A"), assigned.findType("A"));
+}
+
+TEST(FilteredTree, IsWhatItIsAssignedEvenToItself) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", ""));
+    tree.keepElements({"A"});
+    const XsdElement& itself = tree;
+    tree = itself;
+    EXPECT_THAT(typeNames(tree), ElementsAre("A"));
+}
+
+TEST(FilteredTree, DoesNotShowFiltersOfCopies) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", "") + complexType("C", ""));
+    XsdElement copy(tree);
+    tree.keepElements({"A", "B"});
+    copy.keepElements({"A"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+    EXPECT_THAT(typeNames(copy), ElementsAre("A"));
+    tree.keepElements({"A", "B", "C"});
+    EXPECT_THAT(typeNames(tree), ElementsAre("A"));
+}
+
+TEST(FilteredTree, DoesNotShowWhatTheCallerChangesInTheDocument) {
+    XsdElement tree = treeOf(complexType("A", "") + complexType("B", ""));
+    const auto rename = [](OV_XsdReader::ov_schema& schema, const char* name) {
+        schema.complexType()[0].name(name);
+    };
+    rename(*tree.getSchema(), "Changed");
+    EXPECT_THAT(typeNames(tree), ElementsAre("A", "B"));
+    tree.keepElements({"Changed", "B"});
+    rename(*tree.getSchema(), "ChangedAgain");
+    EXPECT_THAT(typeNames(tree), ElementsAre("B", "Changed"));
+    const auto held = tree.getSchema();
+    tree.keepElements({"ChangedAgain", "B"});
+    rename(*held, "ChangedAfterTheFilter");
+    EXPECT_THAT(typeNames(tree), ElementsAre("B", "ChangedAgain"));
+}
+
+TEST(FilteredTree, AnswersSeveralThreadsThatOnlyAsk) {
+    std::string content;
+    for (int i = 0; i < 200; ++i)
+        content += complexType("A" + std::to_string(i), "");
+    XsdElement tree = treeOf(content + complexType("B", ""));
+    tree.keepChildAttributes("B", {});
+    const XsdElement& asked = tree;
+    std::vector<std::shared_ptr<XsdElementProperty>> found(8);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < found.size(); ++i)
+        threads.emplace_back([&asked, &found, i] {
+            found[i] = i % 2 == 0 ? asked.findType("B") : XsdElement(asked).findType("B");
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_NE(nullptr, found[0]);
+    EXPECT_THAT(found, testing::Each(tree.findType("B")));
 }
 
 // Deleting types from the document alone.
