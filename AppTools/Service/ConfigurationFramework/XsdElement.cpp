@@ -308,7 +308,7 @@ void addAttributes(XsdElementProperty& type, const Attributes& attributes) {
         type.attributes.push_back(textOf(attribute.name()));
 }
 
-std::shared_ptr<XsdElementProperty> describe(const ov_complexType& complexType) {
+std::shared_ptr<XsdElementProperty> recordOf(const ov_complexType& complexType) {
     auto type = std::make_shared<XsdElementProperty>();
     type->type = textOf(complexType.name());
     for (const ov_sequence* sequence : sequencesOf(complexType))
@@ -320,7 +320,7 @@ std::shared_ptr<XsdElementProperty> describe(const ov_complexType& complexType) 
     return type;
 }
 
-std::shared_ptr<XsdElementProperty> describe(const ov_simpleType& simpleType) {
+std::shared_ptr<XsdElementProperty> recordOf(const ov_simpleType& simpleType) {
     auto type = std::make_shared<XsdElementProperty>();
     type->name = type->type = textOf(simpleType.name());
     return type;
@@ -332,26 +332,41 @@ XsdElement::XsdElement() = default;
 
 XsdElement::XsdElement(const ov_schema& schema) : m_schema(std::make_shared<ov_schema>(schema)) {
     update();
+    describe(); // now: where a schema is read, a lack of memory is reported
 }
 
-XsdElement::XsdElement(const XsdElement&) = default;
-XsdElement& XsdElement::operator=(const XsdElement&) = default;
+// getSchema(), which comes first, has the records described that are then copied.
+XsdElement::XsdElement(const XsdElement& other)
+    : m_schema(other.getSchema()), m_types(other.m_types), m_rootElements(other.m_rootElements) {}
+
+XsdElement& XsdElement::operator=(const XsdElement& other) {
+    m_schema = other.getSchema();
+    m_types = other.m_types;
+    m_rootElements = other.m_rootElements;
+    m_isOutdated = false;
+    return *this;
+}
+
 XsdElement::~XsdElement() = default;
 
 std::vector<std::shared_ptr<XsdElementProperty>> XsdElement::getRootElements() {
+    describe();
     return m_rootElements;
 }
 
 std::map<std::string, std::shared_ptr<XsdElementProperty>> XsdElement::getXsdTree() {
+    describe();
     return m_types;
 }
 
 std::shared_ptr<XsdElementProperty> XsdElement::findType(const std::string& name) const {
+    describe();
     const auto found = m_types.find(name);
     return found == m_types.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<ov_schema> XsdElement::getSchema() const {
+    describe(); // before the caller can change the document
     return m_schema;
 }
 
@@ -407,15 +422,25 @@ void XsdElement::keepChildAttributes(const std::string& typeName,
 }
 
 void XsdElement::update() {
+    m_isOutdated = true;
+    // Whoever else holds the document could change it before the next query.
+    if (m_schema.use_count() > 1)
+        describe();
+}
+
+void XsdElement::describe() const {
+    const std::lock_guard lock(m_describing);
+    if (!m_isOutdated)
+        return;
     m_types.clear();
     m_rootElements.clear();
     const auto enter = [this](std::shared_ptr<XsdElementProperty> type) {
         m_types.try_emplace(type->type, type);
     };
     for (const ov_complexType& type : m_schema->complexType())
-        enter(describe(type));
+        enter(recordOf(type));
     for (const ov_simpleType& type : m_schema->simpleType())
-        enter(describe(type));
+        enter(recordOf(type));
     for (const ov_rootElement& root : m_schema->element()) {
         const auto type = root.type().present() ? m_types.find(root.type().get()) : m_types.end();
         if (type == m_types.end())
@@ -423,6 +448,7 @@ void XsdElement::update() {
         type->second->name = textOf(root.name());
         m_rootElements.push_back(type->second);
     }
+    m_isOutdated = false;
 }
 
 std::vector<std::string> XsdElement::requiredTypesOfRoots() const {

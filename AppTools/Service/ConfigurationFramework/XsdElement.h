@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,11 @@ struct XsdElementProperty {
 ///
 /// Copies share the document. The types and root elements that a copy returns do not show filters
 /// that have since been applied through another copy.
+///
+/// The types are described anew after a filter, which is left to the next query as long as nobody
+/// else holds the document: a filter of one type takes no time for all others.
+///
+/// Several threads may query and copy one tree as long as none filters it or a copy of it.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdElement {
 public:
     /// An empty tree without a document; filters have no effect on it.
@@ -120,6 +126,7 @@ public:
 
 private:
     void update();
+    ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT void describe() const;
     std::vector<std::string> requiredTypesOfRoots() const;
     std::vector<std::string> typesOfRoots() const;
     std::vector<std::string> findChildElements(const std::vector<std::string>& names);
@@ -128,8 +135,11 @@ private:
     void deleteSimpleType(const std::vector<std::string>& names, bool keep);
 
     std::shared_ptr<OV_XsdReader::ov_schema> m_schema;
-    std::map<std::string, std::shared_ptr<XsdElementProperty>> m_types;
-    std::vector<std::shared_ptr<XsdElementProperty>> m_rootElements;
+    // Brought up to date by queries, in whatever thread they are called.
+    mutable std::map<std::string, std::shared_ptr<XsdElementProperty>> m_types;
+    mutable std::vector<std::shared_ptr<XsdElementProperty>> m_rootElements;
+    mutable bool m_isOutdated = false;
+    mutable std::mutex m_describing;
 };
 
 } // namespace Orvant
