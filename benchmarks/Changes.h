@@ -2,6 +2,8 @@
 
 #include "Settings.h"
 
+#include <array>
+
 // What is changed between saves. A store has set(object, value, newValue).
 
 namespace Orvant::Benchmarks {
@@ -45,5 +47,19 @@ inline constexpr Change<Store> tenthChange{
 template <typename Store>
 inline constexpr Change<Store> noChange{"Save without a change", [](Store&, Shape, unsigned int) {},
                                         [](Shape, std::size_t, std::size_t) { return false; }};
+
+/// Undone before the save: a store that only notes that something was set has to look at it.
+template <typename Store>
+inline constexpr Change<Store> undoneChange{noChange<Store>.subject,
+                                            [](Store& store, Shape shape, unsigned int edition) {
+                                                const auto [object, value] = probeOf(shape);
+                                                changeProbe(store, shape, edition);
+                                                changeProbe(store, shape, editionIn(object, value));
+                                            },
+                                            noChange<Store>.covers};
+
+/// What every store is measured with.
+template <typename Store>
+inline constexpr std::array changes{oneChange<Store>, tenthChange<Store>, noChange<Store>};
 
 } // namespace Orvant::Benchmarks

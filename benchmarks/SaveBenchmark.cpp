@@ -69,14 +69,14 @@ benchmark::internal::Benchmark* addSave(const std::string& subject, const Saver<
 
 template <typename Store>
 void addSavesInMemory(const Saver<Store>& saver, Shape shape) {
-    for (const Change<Store>& change : {oneChange<Store>, tenthChange<Store>})
+    for (const Change<Store>& change : changes<Store>)
         addSave(change.subject, saver, shape, Place::Memory, change);
 }
 
 /// The wall time counts as well: it has the wait for the disk in it.
 template <typename Store>
 void addSavesToDisk(const Saver<Store>& saver, Shape shape) {
-    for (const Change<Store>& change : {oneChange<Store>, tenthChange<Store>, noChange<Store>})
+    for (const Change<Store>& change : changes<Store>)
         addSave(std::string(change.subject) + " to the disk", saver, shape, Place::Disk, change)
             ->MeasureProcessCPUTime()
             ->UseRealTime();
@@ -95,6 +95,10 @@ void registerSaveBenchmarks() {
         addSaves(library<SaveMode::Merge>("this library, Merge"));
         addSaves(library<SaveMode::Merge>("this library, first Merge after a load", true));
         addSaves(peer<KConfigStore>("KConfig", loadWithKConfig));
+        // KConfig does nothing at all as long as nothing was set.
+        addSave(undoneChange<KConfigStore>.subject,
+                peer<KConfigStore>("KConfig, a value set and set back", loadWithKConfig), shape,
+                Place::Memory, undoneChange<KConfigStore>);
         addSaves(peer<QSettingsStore>("QSettings", loadWithQSettings));
         // These two only write over the file.
         addSavesInMemory(peer<PropertyTreeStore>("Boost.PropertyTree", loadWithPropertyTree),

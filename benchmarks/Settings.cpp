@@ -58,8 +58,4 @@ Value valueOf(std::size_t object, std::size_t value, unsigned int edition) {
     }
 }
 
-double expectedWeight(Shape shape) {
-    return expectedWeight(shape, editionIn);
-}
-
 } // namespace Orvant::Benchmarks

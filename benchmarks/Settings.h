@@ -46,9 +46,16 @@ Value valueOf(std::size_t object, std::size_t value, unsigned int edition);
 inline constexpr unsigned int systemEdition = 0;
 inline constexpr unsigned int userEdition = 1;
 
-/// @return true for the tenth of the values, some in each object, that the user's layer sets
-constexpr bool isOverridden(std::size_t object, std::size_t value) {
-    return (object + value) % 10 == 0;
+/// Which tenth of the values the user's layer sets.
+enum class Override {
+    TenthOfEachObject, ///< what is meant where nothing else is said
+    TenthOfObjects,    ///< all values of these, none of the others
+};
+
+/// @return true for the values that the user's layer sets
+constexpr bool isOverridden(std::size_t object, std::size_t value,
+                            Override override = Override::TenthOfEachObject) {
+    return (override == Override::TenthOfObjects ? object : object + value) % 10 == 0;
 }
 
 /// The value that is read or changed when only one is, an int.
@@ -91,11 +98,10 @@ double expectedWeight(Shape shape, EditionOf editionOf) {
     return sum;
 }
 /// The edition of a value in both layers, the user's over the system's.
-constexpr unsigned int editionIn(std::size_t object, std::size_t value) {
-    return isOverridden(object, value) ? userEdition : systemEdition;
+constexpr unsigned int editionIn(std::size_t object, std::size_t value,
+                                 Override override = Override::TenthOfEachObject) {
+    return isOverridden(object, value, override) ? userEdition : systemEdition;
 }
-/// @return weight of both layers
-double expectedWeight(Shape shape);
 /// @}
 
 } // namespace Orvant::Benchmarks

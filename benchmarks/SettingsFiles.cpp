@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
+#include <utility>
 
 #include <unistd.h>
 
@@ -10,7 +12,9 @@ namespace Orvant::Benchmarks {
 
 namespace {
 
-enum class Layer { System, User };
+/// What a file holds: everything, or what a user overrides.
+using Layer = std::optional<Override>;
+constexpr Layer systemLayer = std::nullopt;
 
 /// Calls back with what the layer holds: at the start of an object and at each value.
 template <typename BeginObject, typename EndObject, typename PutValue>
@@ -18,9 +22,9 @@ void forEachHeld(Shape shape, Layer layer, BeginObject begin, PutValue put, EndO
     for (std::size_t object = 0; object < shape.objects; ++object) {
         begin(objectName(object));
         for (std::size_t value = 0; value < shape.values; ++value) {
-            if (layer == Layer::System)
+            if (!layer)
                 put(valueName(value), valueOf(object, value, systemEdition));
-            else if (isOverridden(object, value))
+            else if (isOverridden(object, value, *layer))
                 put(valueName(value), valueOf(object, value, userEdition));
         }
         end(objectName(object));
@@ -77,20 +81,22 @@ void writeIni(const std::string& file, Shape shape, Layer layer) {
 
 } // namespace
 
-SettingsFiles::SettingsFiles(Shape shape, Place place) : m_shape(shape), m_directory(place) {
+SettingsFiles::SettingsFiles(Shape shape, Place place, Override override)
+    : m_shape(shape), m_directory(place) {
     std::filesystem::create_directory(systemDirectory());
     std::filesystem::create_directory(userDirectory());
-    writeXml(systemXml(), shape, Layer::System);
-    writeXml(userXml(), shape, Layer::User);
-    writeIni(systemIni(), shape, Layer::System);
-    writeIni(userIni(), shape, Layer::User);
+    writeXml(systemXml(), shape, systemLayer);
+    writeXml(userXml(), shape, override);
+    writeIni(systemIni(), shape, systemLayer);
+    writeIni(userIni(), shape, override);
     if (place == Place::Disk)
         sync(); // or the first flush of what is measured would wait for these
 }
 
-const SettingsFiles& sharedFiles(Shape shape) {
-    static std::map<std::string, SettingsFiles> s_files;
-    return s_files.try_emplace(toString(shape), shape).first->second;
+const SettingsFiles& sharedFiles(Shape shape, Override override) {
+    static std::map<std::pair<std::string, Override>, SettingsFiles> s_files;
+    return s_files.try_emplace({toString(shape), override}, shape, Place::Memory, override)
+        .first->second;
 }
 
 } // namespace Orvant::Benchmarks

@@ -12,7 +12,8 @@ inline constexpr const char* documentVersion = "1.0";
 /// Both layers of the settings on disk, as XML and as INI, until the end of the scope.
 class SettingsFiles {
 public:
-    explicit SettingsFiles(Shape shape, Place place = Place::Memory);
+    explicit SettingsFiles(Shape shape, Place place = Place::Memory,
+                           Override override = Override::TenthOfEachObject);
 
     Shape shape() const { return m_shape; }
     std::string systemXml() const { return m_directory.file("system.xml"); }
@@ -33,6 +34,6 @@ private:
 };
 
 /// @return files of that shape, which every benchmark may read and none may change
-const SettingsFiles& sharedFiles(Shape shape);
+const SettingsFiles& sharedFiles(Shape shape, Override override = Override::TenthOfEachObject);
 
 } // namespace Orvant::Benchmarks
