@@ -49,16 +49,16 @@ void ConfigWriter::createKeyedNodeAndMakeCurrent(const std::string& name, const 
 }
 
 ConfigurationAccessResult ConfigWriter::setCurrentNode(const std::string& name) {
-    return m_impl->setCurrentNode(name);
+    return m_impl->makeCurrent(named(name));
 }
 
 ConfigurationAccessResult ConfigWriter::setCurrentKeyedNode(const std::string& name,
                                                             const std::string& key) {
-    return m_impl->setCurrentKeyedNode(name, key);
+    return m_impl->makeCurrent(keyed(name, key));
 }
 
 void ConfigWriter::deleteNodes(const std::string& name, const std::string& key) {
-    m_impl->deleteNodes(name, key);
+    m_impl->deleteChildren(key.empty() ? named(name) : keyed(name, key));
 }
 
 void ConfigWriter::putString(const std::string& name, const std::string& value,
@@ -199,7 +199,7 @@ void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
-    m_impl->deleteKeyedNode(name, key);
+    m_impl->deleteChildren(keyed(name, key));
     const SharedReference reference(object, reader);
     if (object.canBeSavedToUserConfig(reader))
         m_impl->keepPlace([&] {

@@ -161,15 +161,6 @@ void ConfigWriterImpl::enterLastChild() {
     m_current = asElement(m_current->getLastChild());
 }
 
-ConfigurationAccessResult ConfigWriterImpl::setCurrentNode(const std::string& name) {
-    return makeCurrent(named(name));
-}
-
-ConfigurationAccessResult ConfigWriterImpl::setCurrentKeyedNode(const std::string& name,
-                                                                const std::string& key) {
-    return makeCurrent(keyed(name, key));
-}
-
 ConfigurationAccessResult ConfigWriterImpl::makeCurrent(const ChildSelection& selection) {
     DOMElement* const found = findChild(selection);
     if (found == nullptr)
@@ -195,14 +186,6 @@ DOMElement* ConfigWriterImpl::findChild(const ChildSelection& selection) {
 ChildElements* ConfigWriterImpl::currentIndex() {
     const auto found = m_indexes.find(m_current);
     return found == m_indexes.end() ? nullptr : &found->second;
-}
-
-void ConfigWriterImpl::deleteNodes(const std::string& name, const std::string& key) {
-    deleteChildren(key.empty() ? named(name) : keyed(name, key));
-}
-
-void ConfigWriterImpl::deleteKeyedNode(const std::string& name, const std::string& key) {
-    deleteChildren(keyed(name, key));
 }
 
 bool ConfigWriterImpl::deleteObject(const std::string& name,

@@ -47,11 +47,8 @@ public:
     void createKeyedNode(const std::string& name, const std::string& key,
                          const std::string& comment) override;
     void enterLastChild() override;
-    ConfigurationAccessResult setCurrentNode(const std::string& name) override;
-    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name,
-                                                  const std::string& key) override;
-    void deleteNodes(const std::string& name, const std::string& key) override;
-    void deleteKeyedNode(const std::string& name, const std::string& key) override;
+    ConfigurationAccessResult makeCurrent(const ChildSelection& selection) override;
+    void deleteChildren(const ChildSelection& selection) override;
     /// Deletes the children that a registered object is saved in place of.
     /// @return false when there is none
     bool deleteObject(const std::string& name, const std::optional<std::string>& key);
@@ -85,12 +82,10 @@ private:
     void appendElement(xercesc::DOMElement& element, const std::string& comment);
     void replaceBy(xercesc::DOMElement& element, const ChildSelection& replaced,
                    const std::string& comment);
-    void deleteChildren(const ChildSelection& selection);
     void deleteElement(xercesc::DOMElement& element);
     xercesc::DOMElement* findChild(const ChildSelection& selection);
     ChildElements* currentIndex();
     void appendText(xercesc::DOMElement& element, const std::string& text);
-    ConfigurationAccessResult makeCurrent(const ChildSelection& selection);
 
     // In order of construction; they are released in reverse order.
     XercesSession m_session;

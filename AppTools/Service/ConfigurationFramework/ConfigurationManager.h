@@ -15,6 +15,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -289,6 +290,9 @@ private:
     ConfigurationManager();
 
     using Address = std::pair<std::string, std::optional<std::string>>; ///< name and key
+    struct ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT AddressHash {
+        std::size_t operator()(const Address& address) const;
+    };
     using Objects = std::multimap<std::string, ConfigurationRegistration>;
 
     friend class ConfigurationManagerChanges; // which needs what is known of an object
@@ -308,7 +312,7 @@ private:
         void releaseTrees() const;
 
         /// Names and keys that are taken, with what is known of their objects; null: nothing.
-        std::map<Address, std::shared_ptr<const KnownState>> objects;
+        std::unordered_map<Address, std::shared_ptr<const KnownState>, AddressHash> objects;
         /// What the files held at the last load or save; null: there was none.
         std::shared_ptr<const ConfigurationManagerLayers> layers;
         /// What the files held that all objects know of; null: nothing.

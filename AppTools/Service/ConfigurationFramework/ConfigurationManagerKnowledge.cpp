@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ConfigurationManagerKnowledge.h>
 
+#include <functional>
 #include <map>
 
 namespace Orvant {
@@ -25,6 +26,11 @@ private:
 };
 
 } // namespace
+
+std::size_t ConfigurationManager::AddressHash::operator()(const Address& address) const {
+    const std::hash<std::string> hash;
+    return hash(address.first) + (address.second ? 31 * hash(*address.second) : 0);
+}
 
 ConfigurationManager::Knowledge::Knowledge(const Knowledge& other) {
     LayersCopy copy;

@@ -21,8 +21,11 @@ namespace {
 
 const Logging s_log("ConfigWriter");
 
+/// Room for this many is made with the first one.
+constexpr std::size_t fewChildren = 8;
+
 bool isSelected(const ChildSelection& selection, const WrittenElement& child) {
-    return child.id.tag == selection.tag &&
+    return areSame(child.id.tag, selection.tag) &&
            (!selection.key || child.id.key.value_or(XmlString()) == *selection.key);
 }
 
@@ -58,40 +61,30 @@ std::vector<WrittenElement> ElementWriter::takeAll() {
 }
 
 void ElementWriter::createNode(const std::string& name, const std::string& comment) {
-    WrittenElement element{{toValidTag(name), std::nullopt}};
-    deleteChildren({element.id.tag, std::nullopt});
-    if (!comment.empty())
-        element.comment = toComment(comment, name);
-    append(std::move(element));
+    replace({toValidTag(name), std::nullopt}, {}, name, comment);
 }
 
 void ElementWriter::createKeyedNode(const std::string& name, const std::string& key,
                                     const std::string& comment) {
-    WrittenElement element{{toValidTag(name), toText(key, name)}};
-    deleteChildren({element.id.tag, element.id.key});
-    if (!comment.empty())
-        element.comment = toComment(comment, name);
-    append(std::move(element));
+    const XmlString keyText = toText(key, name);
+    replace({toValidTag(name), keyText}, keyText, name, comment);
 }
 
-/// Appends a child to the current element.
-WrittenElement& ElementWriter::append(WrittenElement element) {
+/// Appends an element in place of the selected children.
+void ElementWriter::replace(ChildSelection replaced, std::optional<XmlString> key,
+                            const std::string& name, const std::string& comment) {
+    deleteChildren(replaced);
     if (m_current.tags != nullptr)
-        m_current.tags->insert(element.id.tag);
-    return m_current.element->children.emplace_back(std::move(element));
+        m_current.tags->insert(replaced.tag);
+    Children& children = m_current.element->children;
+    if (children.empty())
+        children.reserve(fewChildren);
+    children.push_back({.id = {std::move(replaced.tag), std::move(key)},
+                        .comment = comment.empty() ? XmlString() : toComment(comment, name)});
 }
 
 void ElementWriter::enterLastChild() {
     m_current = {&m_current.element->children.back()};
-}
-
-ConfigurationAccessResult ElementWriter::setCurrentNode(const std::string& name) {
-    return makeCurrent(named(name));
-}
-
-ConfigurationAccessResult ElementWriter::setCurrentKeyedNode(const std::string& name,
-                                                             const std::string& key) {
-    return makeCurrent(keyed(name, key));
 }
 
 ConfigurationAccessResult ElementWriter::makeCurrent(const ChildSelection& selection) {
@@ -114,14 +107,6 @@ ElementWriter::Children::iterator ElementWriter::findChild(const ChildSelection&
 
 bool ElementWriter::mayHave(const XmlString& tag) const {
     return m_current.tags == nullptr || m_current.tags->contains(tag);
-}
-
-void ElementWriter::deleteNodes(const std::string& name, const std::string& key) {
-    deleteChildren(key.empty() ? named(name) : keyed(name, key));
-}
-
-void ElementWriter::deleteKeyedNode(const std::string& name, const std::string& key) {
-    deleteChildren(keyed(name, key));
 }
 
 void ElementWriter::deleteChildren(const ChildSelection& selection) {

@@ -24,11 +24,8 @@ public:
     void createKeyedNode(const std::string& name, const std::string& key,
                          const std::string& comment) override;
     void enterLastChild() override;
-    ConfigurationAccessResult setCurrentNode(const std::string& name) override;
-    ConfigurationAccessResult setCurrentKeyedNode(const std::string& name,
-                                                  const std::string& key) override;
-    void deleteNodes(const std::string& name, const std::string& key) override;
-    void deleteKeyedNode(const std::string& name, const std::string& key) override;
+    ConfigurationAccessResult makeCurrent(const ChildSelection& selection) override;
+    void deleteChildren(const ChildSelection& selection) override;
 
     void putText(const std::string& name, const std::string& text,
                  const std::string& comment) override;
@@ -57,10 +54,9 @@ private:
         std::shared_ptr<std::unordered_set<XmlString>> tags = nullptr;
     };
 
-    WrittenElement& append(WrittenElement element);
+    void replace(ChildSelection replaced, std::optional<XmlString> key, const std::string& name,
+                 const std::string& comment);
     Children::iterator findChild(const ChildSelection& selection);
-    ConfigurationAccessResult makeCurrent(const ChildSelection& selection);
-    void deleteChildren(const ChildSelection& selection);
     bool mayHave(const XmlString& tag) const;
 
     XercesSession m_session;

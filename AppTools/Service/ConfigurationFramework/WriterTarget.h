@@ -34,12 +34,11 @@ public:
                                  const std::string& comment) = 0;
     /// Makes the child that was created last the current element.
     virtual void enterLastChild() = 0;
-    virtual ConfigurationAccessResult setCurrentNode(const std::string& name) = 0;
-    virtual ConfigurationAccessResult setCurrentKeyedNode(const std::string& name,
-                                                          const std::string& key) = 0;
-    virtual void deleteNodes(const std::string& name, const std::string& key) = 0;
-    /// Deletes the child that createKeyedNode() would replace.
-    virtual void deleteKeyedNode(const std::string& name, const std::string& key) = 0;
+    /// Makes the first of the selected children the current element.
+    /// @return Failure when there is none
+    virtual ConfigurationAccessResult makeCurrent(const ChildSelection& selection) = 0;
+    /// Deletes children, with their comments, and the text of the current element.
+    virtual void deleteChildren(const ChildSelection& selection) = 0;
 
     virtual void putText(const std::string& name, const std::string& text,
                          const std::string& comment) = 0;

@@ -2,9 +2,9 @@
 
 #include <ConfigurationFramework/writing/ChildElements.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
+#include <ConfigurationFramework/xml/IndexThreshold.h>
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 #include <xercesc/dom/DOMComment.hpp>
@@ -13,16 +13,34 @@
 
 namespace Orvant {
 
+namespace {
+
+bool areToldApart(const std::vector<WrittenElement>& elements) {
+    if (elements.size() > mostChildrenWithoutIndex) {
+        std::set<ElementId> ids;
+        return std::ranges::all_of(
+            elements, [&](const auto& element) { return ids.insert(element.id).second; });
+    }
+    for (auto element = elements.begin(); element != elements.end(); ++element)
+        if (std::find_if(elements.begin(), element,
+                         [&](const auto& former) { return former.id == element->id; }) != element)
+            return false;
+    return true;
+}
+
+} // namespace
+
+bool ElementId::operator==(const ElementId& other) const {
+    return areSame(tag, other.tag) && key.has_value() == other.key.has_value() &&
+           (!key || areSame(*key, *other.key));
+}
+
 bool WrittenElement::operator==(const WrittenElement& other) const {
-    return id == other.id && text == other.text && children == other.children;
+    return id == other.id && areSame(text, other.text) && children == other.children;
 }
 
 bool WrittenElement::isGroup() const {
-    std::set<ElementId> ids;
-    for (const WrittenElement& child : children)
-        if (!ids.insert(child.id).second)
-            return false;
-    return !isList() && !children.empty();
+    return !children.empty() && !isList() && areToldApart(children);
 }
 
 bool WrittenElement::isList() const {
@@ -41,12 +59,17 @@ ElementId identityOf(const xercesc::DOMElement& element) {
 bool hasMore(const WrittenElement& differing, const WrittenElement& full) {
     if (!differing.isGroup())
         return !(differing.children.empty() && differing.text.empty()) && !(differing == full);
-    std::map<ElementId, const WrittenElement*> parts;
-    for (const WrittenElement& part : full.children)
-        parts.emplace(part.id, &part);
+    // What differs comes in the order of what is written in full, as a rule.
+    auto next = full.children.begin();
     return std::ranges::any_of(differing.children, [&](const WrittenElement& child) {
-        const auto part = parts.find(child.id);
-        return part == parts.end() || hasMore(child, *part->second);
+        const auto isPart = [&](const WrittenElement& part) { return part.id == child.id; };
+        auto part = std::find_if(next, full.children.end(), isPart);
+        if (part == full.children.end())
+            part = std::find_if(full.children.begin(), next, isPart);
+        if (part == full.children.end() || !isPart(*part))
+            return true;
+        next = std::next(part);
+        return hasMore(child, *part);
     });
 }
 

@@ -18,6 +18,7 @@ struct ElementId {
     XmlString tag;
     std::optional<XmlString> key; ///< attribute key; nothing: it has none
 
+    bool operator==(const ElementId& other) const;
     auto operator<=>(const ElementId& other) const = default;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -14,6 +15,12 @@ static_assert(std::is_same_v<XMLCh, char16_t>,
 /// Text as Xerces stores it, in UTF-16.
 using XmlString = std::basic_string<XMLCh>;
 using XmlStringView = std::basic_string_view<XMLCh>;
+
+/// Whether two texts are the same. Their own comparison goes unit by unit.
+inline bool areSame(XmlStringView first, XmlStringView second) {
+    return first.size() == second.size() &&
+           std::memcmp(first.data(), second.data(), first.size() * sizeof(XMLCh)) == 0;
+}
 
 /// What line breaks and indentation are made of.
 constexpr const XMLCh* formattingSpace = u" \t\r\n";
