@@ -16,10 +16,19 @@ namespace {
 using Layer = std::optional<Override>;
 constexpr Layer systemLayer = std::nullopt;
 
+bool holdsObject(Shape shape, Layer layer, std::size_t object) {
+    for (std::size_t value = 0; value < shape.values; ++value)
+        if (!layer || isOverridden(object, value, *layer))
+            return true;
+    return false;
+}
+
 /// Calls back with what the layer holds: at the start of an object and at each value.
 template <typename BeginObject, typename EndObject, typename PutValue>
 void forEachHeld(Shape shape, Layer layer, BeginObject begin, PutValue put, EndObject end) {
     for (std::size_t object = 0; object < shape.objects; ++object) {
+        if (!holdsObject(shape, layer, object)) // as a save leaves it
+            continue;
         begin(objectName(object));
         for (std::size_t value = 0; value < shape.values; ++value) {
             if (!layer)

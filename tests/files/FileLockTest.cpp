@@ -236,6 +236,7 @@ TEST_F(FileLockTest, IsHeldThoughItsFileCannotHaveAllRightsOfTheTarget) {
     fs::permissions(directory.path(), fs::perms(0777));
     EXPECT_EQ(0, asOrdinaryUser([&] { return tryIt() == State::Held ? 0 : 1; }));
     EXPECT_EQ("", readFile(lockFile));
+    EXPECT_EQ(fs::perms(0666), fs::status(lockFile.toPath()).permissions());
 }
 
 TEST_F(FileLockTest, LeavesTheRightsOfItsFile) {

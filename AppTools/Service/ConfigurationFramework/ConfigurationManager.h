@@ -40,15 +40,21 @@ struct ConfigurationRegistration {
 /// @code
 /// auto& manager = ConfigurationManager::getInstance();
 /// manager.setValidVersionList({"1.0"});
+/// manager.setSaveMode(ConfigurationManager::Merge);
 /// manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
 /// manager.addConfigurationObjects({{std::make_shared<ViewSettings>(), "ViewSettings"},
 ///                                  {std::make_shared<Plotter>(), "Plotter", "Hall 1"}});
-/// manager.saveConfiguration("1.0");
+/// if (!manager.saveConfiguration("1.0"))
+///     show(manager.getSaveReport().text);
 /// @endcode
 ///
 /// With one file, a save writes every object in full. With a system and a user file, a save writes
-/// to the user file what differs from the system file, which is never written. What the manager
-/// does not own stays in the file. Use it from one thread.
+/// to the user file what differs from the system file, which is never written. In the mode Merge it
+/// writes only what changed of that. What the manager does not own stays in the file.
+///
+/// Every load, reset, error query and save reads the files anew. A file that holds the same bytes
+/// as before is not parsed again: the manager keeps what it parsed until releaseMemory(). Use a
+/// manager from one thread.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationManager {
 public:
     /// Copies files, versions and registrations; the objects themselves are shared, parsed files
@@ -85,7 +91,8 @@ public:
     /// @throws std::invalid_argument for a null object, and whatever an object throws while it is
     ///         loaded; those before it are registered, those after it are not
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
-    /// Registers an object and loads it from the element of that name. Opens the files again.
+    /// Registers an object and loads it from the element of that name. Reads the files again, and
+    /// parses those that changed.
     /// @param object shared with the caller; if the files do not have its element, it keeps its
     ///               values. When the name is taken, the earlier object stays registered, and this
     ///               one is only loaded.

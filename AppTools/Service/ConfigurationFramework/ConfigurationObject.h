@@ -60,9 +60,11 @@ public:
     ///         it
     /// @throws std::logic_error when createConfigurationObject() returns null
     virtual ConfigurationObject* clone() const;
-    /// Writes the object, compared with what a reader holds for it. When only differences are
-    /// written, this is also called on the children, each with a reader whose current node is the
-    /// parent's element; the element of a named child is written when anything is written into it.
+    /// Writes the object, compared with what a reader holds for it: a fresh instance that is loaded
+    /// from the reader, the same that canBeSavedToUserConfig() was answered by if a writer asks
+    /// both (ConfigWriter::putOnlyDifferentClassContents()). When only differences are written,
+    /// this is also called on the children, each with a reader whose current node is the parent's
+    /// element; the element of a named child is written when anything is written into it.
     /// @param writer        the object is written below its current element
     /// @param reader        holds the reference, normally the system configuration
     /// @param onlyDifferent true: only what differs from the reference; false: everything

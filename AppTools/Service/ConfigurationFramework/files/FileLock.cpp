@@ -63,8 +63,8 @@ std::error_code makeLockFile(const fs::path& lockFile) {
     std::error_code error;
     // Whoever may write the target has to be able to lock it. As far as the system allows.
     const fs::path target = fs::path(lockFile).replace_extension();
-    if (made.isOpen() && fs::is_regular_file(target, error)) [[maybe_unused]]
-        const bool given = FileRights(target).giveTo(made.descriptor());
+    if (made.isOpen() && fs::is_regular_file(target, error))
+        FileRights(target).giveWhatIsPossibleTo(made.descriptor());
     const fs::file_status status = fs::symlink_status(lockFile, error);
     if (fs::is_regular_file(status))
         return {};

@@ -10,6 +10,8 @@ bool FileRights::giveTo(int) const {
     return true;
 }
 
+void FileRights::giveWhatIsPossibleTo(int) const {}
+
 } // namespace Orvant
 
 #else
@@ -77,6 +79,16 @@ bool FileRights::giveTo(int descriptor) const {
     // and a change of owner clears some of its bits.
     return giveAccessListTo(descriptor) && fchmod(descriptor, static_cast<mode_t>(m_mode)) == 0 &&
            isLikeThoseOf(descriptor);
+}
+
+void FileRights::giveWhatIsPossibleTo(int descriptor) const {
+    if (!m_known)
+        return;
+    constexpr auto sameOwner = static_cast<uid_t>(-1);
+    [[maybe_unused]] const bool hasGroup =
+        fchown(descriptor, m_owner, m_group) == 0 || fchown(descriptor, sameOwner, m_group) == 0;
+    [[maybe_unused]] const bool hasAccess =
+        giveAccessListTo(descriptor) && fchmod(descriptor, static_cast<mode_t>(m_mode)) == 0;
 }
 
 bool FileRights::isLikeThoseOf(int descriptor) const {

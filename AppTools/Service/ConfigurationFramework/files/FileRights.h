@@ -23,6 +23,10 @@ public:
     /// @return false when the new file does not have all of them
     bool giveTo(int descriptor) const;
 
+    /// Gives a file that holds nothing what of them the process may give, so that whoever may use
+    /// the other file may use that one.
+    void giveWhatIsPossibleTo(int descriptor) const;
+
 private:
     bool isLikeThoseOf(int descriptor) const;
     bool giveAccessListTo(int descriptor) const;
