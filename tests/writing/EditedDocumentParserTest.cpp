@@ -110,7 +110,8 @@ void cutFormatting(xercesc::DOMText& text) {
 
 /// Cuts the formatting of a whole document.
 void cutFormatting(DOMNode& root) {
-    for (DOMNode* node = &root; node != nullptr; node = nextBelow(root, node)) {
+    DomWalk walk(root);
+    for (DOMNode* node = &root; node != nullptr; node = walk.next()) {
         std::vector<DOMNode*> children;
         for (DOMNode* child = node->getFirstChild(); child; child = child->getNextSibling())
             children.push_back(child);

@@ -235,13 +235,13 @@ ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names
     for (const std::string& name : names)
         notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
     std::set<std::string> hidden;
-    for (DOMNode* node = nextBelow(*m_current, m_current); node != nullptr && !notSeen.empty();
-         node = nextBelow(*m_current, node)) {
+    DomWalk walk(*m_current);
+    for (DOMNode* node = walk.next(); node != nullptr && !notSeen.empty(); node = walk.next()) {
         const DOMElement* const element = asElement(node);
         const auto seen = element == nullptr ? notSeen.end() : notSeen.find(element->getTagName());
         if (seen == notSeen.end())
             continue;
-        if (element->getParentNode() != m_current)
+        if (walk.depth() > 1)
             hidden.insert(seen->second);
         notSeen.erase(seen);
     }

@@ -1,5 +1,7 @@
 #include <ConfigurationFramework/writing/DocumentPrinter.h>
 
+#include <ConfigurationFramework/xml/DomWalk.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -59,31 +61,25 @@ std::size_t stepsBesideComments(const DOMNode& element) {
     return steps;
 }
 
-Layout layoutOf(const DOMElement& root) {
+void addTo(Layout& layout, const DOMNode& node, std::size_t depth) {
     constexpr std::size_t step = 2; // of the printer, per level
-    Layout layout;
-    std::size_t depth = 1;
-    const DOMNode* node = &root;
-    while (true) {
-        ++layout.nodes;
-        const bool isElement = node->getNodeType() == DOMNode::ELEMENT_NODE;
-        if (isElement) {
-            layout.depth = std::max(layout.depth, depth);
-            layout.stepsBesideComments += stepsBesideComments(*node);
-        }
-        // Both tags of an element can have a line of their own.
-        layout.indentation += (isElement ? 2 : 1) * step * (depth - 1);
-        if (node->getFirstChild() != nullptr) {
-            node = node->getFirstChild();
-            ++depth;
-            continue;
-        }
-        for (; node != &root && node->getNextSibling() == nullptr; node = node->getParentNode())
-            --depth;
-        if (node == &root)
-            return layout;
-        node = node->getNextSibling();
+    ++layout.nodes;
+    const bool isElement = node.getNodeType() == DOMNode::ELEMENT_NODE;
+    if (isElement) {
+        layout.depth = std::max(layout.depth, depth);
+        layout.stepsBesideComments += stepsBesideComments(node);
     }
+    // Both tags of an element can have a line of their own.
+    layout.indentation += (isElement ? 2 : 1) * step * (depth - 1);
+}
+
+Layout layoutOf(const DOMElement& root) {
+    Layout layout;
+    addTo(layout, root, 1);
+    DomWalk walk(root);
+    while (const DOMNode* const node = walk.next())
+        addTo(layout, *node, walk.depth() + 1);
+    return layout;
 }
 
 struct SerializerRelease {

@@ -183,11 +183,10 @@ bool holdsItems(DOMElement& element) {
 std::map<XmlString, DOMElement*> firstInChildren(DOMElement& element) {
     std::set<XmlString> seen;
     std::map<XmlString, DOMElement*> deeper;
-    for (DOMNode* node = nextBelow(element, &element); node != nullptr;
-         node = nextBelow(element, node))
-        if (DOMElement* const found = asElement(node); found != nullptr &&
-                                                       seen.insert(found->getTagName()).second &&
-                                                       found->getParentNode() != &element)
+    DomWalk walk(element);
+    while (DOMNode* const node = walk.next())
+        if (DOMElement* const found = asElement(node);
+            found != nullptr && seen.insert(found->getTagName()).second && walk.depth() > 1)
             deeper.emplace(found->getTagName(), found);
     return deeper;
 }
