@@ -122,5 +122,68 @@ TEST_F(RegularFileBytesTest, ComeWithTheReasonOfTheCallThatFailed) {
     expectBytes(file, "some bytes");
 }
 
+TEST_F(RegularFileBytesTest, AreHeldWhenTheyAreTheSame) {
+    constexpr std::size_t part = std::size_t{1} << 16U; // is compared at once
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, part - 1, part, part + 1,
+                                   2 * part - 1, 2 * part, 3 * part + 7}) {
+        std::string bytes;
+        while (bytes.size() < size)
+            bytes += static_cast<char>(bytes.size() % 251); // differs from part to part
+        writeFile(file, bytes);
+        EXPECT_TRUE(fileHolds(file, bytes)) << size;
+        EXPECT_FALSE(fileHolds(file, bytes + 'x')) << size;
+        for (const std::size_t position : {std::size_t{0}, part - 1, part, 2 * part, size - 1})
+            if (position < size) {
+                EXPECT_FALSE(fileHolds(file, bytes.substr(0, position))) << size << ' ' << position;
+                std::string others = bytes;
+                ++others[position];
+                EXPECT_FALSE(fileHolds(file, others)) << size << ' ' << position;
+            }
+    }
+}
+
+TEST_F(RegularFileBytesTest, AreHeldWhenTheyComeInPartsAndAfterInterruptions) {
+    writeFile(file, "some bytes");
+    SystemCalls calls;
+    calls.doOnly(3).fail("read", EINTR, 2, 1).fail("open", EINTR, 2);
+    EXPECT_TRUE(fileHolds(file, "some bytes"));
+    EXPECT_FALSE(fileHolds(file, "some byte"));
+    EXPECT_FALSE(fileHolds(file, "some bytes more"));
+}
+
+TEST_F(RegularFileBytesTest, AreNotHeldByWhatIsNoRegularFile) {
+    for (const std::string& bytes : {std::string(), std::string("x")}) {
+        EXPECT_FALSE(fileHolds(file, bytes));
+        EXPECT_FALSE(fileHolds(FileName(), bytes));
+        EXPECT_FALSE(fileHolds(FileName(directory.path().string()), bytes));
+        ASSERT_FALSE(fileHolds(FileName("/dev/null"), bytes));
+    }
+    ASSERT_EQ(0, mkfifo(file.toNativeString().c_str(), 0600));
+    EXPECT_FALSE(fileHolds(file, ""));
+    EXPECT_THROW(fileHolds(FileName(std::string("a\0b", 3)), ""), FileNameException);
+}
+
+TEST_F(RegularFileBytesTest, AreNotHeldWhenTheyCannotAllBeRead) {
+    writeFile(file, "some bytes");
+    for (const int before : {0, 1, 4}) { // the last to learn that no more follow
+        SystemCalls calls;
+        calls.doOnly(3).fail("read", EIO, SystemCalls::always, before);
+        EXPECT_FALSE(fileHolds(file, "some bytes")) << before;
+    }
+    writeFile(file, "");
+    for (const char* const function : {"open", "read"}) {
+        SystemCalls calls;
+        calls.fail(function, EACCES);
+        EXPECT_FALSE(fileHolds(file, "")) << function;
+    }
+    EXPECT_TRUE(fileHolds(file, ""));
+}
+
+TEST_F(RegularFileBytesTest, AreNotHeldByAFileThatWasNotOpened) {
+    OpenFile missing(file.toPath(), OpenFile::Purpose::Read);
+    EXPECT_FALSE(missing.isOpen());
+    EXPECT_FALSE(missing.holds(""));
+}
+
 } // namespace
 } // namespace Orvant
