@@ -17,7 +17,7 @@ bool isXmlCharacter(code_point c) {
 
 /// Whether a text is all of characters that are the same in every encoding form.
 bool isPlain(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return c >= ' '; });
+    return std::ranges::all_of(text, [](unsigned char c) { return c >= 0x20 && c < 0x80; });
 }
 
 } // namespace
