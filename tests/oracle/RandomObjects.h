@@ -5,6 +5,8 @@
 #include <TestSupport.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Orvant::Support {
 
@@ -29,7 +31,12 @@ void setRandomValues(ConfigurationObject& object, Random& random);
 /// As setRandomValues(), but what is locked stays.
 void setRandomUnlockedValues(ConfigurationObject& object, Random& random);
 
-/// @return a text that a document holds as it is
+/// Texts that a document holds as they are.
+inline const std::vector<std::string> fewTexts = {
+    "",    " ",     "text",    "true", "12",         "-1", "1.5",          "ä", "<&>\"'", "\n",
+    "]]>", "\r\n ", "a\tb  c", "--",   "\U0001F600", "1",  "a longer text"};
+
+/// @return one of these texts
 const std::string& randomText(Random& random);
 
 } // namespace Orvant::Support

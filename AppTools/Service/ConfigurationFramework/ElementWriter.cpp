@@ -12,7 +12,10 @@
 #include <unordered_map>
 #include <utility>
 
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMText.hpp>
 #include <xercesc/util/XMLChar.hpp>
 
 namespace Orvant {
@@ -41,6 +44,27 @@ std::string nameOf(const WrittenElement& element) {
     return XercesHelperFunctions::xmlChToString(element.id.tag.c_str());
 }
 
+void setText(WrittenElement& element, XmlString text) {
+    element.text = std::move(text);
+    element.hasText = true;
+}
+
+void removeText(WrittenElement& element) {
+    element.text.clear();
+    element.hasText = false;
+}
+
+/// Adds what fill() leaves out: a writer to a document prints an empty text in its own way.
+void addEmptyTexts(xercesc::DOMElement& filled, const WrittenElement& contents) {
+    if (contents.hasText && contents.text.empty())
+        filled.appendChild(filled.getOwnerDocument()->createTextNode(u""));
+    xercesc::DOMElement* child = filled.getFirstElementChild();
+    for (const WrittenElement& part : contents.children) {
+        addEmptyTexts(*child, part);
+        child = child->getNextElementSibling();
+    }
+}
+
 /// Calls back with all elements below another in document order, and whether each is a child of it,
 /// until the callback returns false.
 template <typename Visit>
@@ -56,7 +80,7 @@ ElementWriter::ElementWriter() : m_session(s_log, std::source_location::current(
 
 std::vector<WrittenElement> ElementWriter::takeAll() {
     m_current = {&m_root};
-    m_root.text.clear();
+    removeText(m_root);
     return std::exchange(m_root.children, {});
 }
 
@@ -110,7 +134,7 @@ bool ElementWriter::mayHave(const XmlString& tag) const {
 }
 
 void ElementWriter::deleteChildren(const ChildSelection& selection) {
-    m_current.element->text.clear();
+    removeText(*m_current.element);
     Children& children = m_current.element->children;
     if (mayHave(selection.tag))
         std::erase_if(children,
@@ -125,12 +149,12 @@ void ElementWriter::deleteChildren(const ChildSelection& selection) {
 void ElementWriter::putText(const std::string& name, const std::string& text,
                             const std::string& comment) {
     createNode(name, comment);
-    m_current.element->children.back().text = toText(text, name);
+    setText(m_current.element->children.back(), toText(text, name));
 }
 
 void ElementWriter::putString(const std::string& value) {
     m_current.element->children.clear();
-    m_current.element->text = toText(value, nameOf(*m_current.element));
+    setText(*m_current.element, toText(value, nameOf(*m_current.element)));
 }
 
 void ElementWriter::putStringVector(const std::string& name, const std::vector<std::string>& values,
@@ -139,7 +163,8 @@ void ElementWriter::putStringVector(const std::string& name, const std::vector<s
     WrittenElement& list = m_current.element->children.back();
     list.children.reserve(values.size());
     for (const std::string& value : values)
-        list.children.push_back({.id = {itemTag, std::nullopt}, .text = toText(value, name)});
+        setText(list.children.emplace_back(WrittenElement{{itemTag, std::nullopt}}),
+                toText(value, name));
 }
 
 void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
@@ -149,12 +174,12 @@ void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::st
         m_current = {&element};
         writeContents();
     });
-    if (element.children.empty() && element.text.empty())
+    if (element.children.empty() && !element.hasText)
         return;
     createNode(name, comment);
     WrittenElement& added = m_current.element->children.back();
-    added.text = std::move(element.text);
-    added.children = std::move(element.children);
+    element.comment = std::move(added.comment);
+    added = std::move(element);
 }
 
 void ElementWriter::keepPlace(const std::function<void()>& action) {
@@ -192,6 +217,7 @@ ConfigurationAccessResult ElementWriter::moveToFront(const std::string& name) {
 PrintedDocument ElementWriter::print() const {
     ConfigWriterImpl document("");
     fill(document.root(), m_root);
+    addEmptyTexts(document.root(), m_root);
     return document.print();
 }
 

@@ -28,6 +28,7 @@ struct WrittenElement {
     XmlString comment = {}; ///< right before it; empty: none
     XmlString text = {};    ///< of an element without child elements
     std::vector<WrittenElement> children = {};
+    bool hasText = false; ///< whether a text was put into it, be that empty; unknown to a copy
 
     /// Whether both hold the same. Comments do not count.
     bool operator==(const WrittenElement& other) const;
