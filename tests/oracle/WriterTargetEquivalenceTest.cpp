@@ -90,6 +90,8 @@ private:
     void run(Random& random, unsigned int depth);
     void runWithCallback(Random& random, unsigned int depth);
     void putMany(Random& random);
+    void enterOneOfMany(const std::string& name, Random& random);
+    void changeOneOfNamesakes(const std::string& name, Random& random);
     void putTypedValue(const std::string& name, Random& random);
     void putThrowingObject(const std::string& name, Random& random);
 
@@ -122,8 +124,10 @@ void Session::run(Random& random, unsigned int depth) {
             note("hidden: " + hidden);
         break;
     case 3:
-    case 4:
         putMany(random);
+        break;
+    case 4:
+        enterOneOfMany(name, random);
         break;
     case 5:
     case 6:
@@ -133,6 +137,8 @@ void Session::run(Random& random, unsigned int depth) {
         putThrowingObject(name, random);
         break;
     case 8:
+        changeOneOfNamesakes(name, random);
+        break;
     case 9:
     case 10:
     case 11:
@@ -155,6 +161,8 @@ void Session::runWithCallback(Random& random, unsigned int depth) {
                 run(random, depth - 1); // what it throws goes through the callback
             else
                 attempt(random, depth - 1);
+        if (oneIn(8, random))
+            m_writer->putString(""); // so that there is no more than an empty text
         if (oneIn(8, random))
             throw std::runtime_error("thrown by a callback");
     };
@@ -180,6 +188,29 @@ void Session::putMany(Random& random) {
             m_writer->createNode("N" + std::to_string(i), comment);
         else
             m_writer->putString("N" + std::to_string(i), anyOf(m_words.texts, random), "");
+}
+
+/// Makes a child current that has as many children as its parent, of other names.
+void Session::enterOneOfMany(const std::string& name, Random& random) {
+    putMany(random);
+    m_writer->putElement(name, "", [&] { putMany(random); });
+    note(std::to_string(static_cast<int>(m_writer->setCurrentNode(name))));
+}
+
+void Session::changeOneOfNamesakes(const std::string& name, Random& random) {
+    const Strings few = {"", "1", "k"};
+    for (const std::string& key : few)
+        m_writer->createKeyedNode(name, key, anyOf(m_words.comments, random));
+    const std::string& key = anyOf(few, random);
+    switch (random() % 3) {
+    case 0:
+        return m_writer->deleteNodes(name, key);
+    case 1:
+        return m_writer->putOnlyDifferentClassContents(
+            name, key, *Support::randomLoadedObject(random), m_reader, "comment");
+    default:
+        note(std::to_string(static_cast<int>(m_writer->setCurrentKeyedNode(name, key))));
+    }
 }
 
 void Session::putTypedValue(const std::string& name, Random& random) {
