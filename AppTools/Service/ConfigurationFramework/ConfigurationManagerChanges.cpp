@@ -149,6 +149,8 @@ std::size_t ConfigurationManagerChanges::mergeInto(xercesc::DOMElement& root) co
 }
 
 void ConfigurationManagerChanges::addTo(AdvancedConfigReader& reader) const {
+    if (empty())
+        return;
     const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
                                               : std::make_unique<ConfigWriterImpl>("");
     if (mergeInto(document->root()) != 0)
