@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -534,6 +535,20 @@ TEST_F(ConfigurationManagerExplain, LeavesObjectsAndFilesAsTheyAre) {
     EXPECT_EQ(0, view->signals);
     EXPECT_EQ(before, readFile(m_userFile));
     EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+TEST_F(ConfigurationManagerExplain, KnowsWhatWasSavedToTheUsersFileByItsName) {
+    writeTwo("<View><Zoom>2</Zoom></View>", "");
+    addView();
+    const FileName link = m_directory.file("link.xml");
+    std::filesystem::create_symlink(m_userFile.toPath(), link.toPath());
+    for (const auto mode : {ConfigurationManager::InPlace, ConfigurationManager::Merge})
+        for (const FileName& file : {m_userFile, link}) {
+            writeTwo("<View><Zoom>2</Zoom></View>", "");
+            m_manager.setSaveMode(mode);
+            EXPECT_TRUE(m_manager.saveConfigurationToFile(file.toString(), "1.0"));
+            EXPECT_EQ(Lines{"View/Zoom = '2' user | '2' | '2' | user.xml:4"}, explained());
+        }
 }
 
 /// An element, which may be missing, be locked or hold nothing that converts.

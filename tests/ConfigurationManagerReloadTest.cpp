@@ -183,6 +183,68 @@ TEST_P(ConfigurationManagerReload,
     EXPECT_TRUE(m_manager.haveFilesChanged());
 }
 
+TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToTheUsersFileByItsName) {
+    writeFiles("<Test><a>5</a></Test>", "<Test><b>6</b></Test>");
+    add(makeObject())->value<int>("b").setValue(7);
+    const FileName link = m_directory.file("link.xml");
+    std::filesystem::create_symlink(m_userFile.toPath(), link.toPath());
+    for (const FileName& file : {m_userFile, link})
+        for (int saves = 0; saves < 2; ++saves) { // the second changes nothing
+            EXPECT_TRUE(m_manager.saveConfigurationToFile(file.toString(), "1.0"));
+            EXPECT_FALSE(m_manager.haveFilesChanged()) << file.toString();
+            EXPECT_EQ(7, get(*add(makeObject()), "b"));
+            EXPECT_FALSE(m_manager.haveFilesChanged());
+        }
+    writeFile(m_userFile, document("<Other/>"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_userFile.toString(), "1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged()) << "what others wrote was not loaded";
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    writeFile(m_systemFile, document(""));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_userFile.toString(), "1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged()) << "nor was the system file";
+}
+
+TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToTheOneFileByItsName) {
+    writeFile(m_file, document("<Test><b>6</b></Test>"));
+    useOneFile();
+    add(makeObject())->value<int>("b").setValue(7);
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    writeFile(m_file, document("<Other/>"));
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload, IsNeededAsBeforeAfterASaveToAnotherFile) {
+    writeFiles("<Test><a>5</a></Test>", "<Test><b>6</b></Test>");
+    add(makeObject());
+    const std::string other = m_directory.file("other.xml").toString();
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(other, "1.0"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    writeFiles("<Test><a>5</a></Test>", "<Test><b>7</b></Test>");
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(other, "1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload,
+       IsNotNeededAfterASaveByNameOfObjectsThatWereThereBeforeTheFiles) {
+    for (const bool hasSystemFile : {false, true}) {
+        m_manager.reset();
+        add(makeObject());
+        std::filesystem::remove(m_userFile.toPath());
+        if (hasSystemFile)
+            writeFile(m_systemFile, document("<Test><a>5</a></Test>"));
+        useTwoFiles();
+        EXPECT_FALSE(m_manager.haveFilesChanged());
+        EXPECT_TRUE(m_manager.saveConfigurationToFile(m_userFile.toString(), "1.0"));
+        EXPECT_FALSE(m_manager.haveFilesChanged());
+        writeFile(m_userFile, document(""));
+        EXPECT_TRUE(m_manager.haveFilesChanged());
+    }
+}
+
 TEST_P(ConfigurationManagerReload, TakesOverFeatureSwitches) {
     const auto element = [](const std::string& value) {
         return "<DisableFeaturesConfiguration><PlannerFixturesDisable>" + value +

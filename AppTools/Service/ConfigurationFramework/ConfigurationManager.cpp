@@ -218,7 +218,14 @@ void ConfigurationManager::setSeen(
     const std::shared_ptr<const ConfigurationManagerLayers>& saved) const {
     LayerDocument user = saved->user;
     user.setAcceptedVersions(m_validVersions);
-    m_known.layers = (m_known.layers == nullptr ? saved : m_known.layers)->withUser(user);
+    if (m_known.layers == nullptr)
+        m_known.layers = saved;
+    if (m_fileMode == SystemAndUserFile && m_known.layers->system.file().empty()) {
+        // Nothing was loaded, and a save by name does not look at it.
+        AdvancedConfigReader unused;
+        m_known.layers = m_known.layers->withSystem(readSystemFile(unused));
+    }
+    m_known.layers = m_known.layers->withUser(user);
 }
 
 /// Has the objects know all that was saved.

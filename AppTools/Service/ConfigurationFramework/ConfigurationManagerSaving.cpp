@@ -313,9 +313,14 @@ void ConfigurationManager::Saving::checkLayer(const LayerDocument& atLoad, const
                           atLoad.error());
 }
 
+/// The name that the target is known by: a link may lead to the file that objects are loaded from.
+FileName ConfigurationManager::Saving::knownTarget() const {
+    return isLoadedFile() ? m_manager.targetFile() : m_target;
+}
+
 LayerDocument ConfigurationManager::Saving::readUserFile() const {
     AdvancedConfigReader unused;
-    return m_manager.readUserFile(unused, m_target);
+    return m_manager.readUserFile(unused, knownTarget());
 }
 
 /// Merges what changed into what the file holds now.
@@ -435,8 +440,8 @@ ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
     m_manager.m_saveReport = std::move(report);
     const std::string version = document.version();
     return std::make_shared<const ConfigurationManagerLayers>(
-        m_system,
-        LayerDocument(m_target, std::move(printed.text), version, m_manager.isAccepted(version)));
+        m_system, LayerDocument(knownTarget(), std::move(printed.text), version,
+                                m_manager.isAccepted(version)));
 }
 
 } // namespace Orvant

@@ -77,6 +77,7 @@ private:
     static void checkLayer(const LayerDocument& atLoad, const LayerDocument& now,
                            const std::string& name);
     bool isKnownInTarget(const ConfigurationRegistration& registration) const;
+    FileName knownTarget() const;
     LayerDocument readUserFile() const;
     void readSystemFile();
 
