@@ -240,6 +240,23 @@ TEST(AdvancedConfigReader, ReadsAListEmptyThatTheHighestSourceLacks) {
     EXPECT_THAT(itemEditable, IsEmpty());
 }
 
+TEST(AdvancedConfigReader, ReadsTheTextsOfAListAsItsItems) {
+    for (const std::string body :
+         {"<L><item>u</item></L>", "<L editable='false'><item>u</item><item><b/></item></L>",
+          "<L/>", "<M><item>u</item></M>"}) {
+        Layers reader({{system, "<L><item>s</item></L>"}, {user, body}});
+        bool editable = true;
+        std::vector<std::string> list = {"before"};
+        std::map<std::string, bool> itemEditable;
+        const auto expected = reader.getStringVector("L", list, editable, itemEditable);
+        bool textsEditable = true;
+        std::vector<std::string> texts = {"before"};
+        EXPECT_EQ(expected, reader.getStrings("L", texts, textsEditable)) << body;
+        EXPECT_EQ(list, texts) << body;
+        EXPECT_EQ(editable, textsEditable) << body;
+    }
+}
+
 TEST(AdvancedConfigReader, MovesEverySourceThatHasTheTag) {
     Layers reader({{system, "<B>1</B><A>1</A><X><T><A>3</A><B>3</B></T></X>"},
                    {user, "<A>2</A><T><A>4</A></T>"}});
@@ -437,6 +454,26 @@ TEST_P(LayeredObject, IsNotLockedByTheUserWhereTheSystemHoldsNoSuchPart) {
     EXPECT_TRUE(isEditable("C"));
 }
 
+/// Counts how often it is cloned, or cannot be.
+class CloneCounting : public TestObject {
+public:
+    explicit CloneCounting(bool isCloneable = true) : TestObject("T"), m_isCloneable(isCloneable) {
+        add("A", -1).add("B", -1);
+    }
+    ConfigurationObject* clone() const override {
+        ++clones;
+        if (!m_isCloneable)
+            throw std::logic_error("not cloneable");
+        return TestObject::clone();
+    }
+    int valueOf(const std::string& name) const { return value<int>(name).getValue(); }
+
+    mutable int clones = 0;
+
+private:
+    bool m_isCloneable;
+};
+
 /// One of the ways to load an object through all layers.
 struct LoadCase : Support::TestCase {
     std::function<ConfigurationAccessResult(AdvancedConfigReader&, TestObject&)> load;
@@ -508,6 +545,52 @@ TEST_P(LayeredLoad, LetsTheDefaultDocumentGoFirst) {
     EXPECT_EQ(1, m_object->signals);
 }
 
+TEST_P(LayeredLoad, ClonesAnObjectOnlyForAnElementOfTheUsers) {
+    for (const bool isCloneable : {true, false})
+        for (const std::string body : {"", "<U key='k'><A>3</A></U>", "<A>3</A>"}) {
+            CloneCounting object(isCloneable);
+            Layers reader({{byDefault, "<T key='k'><B>5</B></T>"}, {system, systemT}});
+            if (!body.empty())
+                reader.addBody(user, body);
+            EXPECT_EQ(success, GetParam().load(reader, object));
+            EXPECT_EQ(0, object.clones) << body;
+            EXPECT_EQ(1, object.valueOf("A"));
+            EXPECT_FALSE(object.value<int>("A").isEditable());
+            EXPECT_EQ(2, object.valueOf("B"));
+            EXPECT_TRUE(object.value<int>("B").isEditable());
+        }
+    CloneCounting object;
+    Layers reader({{byDefault, userT}, {system, systemT}, {user, userT}});
+    EXPECT_EQ(success, GetParam().load(reader, object));
+    EXPECT_EQ(1, object.clones);
+    EXPECT_EQ(1, object.valueOf("A"));
+    EXPECT_FALSE(object.value<int>("A").isEditable());
+    EXPECT_EQ(4, object.valueOf("B"));
+
+    CloneCounting withoutSystem(false);
+    Layers userOnly({{byDefault, systemT}, {user, userT}});
+    EXPECT_EQ(success, GetParam().load(userOnly, withoutSystem));
+    EXPECT_EQ(0, withoutSystem.clones);
+    EXPECT_THROW(
+        {
+            CloneCounting uncloneable(false);
+            GetParam().load(reader, uncloneable);
+        },
+        std::logic_error);
+}
+
+TEST_P(LayeredLoad, RepairsByTheElementOfTheUsersThatItFinds) {
+    // The user's document stands elsewhere than the system's.
+    Layers reader({{system, systemT}});
+    reader.addBody(user, "<X>" + userT + "</X>", {"X"});
+    CloneCounting object;
+    EXPECT_EQ(success, GetParam().load(reader, object));
+    EXPECT_EQ(1, object.clones);
+    EXPECT_EQ(1, object.valueOf("A"));
+    EXPECT_FALSE(object.value<int>("A").isEditable());
+    EXPECT_EQ(4, object.valueOf("B"));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Operations, LayeredLoad,
     testing::Values(
@@ -536,6 +619,31 @@ TEST(AdvancedConfigReader, TakesTheDefaultEntryOfEachDocumentForAKey) {
     EXPECT_EQ(2, valueAt(*object, 0, "B").getValue());
     EXPECT_EQ(failure, reader.findAndGetClassContents("T", "other", *makeObject()))
         << "a search of the whole document knows no default entry";
+}
+
+TEST(AdvancedConfigReader, ClonesAnObjectWithAKeyForTheDefaultEntryOfTheUsers) {
+    const std::string locked = "<A editable='false'>1</A><B>2</B>";
+    struct Case {
+        std::string systemBody;
+        std::string userBody;
+        int clones;
+        int b;
+    };
+    const std::string userContent = "<A>3</A><B>4</B>";
+    for (const Case& c : {Case{"<T key='k'>" + locked + "</T>", "<T>" + userContent + "</T>", 1, 4},
+                          Case{"<T>" + locked + "</T>", "<T key='k'>" + userContent + "</T>", 1, 4},
+                          Case{"<T>" + locked + "</T>", "<T key='l'>" + userContent + "</T>", 0, 2},
+                          Case{"<T>" + locked + "</T>", "<X><T>" + userContent + "</T></X>", 0, 2},
+                          Case{"<T>" + locked + "</T>", "<T/>", 1, 2}}) {
+        Layers reader({{system, c.systemBody}, {user, c.userBody}});
+        CloneCounting object;
+        EXPECT_EQ(success, reader.getClassContents("T", "k", object)) << c.userBody;
+        EXPECT_EQ(c.clones, object.clones) << c.userBody;
+        EXPECT_EQ(1, object.valueOf("A")) << c.userBody;
+        EXPECT_FALSE(object.value<int>("A").isEditable()) << c.userBody;
+        EXPECT_EQ(c.b, object.valueOf("B")) << c.userBody;
+        EXPECT_EQ(1, object.signals) << c.userBody;
+    }
 }
 
 TEST(AdvancedConfigReader, SearchesEachDocumentForAnObject) {

@@ -87,8 +87,9 @@ TYPED_TEST(ReaderVirtualTable, KeepsTheOrderOfTheOperations) {
         slot(&TypeParam::getEditable),
         slot(&TypeParam::getKeys),
         slot(&TypeParam::createConfigurationObjects),
+        slotOf(&TypeParam::getStrings),
     };
-    ASSERT_EQ(18u, slots.size());
+    ASSERT_EQ(19u, slots.size());
     // The destructor has the first two slots: one deletes and one does not.
     for (std::size_t i = 0; i < slots.size(); ++i)
         EXPECT_EQ(i + 2, slots[i]) << "operation " << i + 1;

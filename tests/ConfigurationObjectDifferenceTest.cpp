@@ -217,6 +217,233 @@ TEST(ConfigurationObjectDifference, TakesForOtherObjectsOfAChildWhatStandsBeside
               differentOf(8, 4));
 }
 
+// --- the reference of one save ------------------------------------------------------------------
+
+/// What was done with objects of a class.
+struct Counts {
+    int made = 0;
+    int loaded = 0;
+    int signalled = 0;
+
+    bool operator==(const Counts&) const = default;
+};
+
+void PrintTo(const Counts& counts, std::ostream* out) {
+    *out << counts.made << " made, " << counts.loaded << " loaded, " << counts.signalled
+         << " signalled";
+}
+
+/// Has a value "a" (1), counts what is done with its fresh ones, and may save itself otherwise.
+class Counted : public TestObject {
+public:
+    explicit Counted(const std::string& name = "Test",
+                     std::shared_ptr<Counts> counts = std::make_shared<Counts>())
+        : TestObject(name), m_counts(std::move(counts)) {
+        add("a", 1);
+    }
+    ConfigurationObject* createConfigurationObject() const override {
+        ++m_counts->made;
+        auto fresh = std::make_unique<Counted>(getName(), m_counts);
+        fresh->onLoad = onLoad;
+        return fresh.release();
+    }
+    void loadContent(ConfigReader& reader) override {
+        ++m_counts->loaded;
+        if (onLoad)
+            onLoad();
+        TestObject::loadContent(reader);
+    }
+    void emitSignalsAfterConfigLoading() override { ++m_counts->signalled; }
+    using TestObject::saveContent;
+    void saveContent(ConfigWriter& writer, ConfigReader& reader,
+                     bool onlyDifferent) const override {
+        if (onSave)
+            onSave(writer, reader);
+        if (!savesItself)
+            TestObject::saveContent(writer, reader, onlyDifferent);
+    }
+    bool canBeSavedToUserConfig(ConfigReader& reader) const override {
+        return isAlwaysSaved || TestObject::canBeSavedToUserConfig(reader);
+    }
+    Counted& set(int a) {
+        value<int>("a").setValue(a);
+        return *this;
+    }
+    /// @return what was counted since the last call
+    Counts take() const { return std::exchange(*m_counts, {}); }
+
+    std::function<void()> onLoad;
+    std::function<void(ConfigWriter&, ConfigReader&)> onSave;
+    bool savesItself = false;   ///< onSave writes everything
+    bool isAlwaysSaved = false; ///< without a look at the reference
+
+private:
+    std::shared_ptr<Counts> m_counts;
+};
+
+const std::string nothing = "<Configuration version=\"1.0\"/>";
+
+constexpr Counts once = {1, 1, 0}; // a reader of one document leaves signals to others
+
+TEST(SharedReference, AnswersBothQuestionsOfASave) {
+    Counted object;
+    object.set(2);
+    EXPECT_EQ(document("<Test><a>2</a></Test>"), saveDifferent(object, "<Test><a>3</a></Test>"));
+    EXPECT_EQ(once, object.take());
+    EXPECT_EQ(nothing, saveDifferent(object, "<Test><a>2</a></Test>"));
+    EXPECT_EQ(once, object.take());
+}
+
+TEST(SharedReference, AnswersForAnObjectWithAKey) {
+    SimpleConfigReader reader = readerOf("<Test><a>3</a></Test>");
+    ConfigWriter writer("1.0");
+    Counted object;
+    writer.putOnlyDifferentClassContents("Test", "k", object, reader, "");
+    EXPECT_EQ(once, object.take());
+    EXPECT_EQ(document("<Test key=\"k\"><a>1</a></Test>"), compact(writer));
+}
+
+TEST(SharedReference, HoldsThoseOfTheChildren) {
+    Counted object;
+    auto child = std::make_unique<Counted>("Child");
+    const Counted& counted = *child;
+    object.addChild(child.release());
+    EXPECT_EQ(document("<Test><a>1</a><Child><a>1</a></Child></Test>"),
+              saveDifferent(object, "<Test><a>3</a></Test>"));
+    EXPECT_EQ(once, object.take());
+    EXPECT_EQ(Counts(), counted.take()) << "a fresh parent of this class has no child";
+}
+
+TEST(SharedReference, IsMadeOnceWhereAClassAnswersOneOfTheQuestions) {
+    Counted saved;
+    saved.isAlwaysSaved = true;
+    EXPECT_EQ(document("<Test/>"), saveDifferent(saved, "<Test/>"));
+    EXPECT_EQ(once, saved.take());
+
+    Counted saving;
+    saving.savesItself = true;
+    saving.onSave = [](ConfigWriter& writer, ConfigReader&) { writer.putInt("extra", 5, ""); };
+    EXPECT_EQ(document("<Test><extra>5</extra></Test>"),
+              saveDifferent(saving, "<Test><a>3</a></Test>"));
+    EXPECT_EQ(once, saving.take());
+
+    saving.isAlwaysSaved = true;
+    EXPECT_EQ(document("<Test><extra>5</extra></Test>"), saveDifferent(saving, "<Test/>"));
+    EXPECT_EQ(Counts(), saving.take());
+}
+
+TEST(SharedReference, IsThatOfOneSave) {
+    AdvancedConfigReader reader;
+    const auto setReference = [&](const std::string& elements) {
+        reader.addStringSource(document(elements), {}, AdvancedConfigReader::System, {"1.0"});
+    };
+    setReference("<Test><a>2</a></Test>");
+    Counted object;
+    object.set(2);
+    EXPECT_EQ(nothing, saveDifferent(object, reader));
+    setReference("<Test><a>3</a></Test>");
+    EXPECT_EQ(document("<Test><a>2</a></Test>"), saveDifferent(object, reader));
+    EXPECT_EQ((Counts{2, 2, 2}), object.take());
+    // Each question by itself is answered by one of its own.
+    EXPECT_TRUE(object.canBeSavedToUserConfig(reader));
+    setReference("<Test><a>2</a></Test>");
+    EXPECT_FALSE(object.canBeSavedToUserConfig(reader));
+    EXPECT_EQ((Counts{2, 2, 2}), object.take());
+}
+
+TEST(SharedReference, IsMadeAnewAfterASaveThatThrew) {
+    AdvancedConfigReader reader;
+    const auto setReference = [&](const std::string& elements) {
+        reader.addStringSource(document(elements), {}, AdvancedConfigReader::System, {"1.0"});
+    };
+    const auto fail = [] { throw std::runtime_error("full"); };
+    setReference("<Test><a>2</a></Test>");
+    Counted object;
+    object.onSave = [&](ConfigWriter&, ConfigReader&) { fail(); };
+    EXPECT_THROW(saveDifferent(object, reader), std::runtime_error);
+    object.onSave = nullptr;
+    setReference("<Test><a>1</a></Test>");
+    EXPECT_FALSE(object.canBeSavedToUserConfig(reader));
+    EXPECT_EQ(nothing, saveDifferent(object, reader));
+    EXPECT_EQ((Counts{3, 3, 3}), object.take());
+
+    object.onLoad = fail;
+    EXPECT_THROW(saveDifferent(object, reader), std::runtime_error);
+    object.onLoad = nullptr;
+    setReference("<Test><a>2</a></Test>");
+    EXPECT_EQ(document("<Test><a>1</a></Test>"), saveDifferent(object, reader));
+    EXPECT_EQ((Counts{2, 2, 1}), object.take());
+}
+
+TEST(SharedReference, IsThatOfEachObject) {
+    SimpleConfigReader reader = readerOf("<Test><a>2</a></Test><Other><a>3</a></Other>");
+    ConfigWriter writer("1.0");
+    Counted first;
+    Counted same;
+    Counted other("Other");
+    for (Counted* object : {&first, &same, &other})
+        writer.putOnlyDifferentClassContents(object == &same ? "Same" : object->getName(),
+                                             object->set(2), reader, "");
+    EXPECT_EQ(document("<Other><a>2</a></Other>"), compact(writer));
+    for (const Counted* object : {&first, &same, &other})
+        EXPECT_EQ(once, object->take());
+}
+
+TEST(SharedReference, IsKeptWhileAnObjectSavesAnotherWithTheSameReader) {
+    SimpleConfigReader reader = readerOf("<Test><a>2</a></Test><Inner><a>3</a></Inner>");
+    Counted inner("Inner");
+    Counted outer;
+    outer.onSave = [&](ConfigWriter& writer, ConfigReader& sameReader) {
+        writer.putOnlyDifferentClassContents("Inner", inner, sameReader, "");
+    };
+    EXPECT_EQ(document("<Test><Inner><a>1</a></Inner><a>1</a></Test>"),
+              saveDifferent(outer, reader));
+    EXPECT_EQ(once, inner.take());
+    EXPECT_EQ(once, outer.take());
+    inner.onSave = [](ConfigWriter&, ConfigReader&) { throw std::runtime_error("full"); };
+    outer.onSave = [save = outer.onSave](ConfigWriter& writer, ConfigReader& sameReader) {
+        EXPECT_THROW(save(writer, sameReader), std::runtime_error);
+    };
+    saveDifferent(outer, reader);
+    EXPECT_EQ(once, outer.take());
+}
+
+TEST(SharedReference, IsNotThatOfAnotherReader) {
+    SimpleConfigReader other = readerOf("<Test><a>1</a></Test>");
+    Counted object;
+    object.onSave = [&](ConfigWriter&, ConfigReader& reader) {
+        EXPECT_FALSE(object.canBeSavedToUserConfig(other));
+        EXPECT_TRUE(object.canBeSavedToUserConfig(reader));
+    };
+    EXPECT_EQ(document("<Test><a>1</a></Test>"), saveDifferent(object, "<Test><a>2</a></Test>"));
+    EXPECT_EQ((Counts{2, 2, 0}), object.take());
+}
+
+class SharedReferenceOfSaves : public Support::ManagerFixture,
+                               public testing::WithParamInterface<Support::SaveMode> {};
+
+INSTANTIATE_TEST_SUITE_P(, SharedReferenceOfSaves, Support::anySaveMode, Support::nameOfMode);
+
+TEST_P(SharedReferenceOfSaves, IsMadeOnceForEachObject) {
+    m_manager.setSaveMode(GetParam());
+    writeFile(m_systemFile, document("<Test><a>2</a></Test><Keyed><a>3</a></Keyed>"));
+    useTwoFiles();
+    const auto object = add(std::make_shared<Counted>());
+    const auto keyed = add(std::make_shared<Counted>("Keyed"), "Keyed", "k");
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0")); // a merge compares with what was loaded, too
+    for (const int a : {4, 5}) {
+        for (const auto& counted : {object, keyed}) {
+            counted->set(a);
+            counted->take();
+        }
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+        for (const auto& counted : {object, keyed})
+            EXPECT_EQ((Counts{1, 1, 1}), counted->take());
+    }
+    EXPECT_EQ(document("<Keyed key=\"k\"><a>5</a></Keyed><Test><a>5</a></Test>"),
+              Support::withoutFormatting(Support::readFile(m_userFile)));
+}
+
 // --- what the reader of a child answers ---------------------------------------------------------
 
 /// Calls back with the reader that the named child gets while its parent is saved.
@@ -334,6 +561,13 @@ std::vector<Question> questions() {
             return told(result, testing::PrintToString(values) + testing::PrintToString(items) +
                                     (editable ? "" : " locked"));
         });
+    for (const std::string name : {"list", "Keyed", "nowhere"})
+        all.push_back([=](ConfigReader& reader) {
+            std::vector<std::string> values = {"former"};
+            bool editable = true;
+            const auto result = reader.getStrings(name, values, editable);
+            return told(result, testing::PrintToString(values) + (editable ? "" : " locked"));
+        });
     for (const std::string name : {"Child", "Far", "Nowhere"})
         all.push_back(loading(
             [=](auto& reader, auto& object) { return reader.getClassContents(name, object); }));
@@ -385,6 +619,9 @@ TEST(ReaderOfAChild, AnswersNothingWhereTheParentHasNoElement) {
         bool editable = true;
         std::map<std::string, bool> items = {{"former", true}};
         EXPECT_EQ(failure, reader.getStringVector("list", values, editable, items));
+        std::vector<std::string> texts = {"former"};
+        EXPECT_EQ(failure, reader.getStrings("list", texts, editable));
+        EXPECT_THAT(texts, IsEmpty());
         EXPECT_THAT(values, IsEmpty());
         EXPECT_THAT(items, IsEmpty());
     });

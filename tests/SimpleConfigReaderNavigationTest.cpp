@@ -595,6 +595,52 @@ TEST(GetStringVector, StopsAtAnItemWithoutText) {
     }
 }
 
+TEST(GetStrings, AnswersAsGetStringVector) {
+    for (const std::string body :
+         {"<L>\n <item>b</item>\n <item> a </item><!-- c -->\n <item/></L>", "<L/>", "<L>text</L>",
+          "<L editable='false'><item>a</item><item editable='false'>b</item></L>",
+          "<L><item>a</item><item>a</item></L>", "<M><item>a</item></M>",
+          "<X><L><g><item>a</item></g></L></X>",
+          "<L editable='false'><item>a</item><item><b>x</b></item><item>b</item></L>"}) {
+        auto reader = openBody(body);
+        const List list(reader);
+        std::vector<std::string> texts = {"before"};
+        bool editable = true;
+        EXPECT_EQ(list.result, reader.getStrings("L", texts, editable)) << body;
+        EXPECT_EQ(list.values, texts) << body;
+        EXPECT_EQ(list.editable, editable) << body;
+    }
+}
+
+/// Has lists of its own.
+class ReaderOfOtherLists : public SimpleConfigReader {
+public:
+    using SimpleConfigReader::SimpleConfigReader;
+
+    ConfigurationAccessResult getStringVector(const std::string& name,
+                                              std::vector<std::string>& values, bool& editable,
+                                              std::map<std::string, bool>&) override {
+        values = {"other " + name};
+        editable = false;
+        return success;
+    }
+};
+
+TEST(GetStrings, AsksAnOverrideOfGetStringVector) {
+    ReaderOfOtherLists reader(FileName(), Support::configuration("<T><L><item>a</item></L></T>"),
+                              {"1.0"});
+    std::vector<std::string> texts;
+    bool editable = true;
+    EXPECT_EQ(success, reader.getStrings("L", texts, editable));
+    EXPECT_THAT(texts, ElementsAre("other L"));
+    EXPECT_FALSE(editable);
+    const auto object = TestObject::make(
+        "T", [](TestObject& fresh) { fresh.add("L", std::vector<std::string>{"default"}); });
+    EXPECT_EQ(success, reader.getClassContents("T", *object));
+    EXPECT_THAT(object->value<std::vector<std::string>>("L").getValue(), ElementsAre("other L"));
+    EXPECT_FALSE(object->value<std::vector<std::string>>("L").isEditable());
+}
+
 // Keys.
 
 TEST(GetKeys, AddsThoseOfTheChildren) {
