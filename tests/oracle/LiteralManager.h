@@ -31,6 +31,7 @@ public:
     void resetConfigurationObject(const std::string& name, const std::string& key,
                                   bool fromUserFile);
     void reset();
+    void releaseMemory() {}
 
     bool hasSystemConfigFileErrors() const { return hasErrors(m_systemFile); }
     bool hasUserConfigFileErrors() const { return hasErrors(m_userFile); }

@@ -74,7 +74,7 @@ public:
     /// Does something at random.
     /// @return what was done, and the answer
     std::string step(Random& random) {
-        switch (random() % 18) {
+        switch (random() % 19) {
         case 0:
         case 1:
             return addOne(random);
@@ -101,6 +101,9 @@ public:
             return oneIn(6, random) ? forget(random) : setFiles(random);
         case 14:
             return setVersions(random);
+        case 15:
+            m_manager.releaseMemory();
+            return "give memory back\n";
         default:
             return changeFile(random);
         }
