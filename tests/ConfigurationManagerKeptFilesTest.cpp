@@ -414,6 +414,24 @@ TEST_F(KeptFiles, AreParsedAgainWhenTheirMemoryWasGivenBack) {
     EXPECT_FALSE(m_manager.haveFilesChanged());
 }
 
+TEST_F(KeptFiles, OfEarlierLoadsAreGivenBackToo) {
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    const auto parsedByASave = [&](bool releases) {
+        m_manager.reset();
+        const auto object = load();
+        writeUser("<Test><b>8</b></Test>");
+        add(makeObject("Later"));
+        object->value<int>("b").setValue(9);
+        if (releases)
+            m_manager.releaseMemory();
+        takeParsed();
+        EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+        return takeParsed();
+    };
+    EXPECT_EQ("u", parsedByASave(false)) << "for writing";
+    EXPECT_EQ("suuu", parsedByASave(true)) << "also what each object was loaded from";
+}
+
 TEST_F(KeptFiles, NeedNotBeThereWhenTheirMemoryIsGivenBack) {
     m_manager.releaseMemory();
     useTwoFiles();
