@@ -361,10 +361,27 @@ TEST_F(KeptFiles, AreKnownToACopyAfterASave) {
     const std::string saved = readFile(m_userFile);
     EXPECT_TRUE(copy.saveConfiguration("1.0"));
     EXPECT_EQ(saved, readFile(m_userFile));
+    // What others wrote is in the file, but not in the object.
     writeUser("<Test><b>9</b></Test>");
     object->child("Child").value<int>("c").setValue(31);
     EXPECT_TRUE(copy.saveConfiguration("1.0"));
-    EXPECT_THAT(withoutFormatting(readFile(m_userFile)), HasSubstr("<b>9</b>"));
+    const ConfigurationManager second = copy;
+    object->child("Child").value<int>("c").setValue(32);
+    EXPECT_TRUE(second.saveConfiguration("1.0"));
+    const std::string merged = withoutFormatting(readFile(m_userFile));
+    EXPECT_THAT(merged, HasSubstr("<b>9</b>"));
+    EXPECT_THAT(merged, HasSubstr("<c>32</c>"));
+}
+
+TEST_F(KeptFiles, ThatWereNotToBeLoadedAreNotOverwrittenByACopy) {
+    m_manager.setSystemFileRequired(true);
+    writeUser("<Test><b>7</b></Test>");
+    useTwoFiles();
+    EXPECT_EQ(2, get(*add(makeObject()), "b"));
+    writeSystem("");
+    const ConfigurationManager copy = m_manager;
+    EXPECT_FALSE(copy.saveConfiguration("1.0"));
+    EXPECT_EQ(ConfigurationSaveReport::NotLoaded, copy.getSaveReport().reason);
 }
 
 TEST_F(KeptFiles, MayBeLoadedByACopyInAnotherThread) {
@@ -419,9 +436,11 @@ TEST_F(KeptFiles, OfEarlierLoadsAreGivenBackToo) {
     const auto parsedByASave = [&](bool releases) {
         m_manager.reset();
         const auto object = load();
-        writeUser("<Test><b>8</b></Test>");
-        add(makeObject("Later"));
-        object->value<int>("b").setValue(9);
+        for (const std::string b : {"8", "9"}) {
+            writeUser("<Test><b>" + b + "</b></Test>");
+            add(makeObject("Later" + b));
+        }
+        object->value<int>("b").setValue(10);
         if (releases)
             m_manager.releaseMemory();
         takeParsed();
@@ -429,7 +448,7 @@ TEST_F(KeptFiles, OfEarlierLoadsAreGivenBackToo) {
         return takeParsed();
     };
     EXPECT_EQ("u", parsedByASave(false)) << "for writing";
-    EXPECT_EQ("suuu", parsedByASave(true)) << "also what each object was loaded from";
+    EXPECT_EQ("suuuu", parsedByASave(true)) << "also what each object was loaded from";
 }
 
 TEST_F(KeptFiles, NeedNotBeThereWhenTheirMemoryIsGivenBack) {

@@ -419,6 +419,19 @@ TEST(SharedReference, IsNotThatOfAnotherReader) {
     EXPECT_EQ((Counts{2, 2, 0}), object.take());
 }
 
+TEST(SharedReference, IsNotThatOfAnotherObject) {
+    SimpleConfigReader reader = readerOf("<Test><a>2</a></Test><Other><a>3</a></Other>");
+    Counted other("Other");
+    Counted object;
+    object.onSave = [&](ConfigWriter&, ConfigReader& sameReader) {
+        EXPECT_FALSE(other.set(3).canBeSavedToUserConfig(sameReader));
+        EXPECT_TRUE(other.set(2).canBeSavedToUserConfig(sameReader));
+    };
+    EXPECT_EQ(document("<Test><a>1</a></Test>"), saveDifferent(object, reader));
+    EXPECT_EQ(once, object.take());
+    EXPECT_EQ((Counts{2, 2, 0}), other.take());
+}
+
 class SharedReferenceOfSaves : public Support::ManagerFixture,
                                public testing::WithParamInterface<Support::SaveMode> {};
 
