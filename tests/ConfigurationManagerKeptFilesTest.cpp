@@ -29,9 +29,7 @@ using Support::writeFile;
 /// An object with "a" (1), "b" (2) and a child "Child" with "c" (3).
 std::shared_ptr<TestObject> makeObject(const std::string& name = "Test") {
     return TestObject::make(name, [](TestObject& object) {
-        object.add("a", 1).add("b", 2);
-        object.addChild(new TestObject("Child"));
-        object.child("Child").add("c", 3);
+        object.add("a", 1).add("b", 2).addChild(&(new TestObject("Child"))->add("c", 3));
     });
 }
 
