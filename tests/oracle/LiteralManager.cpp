@@ -209,8 +209,9 @@ bool LiteralManager::mayBeSaved(const FileName& target, bool differencesOnly) co
         const auto& [system, user] = entry.loaded;
         if (!entry.registration.object->writesContent())
             return true;
-        if (isSame(user.file, target) && !isKnown(user, userNow))
-            return false;
+        for (const Layer& atLoad : {system, user})
+            if (isSame(atLoad.file, target) && !isKnown(atLoad, userNow))
+                return false;
         if (!differencesOnly || !isSame(system.file, m_systemFile))
             return true;
         const bool isLost = system.isAccepted && systemNow.isThere && !systemNow.isAccepted;

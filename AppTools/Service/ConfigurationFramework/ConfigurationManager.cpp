@@ -122,7 +122,8 @@ void ConfigurationManager::addConfigurationObjects(
         if (hasSource)
             ElementAddress(registration).load(*reader, *registration.object);
         if (isRegistered && layers != nullptr)
-            setKnown(registration, {layers, layers, nullptr, !layers->mayLoad()});
+            setKnown(registration,
+                     {.loaded = layers, .layers = layers, .isLoadRefused = !layers->mayLoad()});
     }
 }
 
@@ -235,10 +236,14 @@ void ConfigurationManager::takeOverSaved() const {
                             : m_known.takenOver->withUser(m_known.layers->user);
 }
 
-/// Whether the objects know all that the user's file holds, if it is there.
-bool ConfigurationManager::isTakenOver(bool exists, const std::string& bytes) const {
-    return m_known.takenOver == nullptr ||
-           (m_known.takenOver->user.exists() == exists && m_known.takenOver->user.bytes() == bytes);
+/// Whether the objects know all that a file holds, if it is there.
+bool ConfigurationManager::isTakenOver(const FileName& file, bool exists,
+                                       const std::string& bytes) const {
+    if (m_known.takenOver == nullptr)
+        return true;
+    const LayerDocument& user = m_known.takenOver->user;
+    return isSameFile(user.file(), file) ? user.exists() == exists && user.bytes() == bytes
+                                         : !exists;
 }
 
 bool ConfigurationManager::isAccepted(const std::string& version) const {
@@ -339,7 +344,7 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
         return;
     // The user's file alone neither locks nor unlocks.
     const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
-    const std::unique_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
+    const std::shared_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
                                                                  : nullptr);
     registration.object->setDefaultValues();
 
@@ -358,10 +363,12 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const ConfigurationManagerLayers& seen = m_known.layers == nullptr ? none : *m_known.layers;
     const KnownState* const known = knownOf(registration);
     // What the user's file says stays known after a reset from the system's: the reset is a change.
-    setKnown(registration,
-             {withDocument(known == nullptr ? none : *known->loaded),
-              fromSystemFile ? seen.withSystem(document) : none.withUser(document), nullptr});
+    setKnown(registration, {.loaded = withDocument(known == nullptr ? none : *known->loaded),
+                            .layers = withDocument(seen),
+                            .keptLocks = former});
     m_known.layers = withDocument(seen);
+    if (m_known.takenOver == nullptr)
+        m_known.takenOver = m_known.layers;
     // Even when no file was read: a class may unlock itself when it sets its defaults.
     if (keepsLocks)
         registration.object->restoreLocks(*former);
@@ -399,7 +406,7 @@ bool ConfigurationManager::reloadConfiguration() {
         guard(registration, [&] {
             if (!isUpToDate(registration, reader))
                 loadAnew(registration, reader);
-            setKnown(registration, {layers, layers, nullptr});
+            setKnown(registration, {.loaded = layers, .layers = layers});
         });
     return true;
 }

@@ -341,7 +341,7 @@ private:
     void setKnown(const ConfigurationRegistration& registration, KnownState state) const;
     void setSeen(const std::shared_ptr<const ConfigurationManagerLayers>& saved) const;
     void takeOverSaved() const;
-    bool isTakenOver(bool exists, const std::string& bytes) const;
+    bool isTakenOver(const FileName& file, bool exists, const std::string& bytes) const;
     bool isAccepted(const std::string& version) const;
     void finishFileChange(const FileName& formerTarget);
     bool addSourceToConfigReader(AdvancedConfigReader& reader);

@@ -9,6 +9,7 @@
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -40,19 +41,57 @@ bool isLocked(const DocumentTree& tree, Element element, const WrittenElement& w
     return !tree.isEditable(element) && (!holdsMarkup || written.isGroup() || written.isList());
 }
 
-/// Removes what is locked in a document below an element.
-void removeLocked(DocumentTree& tree, Element parent, WrittenElement& written) {
+/// The child with an identity; null when there is none.
+const WrittenElement* childOf(const WrittenElement* element, const ElementId& id) {
+    if (element == nullptr)
+        return nullptr;
+    const auto found =
+        std::ranges::find(element->children, id, [](const auto& child) { return child.id; });
+    return found == element->children.end() ? nullptr : &*found;
+}
+
+/// Replaces what is locked in a document below an element.
+/// @param replacementOf returns what takes the place of a child, given that and its counterpart in
+///                      the former element (null: none); nothing to remove it
+template <typename Replace>
+void replaceLocked(DocumentTree& tree, Element parent, WrittenElement& written,
+                   const WrittenElement* former, Replace replacementOf) {
     std::erase_if(written.children, [&](WrittenElement& child) {
         const Element element = find(tree, parent, child);
-        if (element == DocumentTree::none)
+        if (element == DocumentTree::none || child.isLocked)
             return false;
-        if (isLocked(tree, element, child))
-            return true;
+        const WrittenElement* const formerChild = childOf(former, child.id);
+        if (isLocked(tree, element, child)) {
+            auto replacement = replacementOf(formerChild);
+            if (replacement)
+                child = std::move(*replacement);
+            return !replacement.has_value();
+        }
         // A value is locked as a whole; locks of a list's items are for nobody.
         if (child.isGroup())
-            removeLocked(tree, element, child);
+            replaceLocked(tree, element, child, formerChild, replacementOf);
         return false;
     });
+}
+
+std::optional<WrittenElement> removed(const WrittenElement* /*former*/) {
+    return std::nullopt;
+}
+
+std::optional<WrittenElement> asBefore(const WrittenElement* former) {
+    return former == nullptr ? std::nullopt : std::optional(*former);
+}
+
+std::optional<WrittenElement> lockedAsBefore(const WrittenElement* former) {
+    auto locked = asBefore(former);
+    if (locked)
+        locked->isLocked = true;
+    return locked;
+}
+
+/// Puts an element into a root of its own.
+WrittenElement inRoot(const WrittenElement& element) {
+    return {.id = {u"Configuration", std::nullopt}, .children = {element}};
 }
 
 } // namespace
@@ -79,7 +118,7 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     const auto now = std::make_shared<const WrittenElement>(
         m_writer.writeInFull(registration, *registration.object));
     const bool isUnchanged = base != nullptr && *base == *now;
-    m_states.push_back({registration, now});
+    m_states.push_back({registration, now, isUnchanged ? nullptr : base});
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
         m_reference.setCompared(registration);
@@ -90,7 +129,11 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     if (isUnchanged && (!stored || !hasMore(*stored, *now)))
         return;
     // What was loaded from the element without a key has to move to the one with the key.
-    if (base != nullptr && (isUnchanged || !isFallbackUsed(registration)))
+    const Element former =
+        isUnchanged || base == nullptr ? DocumentTree::none : fallbackOf(registration);
+    if (former != DocumentTree::none && m_system == nullptr && stored)
+        replaceLocked(m_user.document()->tree, former, *stored, base.get(), lockedAsBefore);
+    if (base != nullptr && former == DocumentTree::none)
         m_base.children.push_back(*base);
     m_now.children.push_back(*now);
     if (stored)
@@ -114,38 +157,65 @@ ConfigurationManagerChanges::baseOf(const ConfigurationRegistration& registratio
         return nullptr; // it is saved as long as nothing has to be compared
     }
     AdvancedConfigReader reader;
-    if (wasLoaded)
+    const ConfigurationObject* const keptLocks = wasLoaded ? known->keptLocks.get() : nullptr;
+    if (wasLoaded && keptLocks == nullptr)
         known->layers->system.addTo(reader, AdvancedConfigReader::System);
     if (wasLoaded && !isLost)
         known->layers->user.addTo(reader, AdvancedConfigReader::User);
     ElementAddress(registration).load(reader, *former);
+    if (keptLocks != nullptr)
+        former->restoreLocks(*keptLocks);
     auto written = m_writer.writeLoaded(registration, *former);
     return written ? std::make_shared<const WrittenElement>(std::move(*written)) : nullptr;
 }
 
-/// Whether the document has the object only under its name without a key.
-bool ConfigurationManagerChanges::isFallbackUsed(
-    const ConfigurationRegistration& registration) const {
+/// @return the element without a key, if the document has none with the object's
+DocumentTree::Element
+ConfigurationManagerChanges::fallbackOf(const ConfigurationRegistration& registration) const {
     const auto document = m_user.document();
     if (!registration.key || document == nullptr)
-        return false;
+        return DocumentTree::none;
     DocumentTree& tree = document->tree;
     return tree.findChild(DocumentTree::root, registration.name,
-                          throughDocument(*registration.key)) == DocumentTree::none &&
-           tree.findChildWithoutKey(DocumentTree::root, registration.name) != DocumentTree::none;
+                          throughDocument(*registration.key)) == DocumentTree::none
+               ? tree.findChildWithoutKey(DocumentTree::root, registration.name)
+               : DocumentTree::none;
 }
 
 std::size_t ConfigurationManagerChanges::mergeInto(xercesc::DOMElement& root) const {
     WrittenElement base = m_base;
     WrittenElement now = m_now;
     WrittenElement stored = m_stored;
-    for (const LayerDocument* const layer : {m_system == nullptr ? &m_user : m_system, m_locking}) {
-        const auto document = layer == nullptr ? nullptr : layer->document();
-        if (document != nullptr)
-            for (WrittenElement* element : {&base, &now, &stored})
-                removeLocked(document->tree, DocumentTree::root, *element);
-    }
+    forEachLocking([&](DocumentTree& tree) {
+        for (WrittenElement* element : {&base, &now, &stored})
+            replaceLocked(tree, DocumentTree::root, *element, nullptr, removed);
+    });
     return mergeChanges(root, {&base, &now, &stored});
+}
+
+/// Calls back with each document whose locks hold.
+template <typename Visit>
+void ConfigurationManagerChanges::forEachLocking(Visit visit) const {
+    for (const LayerDocument* const layer : {m_system == nullptr ? &m_user : m_system, m_locking})
+        if (const auto document = layer == nullptr ? nullptr : layer->document())
+            visit(document->tree);
+}
+
+std::vector<ConfigurationManagerChanges::State> ConfigurationManagerChanges::takeStates() {
+    for (State& state : m_states) {
+        if (state.base == nullptr)
+            continue;
+        // What a lock kept out of the file stays a change: the lock may go.
+        WrittenElement known = inRoot(*state.written);
+        const WrittenElement base = inRoot(*state.base);
+        forEachLocking([&](DocumentTree& tree) {
+            replaceLocked(tree, DocumentTree::root, known, &base, asBefore);
+        });
+        if (!known.children.empty())
+            state.written =
+                std::make_shared<const WrittenElement>(std::move(known.children.front()));
+    }
+    return std::move(m_states);
 }
 
 void ConfigurationManagerChanges::addTo(AdvancedConfigReader& reader) const {

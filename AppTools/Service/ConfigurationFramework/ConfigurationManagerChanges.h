@@ -5,6 +5,7 @@
 #include <ConfigurationFramework/ConfigurationManagerLayers.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/ObjectWriter.h>
+#include <ConfigurationFramework/reading/DocumentTree.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
 #include <cstddef>
@@ -46,9 +47,10 @@ public:
     /// An object as it was added.
     struct State {
         ConfigurationRegistration registration;
-        std::shared_ptr<const WrittenElement> written;
+        std::shared_ptr<const WrittenElement> written; ///< as the file has it with the changes
+        std::shared_ptr<const WrittenElement> base = nullptr; ///< that it differs from; null: none
     };
-    std::vector<State> takeStates() { return std::move(m_states); }
+    std::vector<State> takeStates();
 
 private:
     using Written = std::shared_ptr<const WrittenElement>; ///< null: nothing
@@ -56,7 +58,9 @@ private:
     void add(const ConfigurationRegistration& registration, const Written& base);
     Written baseOf(const ConfigurationRegistration& registration,
                    const ConfigurationManager::KnownState* known);
-    bool isFallbackUsed(const ConfigurationRegistration& registration) const;
+    template <typename Visit>
+    void forEachLocking(Visit visit) const;
+    DocumentTree::Element fallbackOf(const ConfigurationRegistration& registration) const;
 
     const LayerDocument* m_system;
     const LayerDocument& m_user;

@@ -41,7 +41,7 @@ ConfigurationManager::Knowledge::Knowledge(const Knowledge& other) {
                                      ? nullptr
                                      : std::make_shared<const KnownState>(
                                            copy.of(state->loaded), copy.of(state->layers),
-                                           state->written, state->isLoadRefused));
+                                           state->written, state->keptLocks, state->isLoadRefused));
 }
 
 void ConfigurationManager::Knowledge::releaseTrees() const {

@@ -16,7 +16,10 @@ struct ConfigurationManager::KnownState {
     /// The files that give the object as it was last loaded, reset or saved; never null.
     std::shared_ptr<const ConfigurationManagerLayers> layers;
     /// The object as it was then, if it is not what a load from these files gives; null: it is.
-    std::shared_ptr<const WrittenElement> written;
+    std::shared_ptr<const WrittenElement> written = nullptr;
+    /// The object before a reset from the user's file alone, whose locks stayed; null: there was
+    /// none.
+    std::shared_ptr<const ConfigurationObject> keptLocks = nullptr;
     /// The object was registered, but the files were not to be loaded.
     bool isLoadRefused = false;
 };

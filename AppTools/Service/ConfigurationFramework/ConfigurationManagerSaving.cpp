@@ -128,8 +128,7 @@ void forEachWritten(const Objects& objects, Write write) {
     }
 }
 
-void makeFolderOf(const FileName& file) {
-    const auto folder = toPath(file).parent_path();
+void makeFolder(const std::filesystem::path& folder) {
     std::error_code error;
     if (!folder.empty() && !std::filesystem::create_directories(folder, error) && error)
         throw failureOf(error);
@@ -163,7 +162,7 @@ bool ConfigurationManager::Saving::run(const std::string& version) {
 
 /// Writes the document that holds all objects, over what the file holds for them.
 void ConfigurationManager::Saving::write(const std::string& version) {
-    checkUserFile();
+    checkTarget();
     bool wasTakenOver = true;
     auto writer = openTarget(version, wasTakenOver);
     dropRemoved(ConfigWriterImpl::of(*writer));
@@ -179,13 +178,13 @@ void ConfigurationManager::Saving::write(const std::string& version) {
 std::unique_ptr<ConfigWriter> ConfigurationManager::Saving::openTarget(const std::string& version,
                                                                        bool& isTakenOver) const {
     if (!FileUtilities::exists(m_target)) {
-        isTakenOver = m_manager.isTakenOver(false, "");
+        isTakenOver = m_manager.isTakenOver(m_target, false, "");
         return std::make_unique<ConfigWriter>(version);
     }
     const FileBytes file = readBytes(m_target);
     if (file.error)
         throw failureOf(file.error);
-    isTakenOver = m_manager.isTakenOver(true, *file.bytes);
+    isTakenOver = m_manager.isTakenOver(m_target, true, *file.bytes);
     try {
         // What the file holds for others survives.
         return ConfigWriterImpl::open(*file.bytes);
@@ -216,7 +215,7 @@ void ConfigurationManager::Saving::putDifferences(ConfigWriter& writer) {
 /// @return number of elements that were there
 std::size_t ConfigurationManager::Saving::dropRemoved(ConfigWriterImpl& document) const {
     std::size_t count = 0;
-    if (isOwnTarget())
+    if (isLoadedFile())
         for (const auto& [name, key] : m_manager.m_removed)
             count += document.deleteObject(name, key) ? 1 : 0;
     return count;
@@ -227,22 +226,24 @@ bool ConfigurationManager::Saving::isLoadedFile() const {
     return isSameFile(m_target, m_manager.targetFile());
 }
 
-/// Whether this is what saveConfiguration() does: what is known of the objects is known of that.
-bool ConfigurationManager::Saving::isOwnTarget() const {
-    return m_differencesOnly || (m_manager.m_fileMode == SingleFile && isLoadedFile());
-}
-
 /// Stores a document that holds all objects.
 void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     const auto layers = store(ConfigWriterImpl::of(writer));
-    if (isLoadedFile())
-        m_manager.setSeen(layers);
-    if (!isOwnTarget())
+    if (!isLoadedFile())
         return;
+    const auto known = setSeen(layers);
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
-            setSaved(registration, layers, nullptr);
+            setSaved(registration, known, nullptr);
+}
+
+/// Keeps what the files hold after a save.
+/// @return that, with the system file as it was read last
+std::shared_ptr<const ConfigurationManagerLayers> ConfigurationManager::Saving::setSeen(
+    const std::shared_ptr<const ConfigurationManagerLayers>& saved) const {
+    m_manager.setSeen(saved);
     m_manager.m_removed.clear();
+    return m_differencesOnly ? saved : m_manager.m_known.layers;
 }
 
 /// Keeps what was saved of an object, beside what is known of its load.
@@ -267,24 +268,28 @@ void ConfigurationManager::Saving::forEachKnown(Check check) const {
 }
 
 /// @throws SaveFailure where what the target holds would be lost because an object does not know it
-void ConfigurationManager::Saving::checkUserFile() {
+void ConfigurationManager::Saving::checkTarget() {
     forEachKnown([&](const std::string& name, const KnownState& known) {
-        const LayerDocument& atLoad = known.loaded->user;
-        if (!isSameFile(atLoad.file(), m_target))
-            return;
-        if (known.isLoadRefused)
-            throw SaveFailure(Report::NotLoaded, "the object \"" + name +
-                                                     "\" was not loaded, for want of " +
-                                                     quoted(m_manager.m_systemFile));
-        // An empty file is what a crash leaves, but also one that is just being written: it only
-        // counts as missing where nothing is overwritten.
-        const bool countsAsMissing = m_manager.m_saveMode == Merge && atLoad.isEmptyFile();
-        if (!atLoad.isRefused() || countsAsMissing)
-            return;
-        if (m_user.file().empty())
-            m_user = readUserFile();
-        checkLayer(atLoad, m_user, name);
+        for (const LayerDocument* atLoad : {&known.loaded->system, &known.loaded->user})
+            if (isSameFile(atLoad->file(), m_target))
+                checkTarget(name, known, *atLoad);
     });
+}
+
+void ConfigurationManager::Saving::checkTarget(const std::string& name, const KnownState& known,
+                                               const LayerDocument& atLoad) {
+    if (known.isLoadRefused)
+        throw SaveFailure(Report::NotLoaded, "the object \"" + name +
+                                                 "\" was not loaded, for want of " +
+                                                 quoted(m_manager.m_systemFile));
+    // An empty file is what a crash leaves, but also one that is just being written: it only counts
+    // as missing where nothing is overwritten.
+    const bool countsAsMissing = m_manager.m_saveMode == Merge && atLoad.isEmptyFile();
+    if (!atLoad.isRefused() || countsAsMissing)
+        return;
+    if (m_user.file().empty())
+        m_user = readUserFile();
+    checkLayer(atLoad, m_user, name);
 }
 
 /// @throws SaveFailure where what the system file says and locks would be ignored
@@ -325,7 +330,7 @@ LayerDocument ConfigurationManager::Saving::readUserFile() const {
 
 /// Merges what changed into what the file holds now.
 void ConfigurationManager::Saving::merge(const std::string& version) {
-    makeFolderOf(m_target);
+    makeFolder(followLinks(toPath(m_target)).back().parent_path());
     const FileLock lock(m_target, m_manager.m_lockTimeout);
     if (lock.state() == FileLock::State::Busy)
         throw SaveFailure(Report::Busy, "another process is saving it");
@@ -334,8 +339,8 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
         s_log.logERROR(quoted(m_target) + " is empty and counts as missing", __FILE__, __func__,
                        __LINE__);
     else if (m_user.isRefused())
-        throw failureOf(m_user);
-    checkUserFile();
+        throw m_user.error() ? failureOf(m_user.error()) : failureOf(m_user);
+    checkTarget();
     if (m_differencesOnly)
         readSystemFile();
     if (!m_user.isAccepted() && !m_manager.isAccepted(version))
@@ -346,15 +351,12 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     m_manager.m_saveReport = {};
     const auto layers = mergeInto(changes, version);
     if (isLoadedFile()) {
-        const bool wasTakenOver = m_manager.isTakenOver(m_user.exists(), m_user.bytes());
-        m_manager.setSeen(layers);
+        const bool wasTakenOver = m_manager.isTakenOver(m_target, m_user.exists(), m_user.bytes());
+        const auto known = setSeen(layers);
         if (wasTakenOver) // else it holds what others wrote meanwhile
             m_manager.takeOverSaved();
-    }
-    if (isOwnTarget()) {
-        for (auto& [registration, written] : changes.takeStates())
-            setSaved(registration, layers, written);
-        m_manager.m_removed.clear();
+        for (const auto& state : changes.takeStates())
+            setSaved(state.registration, known, state.written);
     }
     Report& report = m_manager.m_saveReport;
     if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)
@@ -386,8 +388,10 @@ void ConfigurationManager::Saving::findChanges(ConfigurationManagerChanges& chan
 std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManager::Saving::mergeInto(const ConfigurationManagerChanges& changes,
                                         const std::string& version) {
-    const bool isOtherVersion = m_user.version() != version && m_manager.isAccepted(version);
-    const bool dropsRemoved = isOwnTarget() && !m_manager.m_removed.empty();
+    // Of another file than the objects', only a new one gets the version.
+    const bool isOtherVersion =
+        isLoadedFile() && m_user.version() != version && m_manager.isAccepted(version);
+    const bool dropsRemoved = isLoadedFile() && !m_manager.m_removed.empty();
     if (isOtherVersion || dropsRemoved || !changes.empty()) {
         const auto document = m_user.isAccepted() ? ConfigWriterImpl::openBytes(m_user.bytes())
                                                   : std::make_unique<ConfigWriterImpl>(version);
@@ -409,6 +413,11 @@ void ConfigurationManager::Saving::readSystemFile() {
     checkSystemFile();
 }
 
+/// Whether a file is the system's; none is, where there is only one file.
+bool ConfigurationManager::Saving::isSystemFile(const FileName& file) const {
+    return m_differencesOnly ? isSameFile(file, m_manager.m_systemFile) : file.empty();
+}
+
 /// Whether it is known what an object had in the target, and that is still there.
 bool ConfigurationManager::Saving::isKnownInTarget(
     const ConfigurationRegistration& registration) const {
@@ -416,7 +425,9 @@ bool ConfigurationManager::Saving::isKnownInTarget(
     const auto wasItsElement = [&](const Address& removed) {
         return removed.first == registration.name && (!removed.second || !registration.key);
     };
-    return isOwnTarget() && known != nullptr && isSameFile(known->layers->user.file(), m_target) &&
+    const bool isInFull = m_manager.m_fileMode == SystemAndUserFile && !m_differencesOnly;
+    return !isInFull && known != nullptr && isSameFile(known->layers->user.file(), m_target) &&
+           isSystemFile(known->layers->system.file()) &&
            std::ranges::none_of(m_manager.m_removed, wasItsElement);
 }
 

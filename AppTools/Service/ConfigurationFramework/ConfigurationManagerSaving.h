@@ -58,7 +58,6 @@ private:
     std::unique_ptr<ConfigWriter> openTarget(const std::string& version, bool& isTakenOver) const;
     std::size_t dropRemoved(ConfigWriterImpl& document) const;
     bool isLoadedFile() const;
-    bool isOwnTarget() const;
     void storeAll(const ConfigWriter& writer);
     void merge(const std::string& version);
     const LayerDocument* lockingSystem() const;
@@ -66,16 +65,20 @@ private:
     std::shared_ptr<const ConfigurationManagerLayers>
     mergeInto(const ConfigurationManagerChanges& changes, const std::string& version);
     std::shared_ptr<const ConfigurationManagerLayers> store(ConfigWriterImpl& document) const;
+    std::shared_ptr<const ConfigurationManagerLayers>
+    setSeen(const std::shared_ptr<const ConfigurationManagerLayers>& saved) const;
     void setSaved(const ConfigurationRegistration& registration,
                   std::shared_ptr<const ConfigurationManagerLayers> layers,
                   std::shared_ptr<const WrittenElement> written) const;
 
     template <typename Check>
     void forEachKnown(Check check) const;
-    void checkUserFile();
+    void checkTarget();
+    void checkTarget(const std::string& name, const KnownState& known, const LayerDocument& atLoad);
     void checkSystemFile() const;
     static void checkLayer(const LayerDocument& atLoad, const LayerDocument& now,
                            const std::string& name);
+    bool isSystemFile(const FileName& file) const;
     bool isKnownInTarget(const ConfigurationRegistration& registration) const;
     FileName knownTarget() const;
     LayerDocument readUserFile() const;

@@ -90,8 +90,9 @@ void ElementWriter::createNode(const std::string& name, const std::string& comme
 
 void ElementWriter::createKeyedNode(const std::string& name, const std::string& key,
                                     const std::string& comment) {
+    XmlString tag = toValidTag(name);
     const XmlString keyText = toText(key, name);
-    replace({toValidTag(name), keyText}, keyText, name, comment);
+    replace({std::move(tag), keyText}, keyText, name, comment);
 }
 
 /// Appends an element in place of the selected children.
@@ -161,6 +162,7 @@ void ElementWriter::putStringVector(const std::string& name, const std::vector<s
                                     const std::string& comment) {
     createNode(name, comment);
     WrittenElement& list = m_current.element->children.back();
+    list.isStrings = true;
     list.children.reserve(values.size());
     for (const std::string& value : values)
         setText(list.children.emplace_back(WrittenElement{{itemTag, std::nullopt}}),

@@ -152,7 +152,7 @@ std::size_t replaceValue(DOMElement& parent, Siblings& siblings, DOMElement* pre
         return 1;
     }
     if (present == nullptr) {
-        DOMElement& added = append(parent, change.stored->id, change.stored->comment);
+        DOMElement& added = append(parent, *change.stored);
         siblings.add(added);
         fill(added, *change.stored);
         return 1;
@@ -206,10 +206,10 @@ void keepListsReadable(DOMElement& group, const ElementChange& change) {
             continue;
         hiding.reset(); // elements stand elsewhere from here on
         DOMElement* present = Siblings(group).find(list.id, false);
-        if (present == nullptr) {
-            present = &append(group, list.id, list.comment);
+        if (present == nullptr)
+            present = &append(group, list);
+        if (!holds(*present, list))
             fill(*present, list);
-        }
         DOMNode* const comment = commentBefore(*present);
         DOMNode* const front = group.getFirstChild();
         if (comment != nullptr)
@@ -224,7 +224,7 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
         return 0;
     const bool isNew = present == nullptr;
     if (isNew) {
-        present = &append(parent, change.stored->id, change.stored->comment);
+        present = &append(parent, *change.stored);
         siblings.add(*present);
     }
     const std::size_t count = mergeChanges(*present, change);

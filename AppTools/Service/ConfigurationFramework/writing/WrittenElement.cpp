@@ -44,9 +44,7 @@ bool WrittenElement::isGroup() const {
 }
 
 bool WrittenElement::isList() const {
-    return text.empty() && std::ranges::all_of(children, [](const WrittenElement& child) {
-               return child.id.tag == itemTag;
-           });
+    return isStrings || (text.empty() && children.empty());
 }
 
 ElementId identityOf(const xercesc::DOMElement& element) {
@@ -83,17 +81,22 @@ WrittenElement copyOf(const xercesc::DOMElement& element) {
             copy.children.push_back(copyOf(*child));
     if (copy.children.empty())
         copy.text = element.getTextContent();
+    copy.isStrings = !copy.children.empty() &&
+                     std::ranges::all_of(copy.children, [](const WrittenElement& child) {
+                         return child.id.tag == itemTag && !child.id.key;
+                     });
     return copy;
 }
 
-xercesc::DOMElement& append(xercesc::DOMElement& parent, const ElementId& id,
-                            const XmlString& comment) {
+xercesc::DOMElement& append(xercesc::DOMElement& parent, const WrittenElement& written) {
     xercesc::DOMDocument& document = *parent.getOwnerDocument();
-    xercesc::DOMElement& element = *document.createElement(id.tag.c_str());
-    if (id.key)
-        element.setAttribute(keyAttribute, id.key->c_str());
-    if (!comment.empty())
-        parent.appendChild(document.createComment(comment.c_str()));
+    xercesc::DOMElement& element = *document.createElement(written.id.tag.c_str());
+    if (written.id.key)
+        element.setAttribute(keyAttribute, written.id.key->c_str());
+    if (written.isLocked)
+        element.setAttribute(u"editable", u"false");
+    if (!written.comment.empty())
+        parent.appendChild(document.createComment(written.comment.c_str()));
     parent.appendChild(&element);
     return element;
 }
@@ -102,7 +105,7 @@ void fill(xercesc::DOMElement& element, const WrittenElement& contents) {
     while (xercesc::DOMNode* const child = element.getFirstChild())
         element.removeChild(child)->release();
     for (const WrittenElement& child : contents.children)
-        fill(append(element, child.id, child.comment), child);
+        fill(append(element, child), child);
     if (!contents.text.empty())
         element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
 }

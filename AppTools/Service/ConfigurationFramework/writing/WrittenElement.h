@@ -28,7 +28,9 @@ struct WrittenElement {
     XmlString comment = {}; ///< right before it; empty: none
     XmlString text = {};    ///< of an element without child elements
     std::vector<WrittenElement> children = {};
-    bool hasText = false; ///< whether a text was put into it, be that empty; unknown to a copy
+    bool hasText = false;   ///< whether a text was put into it, be that empty; unknown to a copy
+    bool isStrings = false; ///< whether it was put as a list
+    bool isLocked = false;  ///< whether it gets the lock of the element that it is a copy of
 
     /// Whether both hold the same. Comments do not count.
     bool operator==(const WrittenElement& other) const;
@@ -49,9 +51,8 @@ bool hasMore(const WrittenElement& differing, const WrittenElement& full);
 ///         may be nested deeper than the stack
 WrittenElement copyOf(const xercesc::DOMElement& element);
 
-/// Appends an empty element.
-xercesc::DOMElement& append(xercesc::DOMElement& parent, const ElementId& id,
-                            const XmlString& comment);
+/// Appends an empty element with the comment, key and lock of another.
+xercesc::DOMElement& append(xercesc::DOMElement& parent, const WrittenElement& written);
 
 /// Gives an element the contents of another; its attributes stay.
 void fill(xercesc::DOMElement& element, const WrittenElement& contents);
