@@ -130,13 +130,27 @@ TEST_F(ConfigurationManagerExplain, CallsAValueThatWasChangedTheUsers) {
     EXPECT_EQ(Lines{"View/Zoom = '3' user | '2' | '3' | user.xml:1"}, explained());
 }
 
-TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAtTheLastLoad) {
-    writeOne("<View><Zoom>5</Zoom></View>");
+TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAtTheLastLoadOfTheObject) {
+    writeTwo("<View><Zoom>5</Zoom></View>", "");
     addView();
-    writeFile(m_file, document("\n\n<View><Zoom>6</Zoom></View>"));
-    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '5' | settings.xml:1"}, explained());
+    const Lines asLoaded{"View/Zoom = '5' system | '5' | - | system.xml:1"};
+    writeTwo("\n\n<View><Zoom>6</Zoom></View>", "");
+    EXPECT_EQ(asLoaded, explained());
     add(std::make_shared<TestObject>("Other"));
-    EXPECT_EQ(Lines{"View/Zoom = '5' user | - | '6' | :0"}, explained());
+    EXPECT_EQ(asLoaded, explained());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(Lines{"View/Zoom = '6' system | '6' | - | system.xml:3"}, explained());
+}
+
+TEST_F(ConfigurationManagerExplain, KnowsWhereAValueIsFromThatOthersChangedMeanwhile) {
+    writeTwo("<View><Zoom>5</Zoom></View>", "");
+    const auto view = addView();
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    writeFile(m_userFile, document("<View><Zoom>7</Zoom></View>"));
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_EQ(Lines{"View/Zoom = '5' system | '5' | '7' | system.xml:1"}, explained());
+    view->value<int>("Zoom").setValue(6);
+    EXPECT_EQ(Lines{"View/Zoom = '6' user | '5' | '7' | :0"}, explained());
 }
 
 TEST_F(ConfigurationManagerExplain, IsAboutTheFilesAfterASave) {

@@ -426,13 +426,19 @@ std::vector<ConfigurationOrigin> ConfigurationManager::explain() const {
     const auto layers = m_known.layers == nullptr
                             ? std::make_shared<const ConfigurationManagerLayers>()
                             : m_known.layers;
-    ConfigurationManagerExplaining explaining(*layers);
+    ConfigurationManagerExplaining explaining;
     for (const ConfigurationRegistration& registration : getRegistrations()) {
+        const auto found = m_known.objects.find({registration.name, registration.key});
+        const auto known = found == m_known.objects.end() ? nullptr : found->second;
         // Other files may be set by now.
-        const KnownState* const known = knownOf(registration);
         const bool isLoaded = known != nullptr && !known->isLoadRefused &&
-                              known->layers->user.isOf(layers->user.file());
-        guardUnwritable(registration, [&] { explaining.add(registration, isLoaded); });
+                              isSameFile(known->layers->user.file(), layers->user.file());
+        guardUnwritable(registration, [&] {
+            if (isLoaded)
+                explaining.add(registration, {known->layers, known->loaded});
+            else
+                explaining.addUnloaded(registration, layers);
+        });
     }
     return explaining.takeOrigins();
 }

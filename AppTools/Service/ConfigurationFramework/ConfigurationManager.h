@@ -229,13 +229,14 @@ public:
     ///         name is left out, with an error in the log
     std::vector<ConfigurationProblem> getLoadProblems() const;
     /// Tells for every value of every registered object where it comes from, according to the files
-    /// as they were at the last load or save. Includes values that are never saved, and what a
-    /// class saves besides its values.
+    /// as they were when the object was last loaded, reset or saved. Includes values that are never
+    /// saved, and what a class saves besides its values.
     ///
-    /// A value that is not what the files give was changed by the application: its layer is the
-    /// user's, without file and line. What the system file locks is decided by the system file, or
-    /// is the default if the text there does not convert. What a class locks when it is constructed
-    /// is never loaded: it is the default, whatever the files say.
+    /// A value that is not what the files gave then, or at the load before, was changed by the
+    /// application: its layer is the user's, without file and line. What
+    /// the system file locks is decided by the system file, or is the default if the text there
+    /// does not convert. What a class locks when it is constructed is never loaded: it is the
+    /// default, whatever the files say.
     /// @return origins in the order of saving; in an object, values come before children, and these
     ///         before what else the class saves
     /// @throws std::logic_error when createConfigurationObject() of an object returns null, and

@@ -1,45 +1,100 @@
 #include <ConfigurationFramework/ConfigurationManagerExplaining.h>
 
+#include <optional>
+
 namespace Orvant {
 
-void ConfigurationManagerExplaining::add(const ConfigurationRegistration& registration,
-                                         bool isLoaded) {
-    ConfigurationManagerSettings former(m_layers);
-    former.addFresh(registration, isLoaded);
-    SettingPairs pairs(former.settings());
-    ConfigurationManagerSettings now(m_layers);
-    now.add(registration, *registration.object);
-    for (const Setting& setting : now.settings()) {
-        if (setting.isGroup)
-            continue;
-        ConfigurationOrigin origin = originOf(setting);
-        const Setting* const before = pairs.take(setting);
-        if (before == nullptr || before->text != setting.text)
-            origin.layer = ConfigurationOrigin::User; // changed since
-        else if (const auto layer = before->decidingLayer(m_layers); isLoaded && layer)
-            setLayer(*layer, before->elements[*layer], origin);
-        m_origins.push_back(std::move(origin));
-    }
-}
+namespace {
 
 /// All but the deciding layer.
-ConfigurationOrigin ConfigurationManagerExplaining::originOf(const Setting& setting) const {
+ConfigurationOrigin originOf(const Setting& setting, const LocatedLayers& layers) {
     return {.path = setting.path,
             .value = setting.text,
-            .layer = ConfigurationOrigin::Default,
+            .layer = ConfigurationOrigin::User, // changed since
             .locked = !setting.lockedBy.empty(),
             .lockedBy = setting.lockedBy,
-            .systemValue = setting.textIn(SystemLayer, m_layers),
-            .userValue = setting.textIn(UserLayer, m_layers),
+            .systemValue = setting.textIn(SystemLayer, layers),
+            .userValue = setting.textIn(UserLayer, layers),
             .file = {},
             .line = 0};
 }
 
-void ConfigurationManagerExplaining::setLayer(FileLayer layer, DocumentTree::Element element,
-                                              ConfigurationOrigin& origin) const {
-    origin.layer = layer == UserLayer ? ConfigurationOrigin::User : ConfigurationOrigin::System;
-    origin.file = m_layers.file(layer).file();
-    origin.line = m_layers.document(layer)->items()[element].place.line;
+} // namespace
+
+/// What the files of one time make of a fresh object.
+class ConfigurationManagerExplaining::Source {
+public:
+    Source(const ConfigurationRegistration& registration, const LocatedLayers& layers,
+           bool isLoaded)
+        : m_layers(&layers), m_isLoaded(isLoaded), m_settings(layers) {
+        m_settings.addFresh(registration, isLoaded);
+        m_pairs.emplace(m_settings.settings());
+    }
+
+    /// @return the setting as these files give it; null when they do not
+    const Setting* take(const Setting& setting) { return m_pairs->take(setting); }
+    /// Says which layer decided a setting that these files give.
+    void decide(const Setting& given, ConfigurationOrigin& origin) const {
+        const auto layer = given.decidingLayer(*m_layers);
+        origin.layer = ConfigurationOrigin::Default;
+        if (!m_isLoaded || !layer)
+            return;
+        origin.layer =
+            *layer == UserLayer ? ConfigurationOrigin::User : ConfigurationOrigin::System;
+        origin.file = m_layers->file(*layer).file();
+        origin.line = m_layers->document(*layer)->items()[given.elements[*layer]].place.line;
+    }
+    const LocatedLayers& layers() const { return *m_layers; }
+
+private:
+    const LocatedLayers* m_layers;
+    bool m_isLoaded;
+    ConfigurationManagerSettings m_settings;
+    std::optional<SettingPairs> m_pairs;
+};
+
+void ConfigurationManagerExplaining::add(const ConfigurationRegistration& registration,
+                                         const std::vector<Layers>& files) {
+    std::vector<Source> sources;
+    sources.reserve(files.size());
+    for (const Layers& layers : files)
+        sources.emplace_back(registration, located(layers), true);
+    add(registration, std::move(sources));
+}
+
+void ConfigurationManagerExplaining::addUnloaded(const ConfigurationRegistration& registration,
+                                                 const Layers& files) {
+    std::vector<Source> sources;
+    sources.emplace_back(registration, located(files), false);
+    add(registration, std::move(sources));
+}
+
+void ConfigurationManagerExplaining::add(const ConfigurationRegistration& registration,
+                                         std::vector<Source> sources) {
+    const LocatedLayers& latest = sources.front().layers();
+    ConfigurationManagerSettings now(latest);
+    now.add(registration, *registration.object);
+    for (const Setting& setting : now.settings()) {
+        if (setting.isGroup)
+            continue;
+        ConfigurationOrigin origin = originOf(setting, latest);
+        bool isOpen = true;
+        for (Source& source : sources) {
+            const Setting* const given = source.take(setting); // of all: values may share a path
+            if (!isOpen || given == nullptr || given->text != setting.text)
+                continue;
+            source.decide(*given, origin);
+            isOpen = false;
+        }
+        m_origins.push_back(std::move(origin));
+    }
+}
+
+const LocatedLayers& ConfigurationManagerExplaining::located(const Layers& files) {
+    auto& found = m_located[files];
+    if (found == nullptr)
+        found = std::make_unique<const LocatedLayers>(*files);
+    return *found;
 }
 
 } // namespace Orvant
