@@ -110,13 +110,12 @@ NOTES = """
 
 Counted in millions of instructions (callgrind, 1,000 × 20), which are the same in every run:
 
-| Load | 174 | | Save one changed value | 318 |
-|---|---|---|---|---|
-| Xerces scans both files | 74 | | Xerces scans the system file, the tree is filled | 87 |
-| the tree is filled and freed | 27 | | the user's file becomes a DOM | 52 |
-| the application makes its objects | 19 | | fresh objects with the system's values, twice | 69 |
-| values of both layers are read | 21 | | comparing, deleting and making elements | 80 |
-| copies with the system's values, and back | 30 | | the DOM becomes text, and a file | 28 |
+| Load | 181 | | Save one changed value by `InPlace` | 211 | | by `Merge` | 239 |
+|---|---|---|---|---|---|---|---|
+| Xerces scans both files, the trees are filled | 108 | | the user's file becomes a DOM | 59 | | the same | 44 |
+| the application makes its objects | 19 | | fresh objects with the system's values | 27 | | the same | 27 |
+| values of both layers are read | 18 | | comparing, deleting and making elements | 92 | | each object is written, in full and what differs | 110 |
+| copies with the system's values, and back | 24 | | the DOM becomes text, and a file | 23 | | the same | 17 |
 
 - **Load against the DOM parse** (548): 0.32 of its instructions. In time it is 0.34 to 0.35 when these
   two are measured by themselves, and more in the mix of all, presumably because of the state of the heap
@@ -126,18 +125,18 @@ Counted in millions of instructions (callgrind, 1,000 × 20), which are the same
   allows. The 148 that 0.6 of QSettings allows would be within reach without the copy of each object that
   the locks are restored from: the application's class makes it, and decides what belongs to it.
 - **Save against KConfig** (26): KConfig knows which entry was changed and merges that into the user's
-  file. Here a save reads the system file as it is now, lets each object decide, by a fresh object that
-  holds the reference, what goes into the user's file, and keeps what other programs wrote there. To come
-  near, the system file would have to be kept between saves, changes noted in the values instead of found
-  by comparing, and the file edited as text. Then an object that overrides how it is saved, or a system
-  file that changes meanwhile, would be ignored: that is too high a price.
+  file. Here a save reads the system file as it is now (it is parsed only if its bytes have changed), lets
+  each object decide, by a fresh object that holds the reference, what goes into the user's file, and keeps
+  what other programs wrote there. To come nearer, changes would have to be noted in the values instead of
+  found by comparing, and the file edited as text. Then an object that overrides how it is saved would be
+  ignored: that is too high a price.
 - **A save without a change against KConfig**: its `sync` returns at once as long as nothing was set: no
   object is looked at, and no file. Here a value does not tell that it was set; `Merge` compares what each
   object would write with what it wrote before. KConfig's `sync` of a value that was set and set back,
   which also reads and writes, is the nearest thing to compare with.
-- **The first `Merge` after a load against `InPlace`** (1,959): every object is written in full, as it is
-  and as it was loaded, 835 each, nearly all of it in Xerces' DOM. What a class writes is up to its own
-  saving, so nothing less tells what has changed. Later saves know what was written and write once.
+- **`Merge` against `InPlace`**: every object is written in full, to find out whether it changed: what a
+  class writes is up to its own saving, so nothing less tells. The first save after a load (391) also
+  writes each object as it was loaded; later saves know what was written.
 - **Growth**: getKeys returns a sorted set, whose time grows with n log n. Look-ups by as many names grow
   less than those in a `std::unordered_set`, and edits by as many names grow like Xerces' own parse of
   them. In the two rows of schemas, instructions grow 11.6 and 11.3 times; the rest is memory: 50,000
