@@ -169,8 +169,9 @@ public:
         /// comments included. Where both changed a value, this process wins.
         ///
         /// All processes that save like this wait for each other, with a lock on the file
-        /// "FILE.lock", which is made with the rights of FILE, if the process may give it these,
-        /// and never deleted; where it cannot be made or locked, the save goes on without it and
+        /// "FILE.lock", which is made with the rights of FILE, as far as the process may give it
+        /// these, and never deleted. Links lead to one lock, other hard links of a file do not;
+        /// where it cannot be made or locked, the save goes on without it and
         /// the report says so. Without a change nothing is written. Missing folders are made. A
         /// file that is damaged or of a version that is not accepted is never overwritten; an empty
         /// one counts as missing. Locked values are not written, not even if the application set
@@ -181,7 +182,9 @@ public:
         /// file held which is missing by now: it may have been lost. A reset to the system file's
         /// values is a change. Objects that were registered before the files were set, or loaded
         /// from others, replace what the file holds for them, as in the other modes. An object that
-        /// is loaded from the element without its key is copied to one with the key.
+        /// is loaded from the element without its key is copied to one with the key; with one file,
+        /// what is locked there stays as it is and locked. A change that a lock kept out of the
+        /// file stays a change.
         Merge = 2
     };
     /// @param mode how saves work from now on; InPlace at first
