@@ -208,7 +208,7 @@ std::string ConfigurationManagerChecking::Document::takenFrom(FileLayer layer,
     LocatedDocument& document = *m_layers.document(layer);
     const Element element = setting.elements[layer];
     const Conversion conversion = convert(document, element, setting.value->getValueType());
-    const std::string result = shown(conversion.result, setting);
+    std::string result = shown(conversion.result, setting);
     if (layer == m_layer)
         return result;
     return (layer == SystemLayer ? "the system file's " : "the user file's ") +
