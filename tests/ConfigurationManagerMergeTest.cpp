@@ -490,6 +490,92 @@ TEST_P(ConfigurationManagerMerge, SavesInPlaceAndWithoutALockWhereTheFolderTakes
     EXPECT_EQ("<Test><b>6</b><a>5</a></Test>", contents());
 }
 
+TEST_P(ConfigurationManagerMerge, MakesTheFolderThatALinkLeadsInto) {
+    std::filesystem::create_symlink("deep/er/real.xml", m_target.toPath());
+    add(makeObject())->value<int>("a").setValue(5);
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(std::filesystem::is_symlink(m_target.toPath()));
+    EXPECT_EQ(document("<Test><a>5</a></Test>"),
+              withoutFormatting(readFile(m_directory.file("deep/er/real.xml"))));
+}
+
+TEST_P(ConfigurationManagerMerge, SavesWhatALockKeptOutAsSoonAsTheLockIsGone) {
+    const FileName& locking = GetParam() ? m_systemFile : m_file;
+    const std::string unlocked = "<Test><a>5</a><Child><c>6</c></Child></Test>";
+    for (const std::string element : {"<a>", "<Child>", "<c>", "<Test>"}) {
+        m_manager.removeConfigurationObject("Test");
+        if (GetParam())
+            write("");
+        writeFile(locking, document(unlocked));
+        const auto object = add(makeObject());
+        object->value<int>("a").setValue(21);
+        object->child("Child").value<int>("c").setValue(31);
+        const std::string lock = " editable=\"false\"";
+        std::string locked = document(unlocked);
+        locked.insert(locked.find(element) + element.size() - 1, lock);
+        writeFile(locking, locked);
+        for (int saves = 0; saves < 2; ++saves) {
+            EXPECT_TRUE(save());
+            const bool savesA = element == "<c>" || element == "<Child>";
+            EXPECT_EQ(savesA, contents().find("<a>21</a>") != std::string::npos) << element;
+            EXPECT_EQ(element == "<a>", contents().find("<c>31</c>") != std::string::npos)
+                << element;
+        }
+        std::string unlocking = readFile(locking);
+        writeFile(locking, unlocking.erase(unlocking.find(lock), lock.size()));
+        EXPECT_TRUE(save());
+        EXPECT_THAT(contents(), HasSubstr("<a>21</a>")) << element;
+        EXPECT_THAT(contents(), HasSubstr("<c>31</c>")) << element;
+        EXPECT_TRUE(save());
+        EXPECT_EQ(Report::NothingToSave, reason());
+    }
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsAListThatIsReadFromThatOfAChild) {
+    const auto make = [] {
+        return TestObject::make("Test", [](TestObject& object) {
+            object.add("b", 2).add("l", Strings{"x"}).addChild(new TestObject("Child"));
+            object.child("Child").add("l", Strings{"y"});
+        });
+    };
+    write("<Test><Child><l><item>c</item></l></Child><l><item>own</item></l></Test>");
+    const auto object = add(make());
+    ASSERT_EQ(Strings{"c"}, object->value<Strings>("l").getValue());
+    object->value<int>("b").setValue(20);
+    EXPECT_TRUE(save());
+    auto other = anotherProcess();
+    const auto fresh = make();
+    other.addConfigurationObject(fresh, "Test");
+    EXPECT_EQ(20, fresh->value<int>("b").getValue());
+    EXPECT_EQ(Strings{"c"}, fresh->value<Strings>("l").getValue());
+    EXPECT_EQ(Strings{"c"}, fresh->child("Child").value<Strings>("l").getValue());
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsWhatOthersWriteBesideAValueThatIsNamedAsItemsAre) {
+    write("<Test><item>5</item></Test>");
+    const auto object =
+        add(TestObject::make("Test", [](TestObject& test) { test.add("item", 1); }));
+    write("<Test><item>5</item><Theirs>7</Theirs></Test>");
+    object->value<int>("item").setValue(6);
+    EXPECT_TRUE(save());
+    EXPECT_EQ("<Test><item>6</item><Theirs>7</Theirs></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMerge, KeepsTheVersionOfAnotherFile) {
+    m_manager.setValidVersionList({"1.0", "2.0"});
+    write("<Test><a>5</a></Test>");
+    add(makeObject());
+    const FileName other = m_directory.file("other.xml", "<Configuration version=\"2.0\"/>");
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(other.toString(), "1.0"));
+    EXPECT_THAT(readFile(other), HasSubstr("version=\"2.0\""));
+    EXPECT_THAT(readFile(other), HasSubstr("<a>5</a>"));
+    // The objects' own file is migrated.
+    GetParam() ? m_manager.setSystemAndUserConfigurationFile(m_systemFile, other)
+               : m_manager.setConfigurationFile(other);
+    EXPECT_TRUE(save());
+    EXPECT_THAT(readFile(other), HasSubstr("version=\"1.0\""));
+}
+
 class ConfigurationManagerMergeTwoFiles : public ConfigurationManagerMerge {
 protected:
     void writeSystem(const std::string& contents) const {
@@ -604,6 +690,55 @@ TEST_P(ConfigurationManagerMergeTwoFiles, WritesNothingAfterAResetFromTheUsersFi
     EXPECT_EQ("<Test><b>60</b></Test>", contents());
 }
 
+TEST_P(ConfigurationManagerMergeTwoFiles, KeepsTheUsersValuesThatAResetFoundUnderALock) {
+    for (const auto modeOfReset : {ConfigurationManager::Merge, ConfigurationManager::InPlace}) {
+        m_manager.removeConfigurationObject("Test");
+        m_manager.setSaveMode(modeOfReset);
+        writeSystem("<Test><a editable=\"false\">20</a></Test>");
+        write("<Test><a>30</a><b>6</b></Test>");
+        const auto object = add(makeObject());
+        ASSERT_EQ(20, object->value<int>("a").getValue());
+        m_manager.resetConfigurationObject("Test", true);
+        m_manager.setSaveMode(ConfigurationManager::Merge);
+        writeSystem("<Test><a>25</a></Test>");
+        EXPECT_TRUE(save());
+        EXPECT_EQ("<Test><a>30</a><b>6</b></Test>", contents());
+    }
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, PinsNothingThatAResetFromTheUsersFileFoundLocked) {
+    for (const auto modeOfReset : {ConfigurationManager::Merge, ConfigurationManager::InPlace}) {
+        m_manager.removeConfigurationObject("Test");
+        m_manager.setSaveMode(modeOfReset);
+        writeSystem("<Test><a editable=\"false\">20</a></Test>");
+        write("<Test><b>6</b></Test>");
+        const auto object = add(makeObject());
+        m_manager.resetConfigurationObject("Test", true);
+        EXPECT_FALSE(object->value<int>("a").isEditable());
+        m_manager.setSaveMode(ConfigurationManager::Merge);
+        writeSystem("<Test><a>25</a></Test>");
+        EXPECT_TRUE(save());
+        EXPECT_EQ("<Test><b>6</b></Test>", contents());
+        EXPECT_TRUE(m_manager.reloadConfiguration());
+        EXPECT_EQ(25, object->value<int>("a").getValue());
+        EXPECT_EQ(6, object->value<int>("b").getValue());
+        EXPECT_TRUE(object->value<int>("a").isEditable());
+        EXPECT_TRUE(save());
+        EXPECT_EQ("<Test><b>6</b></Test>", contents());
+    }
+}
+
+TEST_P(ConfigurationManagerMergeTwoFiles, ReloadsWhatWasLockedAtAResetFromTheUsersFile) {
+    writeSystem("<Test><a editable=\"false\">20</a></Test>");
+    write("<Test><b>6</b></Test>");
+    const auto object = add(makeObject());
+    m_manager.resetConfigurationObject("Test", true);
+    writeSystem("<Test><a>25</a></Test>");
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(25, object->value<int>("a").getValue());
+    EXPECT_EQ(6, object->value<int>("b").getValue());
+}
+
 TEST_P(ConfigurationManagerMergeTwoFiles, SavesAValueWhoseNameIsLockedInAChild) {
     writeSystem("<Test><Child><a editable=\"false\">5</a></Child></Test>");
     const auto object = TestObject::make("Test", [](TestObject& test) {
@@ -657,6 +792,69 @@ TEST_P(ConfigurationManagerMergeOneFile, NeverWritesALockedValue) {
     object->value<int>("b").setValue(60);
     EXPECT_TRUE(save());
     EXPECT_EQ("<Test><a editable=\"false\">5</a><b>60</b></Test>", contents());
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, CopiesTheLocksOfTheDefaultEntry) {
+    write("<P><a editable=\"false\">6</a><b>12</b><l editable=\"false\"><item>x</item></l>"
+          "<Child><c editable=\"false\">7</c></Child></P>");
+    const auto object = add(makeObject("P"), "P", "1");
+    // The application may set what is locked.
+    object->value<int>("a").setValue(60);
+    object->value<int>("b").setValue(13);
+    object->value<Strings>("l").setValue({"y"});
+    object->child("Child").value<int>("c").setValue(70);
+    EXPECT_TRUE(save());
+    EXPECT_THAT(contents(), HasSubstr("</P><P key=\"1\"><a editable=\"false\">6</a><b>13</b>"
+                                      "<l editable=\"false\"><item>x</item></l>"
+                                      "<Child><c editable=\"false\">7</c></Child></P>"));
+
+    auto other = anotherProcess();
+    const auto next = makeObject("P");
+    other.addConfigurationObject(next, "P", "1");
+    EXPECT_EQ(6, next->value<int>("a").getValue());
+    EXPECT_FALSE(next->value<int>("a").isEditable());
+    EXPECT_EQ(13, next->value<int>("b").getValue());
+    EXPECT_TRUE(next->value<int>("b").isEditable());
+    EXPECT_EQ(7, next->child("Child").value<int>("c").getValue());
+    EXPECT_FALSE(next->child("Child").value<int>("c").isEditable());
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, KeepsALockedListOfTheDefaultEntryReadable) {
+    const auto make = [] {
+        return TestObject::make("P", [](TestObject& object) {
+            object.add("b", 2).add("l", Strings{}).addChild(new TestObject("Child"));
+            object.child("Child").add("l", Strings{});
+        });
+    };
+    write("<P><l editable=\"false\"><item>x</item></l><Child><l><item>y</item></l></Child></P>");
+    add(make(), "P", "1")->value<int>("b").setValue(13);
+    EXPECT_TRUE(save());
+    auto other = anotherProcess();
+    const auto next = make();
+    other.addConfigurationObject(next, "P", "1");
+    EXPECT_EQ(13, next->value<int>("b").getValue());
+    EXPECT_EQ(Strings{"x"}, next->value<Strings>("l").getValue());
+    EXPECT_FALSE(next->value<Strings>("l").isEditable());
+    EXPECT_EQ(Strings{"y"}, next->child("Child").value<Strings>("l").getValue());
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, CopiesTheLockOfAChildOfTheDefaultEntry) {
+    write("<P><b>12</b><Child editable=\"false\"><c>7</c></Child></P>");
+    const auto object = add(makeObject("P"), "P", "1");
+    object->value<int>("b").setValue(13);
+    object->child("Child").value<int>("c").setValue(70);
+    EXPECT_TRUE(save());
+    EXPECT_THAT(contents(), HasSubstr("<P key=\"1\"><a>1</a><b>13</b><l/>"
+                                      "<Child editable=\"false\"><c>7</c></Child></P>"));
+}
+
+TEST_P(ConfigurationManagerMergeOneFile, MakesNoEntryFromADefaultEntryThatIsLockedAsAWhole) {
+    const std::string locked = "<P editable=\"false\"><a>6</a><b>12</b></P>";
+    write(locked);
+    const auto object = add(makeObject("P"), "P", "1");
+    object->value<int>("b").setValue(13);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(locked, contents());
 }
 
 TEST_P(ConfigurationManagerMergeOneFile, SavesAnObjectThatCannotBeMadeAnew) {

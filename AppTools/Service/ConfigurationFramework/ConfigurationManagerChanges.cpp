@@ -131,11 +131,14 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     // What was loaded from the element without a key has to move to the one with the key.
     const Element former =
         isUnchanged || base == nullptr ? DocumentTree::none : fallbackOf(registration);
-    if (former != DocumentTree::none && m_system == nullptr && stored)
-        replaceLocked(m_user.document()->tree, former, *stored, base.get(), lockedAsBefore);
+    WrittenElement current = *now;
+    if (former != DocumentTree::none && m_system == nullptr) {
+        replaceLocked(m_user.document()->tree, former, current, base.get(), lockedAsBefore);
+        stored = current;
+    }
     if (base != nullptr && former == DocumentTree::none)
         m_base.children.push_back(*base);
-    m_now.children.push_back(*now);
+    m_now.children.push_back(std::move(current));
     if (stored)
         m_stored.children.push_back(std::move(*stored));
 }
