@@ -46,6 +46,9 @@ protected:
     void useUser(const FileName& file) {
         m_manager.setSystemAndUserConfigurationFile(m_systemFile, file);
     }
+    bool saveToUsersFile() const {
+        return m_manager.saveConfigurationToFile(m_userFile.toString(), "1.0");
+    }
     void expectInFiles(int a, int b) const {
         auto other = anotherProcess();
         const auto object = makeObject();
@@ -211,6 +214,86 @@ TEST_P(ConfigurationManagerFiles, LoseAllElementsOfANameThatWasRemovedWithoutAKe
     m_manager.removeConfigurationObject("P");
     EXPECT_TRUE(save());
     EXPECT_THAT(readFile(m_file), Not(HasSubstr("<P")));
+}
+
+TEST_P(ConfigurationManagerFiles, TakeAChangeThatIsUndoneAfterASaveByName) {
+    for (const int former : {1, 5}) { // the default, and another
+        m_manager.reset();
+        m_manager.setSaveMode(GetParam());
+        writeFile(m_userFile, document("<Test><a>" + std::to_string(former) + "</a></Test>"));
+        useTwoFiles();
+        const auto object = add(makeObject());
+        set(*object, "a", 6);
+        EXPECT_TRUE(saveToUsersFile());
+        expectInFiles(6, 2);
+        set(*object, "a", former);
+        m_manager.setSaveMode(ConfigurationManager::Merge);
+        EXPECT_TRUE(save());
+        expectInFiles(former, 2);
+    }
+}
+
+TEST_P(ConfigurationManagerFiles, DoNotTakeBackAChangeThatIsUndoneAfterASaveByName) {
+    for (const int former : {1, 5}) {
+        m_manager.reset();
+        writeFile(m_userFile, document("<Test><a>" + std::to_string(former) + "</a></Test>"));
+        useTwoFiles();
+        const auto object = add(makeObject());
+        set(*object, "a", 6);
+        EXPECT_TRUE(saveToUsersFile());
+        set(*object, "a", former);
+        EXPECT_TRUE(m_manager.reloadConfiguration());
+        EXPECT_EQ(former, get(*object, "a"));
+    }
+}
+
+TEST_P(ConfigurationManagerFiles, KeepWhatOthersWriteAfterASaveByName) {
+    writeFile(m_userFile, document("<Test><a>5</a></Test>"));
+    useTwoFiles();
+    const auto object = add(makeObject());
+    set(*object, "a", 6);
+    EXPECT_TRUE(saveToUsersFile());
+    writeFile(m_userFile, document("<Test><a>7</a></Test>"));
+    set(*object, "b", 9);
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    EXPECT_TRUE(save());
+    expectInFiles(7, 9);
+}
+
+TEST_P(ConfigurationManagerFiles, LoseARemovedElementInASaveByName) {
+    writeFile(m_userFile, document("<P key=\"1\"><a>5</a></P><Test><a>5</a></Test>"));
+    useTwoFiles();
+    add(makeObject("P"), "P", "1");
+    add(makeObject());
+    m_manager.removeConfigurationObject("P", "1");
+    EXPECT_TRUE(saveToUsersFile());
+    EXPECT_THAT(readFile(m_userFile), Not(HasSubstr("<P")));
+    expectInFiles(5, 2);
+    // That was it: what another program adds stays.
+    writeFile(m_userFile, document("<P key=\"1\"><a>7</a></P>"));
+    EXPECT_TRUE(save());
+    EXPECT_THAT(withoutFormatting(readFile(m_userFile)), HasSubstr("<P key=\"1\"><a>7</a></P>"));
+}
+
+TEST_P(ConfigurationManagerFiles, TakeTheSystemsValuesWhenTheUsersBecomesTheOnlyOne) {
+    writeFile(m_systemFile, document("<Test><a>20</a></Test>"));
+    writeFile(m_userFile, document("<Test><b>6</b></Test>"));
+    useTwoFiles();
+    add(makeObject());
+    m_manager.setConfigurationFile(m_userFile);
+    EXPECT_TRUE(save());
+    expectInFiles(20, 6);
+}
+
+TEST_P(ConfigurationManagerFiles, TakeTheValuesOfAFormerSystemFile) {
+    writeFile(m_systemFile, document("<Test><a>20</a></Test>"));
+    writeFile(m_userFile, document("<Test><b>6</b></Test>"));
+    useTwoFiles();
+    add(makeObject());
+    writeFile(m_other, document("<Test><a>22</a></Test>"));
+    m_manager.setSystemAndUserConfigurationFile(m_other, m_userFile);
+    EXPECT_TRUE(save());
+    expectInFiles(20, 6);
 }
 
 TEST_P(ConfigurationManagerFiles, AreThoseOfACopyAlone) {

@@ -147,6 +147,22 @@ TEST_P(ConfigurationManagerSaveReport, TellsOfMissingRightsToWriteTheFile) {
     }
 }
 
+TEST_P(ConfigurationManagerSaveReport, TellsOfMissingRightsToReadTheFile) {
+    useOneFile();
+    writeFile(m_file, document(""));
+    addChanged();
+    std::filesystem::permissions(m_file.toString(), std::filesystem::perms(0));
+    std::filesystem::permissions(m_directory.path(), std::filesystem::perms(0777));
+    EXPECT_EQ(0, Support::asOrdinaryUser([&] {
+                  return !save() && report().reason == Report::NoPermission &&
+                                 report().error == std::errc::permission_denied
+                             ? 0
+                             : 1;
+              }));
+    std::filesystem::permissions(m_file.toString(), std::filesystem::perms(0644));
+    EXPECT_EQ(document(""), readFile(m_file));
+}
+
 TEST_P(ConfigurationManagerSaveReport, TellsOfAFullDisk) {
     useOneFile();
     for (const std::string& before : {std::string(), document("<Other/>")}) {
@@ -273,6 +289,17 @@ TEST_P(ConfigurationManagerSaveReport, RefusesWhenTheSystemFileCouldNotBeReadAtT
     EXPECT_FALSE(save());
     EXPECT_EQ(Report::NotLoaded, report().reason);
     EXPECT_FALSE(std::filesystem::exists(m_userFile.toString()));
+}
+
+TEST_P(ConfigurationManagerSaveReport, RefusesToWriteASystemFileByNameThatWasNotLoaded) {
+    useTwoFiles();
+    writeFile(m_systemFile, "<broken");
+    addChanged();
+    const std::string theirs = document("<Test><b editable=\"false\">6</b></Test>");
+    writeFile(m_systemFile, theirs);
+    EXPECT_FALSE(m_manager.saveConfigurationToFile(m_systemFile.toString(), "1.0"));
+    EXPECT_EQ(Report::NotLoaded, report().reason);
+    EXPECT_EQ(theirs, readFile(m_systemFile));
 }
 
 TEST_P(ConfigurationManagerSaveReport, RefusesWhenTheSystemFileCannotBeReadAnyMore) {
