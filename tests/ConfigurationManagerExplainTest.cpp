@@ -557,7 +557,7 @@ TEST_F(ConfigurationManagerExplain, KnowsWhatWasSavedToTheUsersFileByItsName) {
     const FileName link = m_directory.file("link.xml");
     std::filesystem::create_symlink(m_userFile.toPath(), link.toPath());
     for (const auto mode : {ConfigurationManager::InPlace, ConfigurationManager::Merge})
-        for (const FileName& file : {m_userFile, link}) {
+        for (const FileName& file : {m_userFile, link, m_directory.file("./user.xml")}) {
             writeTwo("<View><Zoom>2</Zoom></View>", "");
             m_manager.setSaveMode(mode);
             EXPECT_TRUE(m_manager.saveConfigurationToFile(file.toString(), "1.0"));

@@ -188,7 +188,7 @@ TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToTheUsersFileByItsName)
     add(makeObject())->value<int>("b").setValue(7);
     const FileName link = m_directory.file("link.xml");
     std::filesystem::create_symlink(m_userFile.toPath(), link.toPath());
-    for (const FileName& file : {m_userFile, link})
+    for (const FileName& file : {m_userFile, link, m_directory.file("./user.xml")})
         for (int saves = 0; saves < 2; ++saves) { // the second changes nothing
             EXPECT_TRUE(m_manager.saveConfigurationToFile(file.toString(), "1.0"));
             EXPECT_FALSE(m_manager.haveFilesChanged()) << file.toString();
@@ -209,8 +209,13 @@ TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToTheUsersFileByItsName)
 TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToTheOneFileByItsName) {
     writeFile(m_file, document("<Test><b>6</b></Test>"));
     useOneFile();
-    add(makeObject())->value<int>("b").setValue(7);
+    const auto object = add(makeObject());
+    object->value<int>("b").setValue(7);
     EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    object->value<int>("b").setValue(8);
+    const std::string alias = m_directory.file("./settings.xml").toString();
+    EXPECT_TRUE(m_manager.saveConfigurationToFile(alias, "1.0"));
     EXPECT_FALSE(m_manager.haveFilesChanged());
     writeFile(m_file, document("<Other/>"));
     EXPECT_TRUE(m_manager.saveConfigurationToFile(m_file.toString(), "1.0"));
@@ -243,6 +248,42 @@ TEST_P(ConfigurationManagerReload,
         writeFile(m_userFile, document(""));
         EXPECT_TRUE(m_manager.haveFilesChanged());
     }
+}
+
+TEST_P(ConfigurationManagerReload, IsNeededWhenAFileChangesAfterAResetLoadedIt) {
+    m_manager.reset();
+    const auto object = add(makeObject());
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    m_manager.resetConfigurationObject("Test", true);
+    ASSERT_EQ(5, get(*object, "a"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+    writeFile(m_file, document("<Test><a>7</a></Test>"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(7, get(*object, "a"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload, IsNotNeededAfterASaveToANewFile) {
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    add(makeObject());
+    m_manager.setConfigurationFile(m_directory.file("new.xml"));
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_FALSE(m_manager.haveFilesChanged());
+}
+
+TEST_P(ConfigurationManagerReload, IsNeededAfterASaveToAFileThatHeldMoreThanWasLoaded) {
+    writeFile(m_file, document("<Test><a>5</a></Test>"));
+    useOneFile();
+    add(makeObject());
+    m_manager.setConfigurationFile(m_directory.file("other.xml", document("<Other/>")));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_TRUE(m_manager.haveFilesChanged());
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(m_manager.haveFilesChanged());
 }
 
 TEST_P(ConfigurationManagerReload, TakesOverFeatureSwitches) {
