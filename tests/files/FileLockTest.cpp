@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <thread>
 
+#include <grp.h>
 #include <sys/stat.h>
 
 namespace Orvant {
@@ -227,6 +228,31 @@ TEST_F(FileLockTest, LetsAllLockWhoMayWriteTheTarget) {
                   umask(077);
                   return tryIt() == State::Held ? 0 : 1;
               }));
+    EXPECT_EQ(fs::perms(0664), fs::status(lockFile.toPath()).permissions());
+}
+
+TEST_F(FileLockTest, LetsTheTargetsGroupLockWhoeverMadeItsFile) {
+    constexpr uid_t owner = 1000;
+    constexpr uid_t maker = 1001;
+    constexpr gid_t group = 2000;
+    writeFile(target, "");
+    const bool canBeOthers = geteuid() == 0;
+    if (canBeOthers) {
+        ASSERT_EQ(0, chown(target.toNativeString().c_str(), owner, group));
+    }
+    fs::permissions(target.toPath(), fs::perms(0664));
+    fs::permissions(directory.path(), fs::perms(0777));
+    EXPECT_EQ(0, inOwnProcess([&] {
+                  umask(022);
+                  const bool isOther = !canBeOthers || (setgroups(1, &group) == 0 &&
+                                                        setgid(maker) == 0 && setuid(maker) == 0);
+                  return isOther && tryIt() == State::Held ? 0 : 1;
+              }));
+    struct stat status{};
+    struct stat ofTarget{};
+    ASSERT_EQ(0, stat(lockFile.toNativeString().c_str(), &status));
+    ASSERT_EQ(0, stat(target.toNativeString().c_str(), &ofTarget));
+    EXPECT_EQ(ofTarget.st_gid, status.st_gid);
     EXPECT_EQ(fs::perms(0664), fs::status(lockFile.toPath()).permissions());
 }
 

@@ -162,6 +162,20 @@ TEST(ElementMerge, PutsAListInFrontOfAChildThatHasOneOfTheName) {
                      "<g><h><l><item>3</item></l></h></g>", 1));
 }
 
+TEST(ElementMerge, GivesAListThatWouldBeReadFromAChildItsItems) {
+    EXPECT_EQ("<g><l><item>2</item></l><h><l><item>2</item></l></h><a>3</a></g>",
+              merged("<g><h><l><item>2</item></l></h><l><item>1</item></l><a>1</a></g>",
+                     "<g><l><item>2</item></l><h><l><item>2</item></l></h><a>1</a></g>",
+                     "<g><l><item>2</item></l><h><l><item>2</item></l></h><a>3</a></g>"));
+}
+
+TEST(ElementMerge, MergesItemsThatAreToldApartByKeys) {
+    EXPECT_EQ("<t><item key=\"1\">3</item><item key=\"2\">9</item><Theirs/></t>",
+              merged("<t><item key=\"1\">1</item><item key=\"2\">9</item><Theirs/></t>",
+                     "<t><item key=\"1\">1</item><item key=\"2\">2</item></t>",
+                     "<t><item key=\"1\">3</item><item key=\"2\">2</item></t>"));
+}
+
 TEST(WrittenElement, IsTheSameWithAnotherComment) {
     EXPECT_EQ(element("<r><!--x--><a>1</a></r>"), element("<r><a>1</a></r>"));
     EXPECT_NE(element("<r><a>1</a></r>"), element("<r><a>2</a></r>"));
