@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
@@ -56,6 +57,7 @@ AdvancedConfigReader::addSource(const FileName& file, const std::string& content
         if (source->setCurrentNode(name) != ConfigurationAccessResult::Success)
             return ConfigurationAccessResult::Failure;
     m_sources[priority] = std::move(source);
+    SharedReference::forget(*this);
     return ConfigurationAccessResult::Success;
 }
 
@@ -211,6 +213,7 @@ AdvancedConfigReader::getStringVector(const std::string& name, std::vector<std::
 }
 
 ConfigurationAccessResult AdvancedConfigReader::tagExists(const std::string& name) {
+    SharedReference::forget(*this);
     return askAll([&](SimpleConfigReader& source, Priority) { return source.tagExists(name); });
 }
 

@@ -12,7 +12,6 @@
 namespace Orvant {
 
 class ConfigurationObject;
-class SharedReference;
 
 /// The read side of the library: what values and objects load themselves from.
 ///
@@ -116,11 +115,6 @@ public:
     /// to tell than the texts. Calls it unless a reader has a faster way.
     virtual ConfigurationAccessResult getStrings(const std::string& name,
                                                  std::vector<std::string>& values, bool& editable);
-
-private:
-    friend class SharedReference;
-
-    SharedReference* m_sharedReference = nullptr; ///< while an object is compared with the reader
 };
 
 } // namespace Orvant

@@ -187,26 +187,29 @@ void ConfigWriter::putClassContents(const std::string& name, const std::string& 
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
-    deleteNodes(name, "");
-    const SharedReference reference(object, reader);
-    if (object.canBeSavedToUserConfig(reader))
-        putElement(name, comment, [&] {
-            object.saveContent(*this, reader, true);
-            object.keepListsReadable(*this);
-        });
+    m_impl->keepPlace([&] {
+        deleteNodes(name, "");
+        const SharedReference reference(object, reader);
+        if (!object.canBeSavedToUserConfig(reader))
+            return;
+        createNodeAndMakeCurrent(name, comment);
+        object.saveContent(*this, reader, true);
+        object.keepListsReadable(*this);
+    });
 }
 
 void ConfigWriter::putOnlyDifferentClassContents(const std::string& name, const std::string& key,
                                                  const ConfigurationObject& object,
                                                  ConfigReader& reader, const std::string& comment) {
-    m_impl->deleteChildren(keyed(name, key));
-    const SharedReference reference(object, reader);
-    if (object.canBeSavedToUserConfig(reader))
-        m_impl->keepPlace([&] {
-            createKeyedNodeAndMakeCurrent(name, key, comment);
-            object.saveContent(*this, reader, true);
-            object.keepListsReadable(*this);
-        });
+    m_impl->keepPlace([&] {
+        m_impl->deleteChildren(keyed(name, key));
+        const SharedReference reference(object, reader);
+        if (!object.canBeSavedToUserConfig(reader))
+            return;
+        createKeyedNodeAndMakeCurrent(name, key, comment);
+        object.saveContent(*this, reader, true);
+        object.keepListsReadable(*this);
+    });
 }
 
 std::string ConfigWriter::getAsString() {

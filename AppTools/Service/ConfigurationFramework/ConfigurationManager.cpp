@@ -301,7 +301,10 @@ bool ConfigurationManager::hasSystemConfigFileErrors() {
 
 bool ConfigurationManager::hasUserConfigFileErrors() {
     AdvancedConfigReader unused;
-    return isOneOfTwo(m_userFile) && !readUserFile(unused, m_userFile).isAccepted();
+    const LayerDocument former = m_known.layers == nullptr ? LayerDocument() : m_known.layers->user;
+    return isOneOfTwo(m_userFile) &&
+           !LayerDocument(unused, m_userFile, AdvancedConfigReader::System, m_validVersions, former)
+                .isAccepted();
 }
 
 /// Whether there are two files, and one of that name.

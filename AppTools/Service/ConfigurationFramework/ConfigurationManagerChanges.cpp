@@ -41,26 +41,18 @@ bool isLocked(const DocumentTree& tree, Element element, const WrittenElement& w
     return !tree.isEditable(element) && (!holdsMarkup || written.isGroup() || written.isList());
 }
 
-/// The child with an identity; null when there is none.
-const WrittenElement* childOf(const WrittenElement* element, const ElementId& id) {
-    if (element == nullptr)
-        return nullptr;
-    const auto found =
-        std::ranges::find(element->children, id, [](const auto& child) { return child.id; });
-    return found == element->children.end() ? nullptr : &*found;
-}
-
 /// Replaces what is locked in a document below an element.
 /// @param replacementOf returns what takes the place of a child, given that and its counterpart in
 ///                      the former element (null: none); nothing to remove it
 template <typename Replace>
 void replaceLocked(DocumentTree& tree, Element parent, WrittenElement& written,
                    const WrittenElement* former, Replace replacementOf) {
+    const ChildrenById formers(former);
     std::erase_if(written.children, [&](WrittenElement& child) {
         const Element element = find(tree, parent, child);
         if (element == DocumentTree::none || child.isLocked)
             return false;
-        const WrittenElement* const formerChild = childOf(former, child.id);
+        const WrittenElement* const formerChild = formers.find(child.id);
         if (isLocked(tree, element, child)) {
             auto replacement = replacementOf(formerChild);
             if (replacement)

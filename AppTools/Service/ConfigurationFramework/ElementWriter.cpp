@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <source_location>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -28,8 +29,8 @@ const Logging s_log("ConfigWriter");
 constexpr std::size_t fewChildren = 8;
 
 bool isSelected(const ChildSelection& selection, const WrittenElement& child) {
-    return areSame(child.id.tag, selection.tag) &&
-           (!selection.key || child.id.key.value_or(XmlString()) == *selection.key);
+    const XmlStringView key = child.id.key ? XmlStringView(*child.id.key) : XmlStringView();
+    return areSame(child.id.tag, selection.tag) && (!selection.key || areSame(key, *selection.key));
 }
 
 /// The tag of a new element, as a DOM takes it.
@@ -76,10 +77,45 @@ bool visitBelow(const WrittenElement& element, Visit visit, bool isChild = true)
 
 } // namespace
 
+/// A tag stands for itself, and with a key for the elements that have both.
+class ElementWriter::Index {
+public:
+    bool mayHave(const ChildSelection& selection) const {
+        return !m_isUsed || m_ids.contains(selection.key ? withKey(selection.tag, *selection.key)
+                                                         : selection.tag);
+    }
+    /// Adds what is added to the element, once it is used.
+    void add(const WrittenElement& child) {
+        if (!m_isUsed)
+            return;
+        m_ids.insert(child.id.tag);
+        m_ids.insert(withKey(child.id.tag, child.id.key.value_or(XmlString())));
+    }
+    /// Is used as soon as there are many.
+    void use(const Children& children) {
+        if (m_isUsed || children.size() <= mostChildrenWithoutIndex)
+            return;
+        m_isUsed = true;
+        for (const WrittenElement& child : children)
+            add(child);
+    }
+
+private:
+    static XmlString withKey(const XmlString& tag, const XmlString& key) {
+        return tag + u'\0' + key;
+    }
+
+    bool m_isUsed = false;
+    std::unordered_set<XmlString> m_ids;
+};
+
+ElementWriter::Place::Place(WrittenElement& current)
+    : element(&current), index(std::make_shared<Index>()) {}
+
 ElementWriter::ElementWriter() : m_session(s_log, std::source_location::current()) {}
 
 std::vector<WrittenElement> ElementWriter::takeAll() {
-    m_current = {&m_root};
+    m_current = Place(m_root);
     removeText(m_root);
     return std::exchange(m_root.children, {});
 }
@@ -99,52 +135,44 @@ void ElementWriter::createKeyedNode(const std::string& name, const std::string& 
 void ElementWriter::replace(ChildSelection replaced, std::optional<XmlString> key,
                             const std::string& name, const std::string& comment) {
     deleteChildren(replaced);
-    if (m_current.tags != nullptr)
-        m_current.tags->insert(replaced.tag);
     Children& children = m_current.element->children;
     if (children.empty())
         children.reserve(fewChildren);
     children.push_back({.id = {std::move(replaced.tag), std::move(key)},
                         .comment = comment.empty() ? XmlString() : toComment(comment, name)});
+    m_current.index->add(children.back());
 }
 
 void ElementWriter::enterLastChild() {
-    m_current = {&m_current.element->children.back()};
+    m_current = Place(m_current.element->children.back());
 }
 
 ConfigurationAccessResult ElementWriter::makeCurrent(const ChildSelection& selection) {
     const auto found = findChild(selection);
     if (found == m_current.element->children.end())
         return ConfigurationAccessResult::Failure;
-    m_current = {&*found};
+    m_current = Place(*found);
     return ConfigurationAccessResult::Success;
 }
 
 /// @return the first of the selected children
 ElementWriter::Children::iterator ElementWriter::findChild(const ChildSelection& selection) {
     Children& children = m_current.element->children;
-    return mayHave(selection.tag) ? std::ranges::find_if(children,
-                                                         [&](const WrittenElement& child) {
-                                                             return isSelected(selection, child);
-                                                         })
-                                  : children.end();
-}
-
-bool ElementWriter::mayHave(const XmlString& tag) const {
-    return m_current.tags == nullptr || m_current.tags->contains(tag);
+    return m_current.index->mayHave(selection)
+               ? std::ranges::find_if(
+                     children,
+                     [&](const WrittenElement& child) { return isSelected(selection, child); })
+               : children.end();
 }
 
 void ElementWriter::deleteChildren(const ChildSelection& selection) {
     removeText(*m_current.element);
+    m_current.element->isStrings = false; // others may come to stand beside the items
     Children& children = m_current.element->children;
-    if (mayHave(selection.tag))
+    if (m_current.index->mayHave(selection))
         std::erase_if(children,
                       [&](const WrittenElement& child) { return isSelected(selection, child); });
-    if (m_current.tags != nullptr || children.size() <= mostChildrenWithoutIndex)
-        return;
-    m_current.tags = std::make_shared<std::unordered_set<XmlString>>();
-    for (const WrittenElement& child : children)
-        m_current.tags->insert(child.id.tag);
+    m_current.index->use(children);
 }
 
 void ElementWriter::putText(const std::string& name, const std::string& text,
@@ -155,6 +183,7 @@ void ElementWriter::putText(const std::string& name, const std::string& text,
 
 void ElementWriter::putString(const std::string& value) {
     m_current.element->children.clear();
+    m_current.element->isStrings = false;
     setText(*m_current.element, toText(value, nameOf(*m_current.element)));
 }
 
@@ -173,7 +202,7 @@ void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::st
                                           const std::function<void()>& writeContents) {
     WrittenElement element{{toValidTag(name), std::nullopt}};
     keepPlace([&] {
-        m_current = {&element};
+        m_current = Place(element);
         writeContents();
     });
     if (element.children.empty() && !element.hasText)

@@ -5,8 +5,6 @@
 #include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <memory>
-#include <unordered_set>
-
 namespace Orvant {
 
 /// Writes elements that are compared, and printed only if an object asks for it: a DOM takes
@@ -45,23 +43,26 @@ public:
 private:
     using Children = std::vector<WrittenElement>;
 
+    /// Which children an element may have, so that most that are asked for need not be looked for;
+    /// perhaps also some that are gone.
+    class Index;
+
     /// An element that is written to. It stays where it is as long as it is the current one, or one
     /// of those around that: only they get children.
     struct Place {
+        explicit Place(WrittenElement& current);
+
         WrittenElement* element;
-        /// Tags of children, once there are many, so that most need not be looked for; perhaps of
-        /// some that are gone.
-        std::shared_ptr<std::unordered_set<XmlString>> tags = nullptr;
+        std::shared_ptr<Index> index; ///< shared with those who return here
     };
 
     void replace(ChildSelection replaced, std::optional<XmlString> key, const std::string& name,
                  const std::string& comment);
     Children::iterator findChild(const ChildSelection& selection);
-    bool mayHave(const XmlString& tag) const;
 
     XercesSession m_session;
     WrittenElement m_root{{u"Configuration", {}}};
-    Place m_current{&m_root};
+    Place m_current{m_root};
 };
 
 } // namespace Orvant

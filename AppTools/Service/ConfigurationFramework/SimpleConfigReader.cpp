@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/SimpleConfigReader.h>
 
+#include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
 
 #include <typeinfo>
@@ -22,11 +23,13 @@ SimpleConfigReader::SimpleConfigReader(std::shared_ptr<ParsedDocument> document)
 SimpleConfigReader::~SimpleConfigReader() = default;
 
 ConfigurationAccessResult SimpleConfigReader::setCurrentNode(const std::string& name) {
+    SharedReference::forget(*this);
     return m_impl->setCurrentNode(name);
 }
 
 ConfigurationAccessResult SimpleConfigReader::setCurrentKeyedNode(const std::string& name,
                                                                   const std::string& key) {
+    SharedReference::forget(*this);
     return m_impl->setCurrentKeyedNode(name, key);
 }
 
@@ -119,6 +122,7 @@ ConfigurationAccessResult SimpleConfigReader::getStrings(const std::string& name
 }
 
 ConfigurationAccessResult SimpleConfigReader::tagExists(const std::string& name) {
+    SharedReference::forget(*this);
     return m_impl->tagExists(name);
 }
 

@@ -367,6 +367,7 @@ std::shared_ptr<XsdElementProperty> XsdElement::findType(const std::string& name
 
 std::shared_ptr<ov_schema> XsdElement::getSchema() const {
     describe(); // before the caller can change the document
+    m_isHandedOut = true;
     return m_schema;
 }
 
@@ -423,8 +424,8 @@ void XsdElement::keepChildAttributes(const std::string& typeName,
 
 void XsdElement::update() {
     m_isOutdated = true;
-    // Whoever else holds the document could change it before the next query.
-    if (m_schema.use_count() > 1)
+    // Whoever has the document could change it before the next query.
+    if (m_isHandedOut || m_schema.use_count() > 1)
         describe();
 }
 

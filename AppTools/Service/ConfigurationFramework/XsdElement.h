@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/Export.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -139,6 +140,7 @@ private:
     mutable std::map<std::string, std::shared_ptr<XsdElementProperty>> m_types;
     mutable std::vector<std::shared_ptr<XsdElementProperty>> m_rootElements;
     mutable bool m_isOutdated = false;
+    mutable std::atomic<bool> m_isHandedOut = false; ///< to a caller, by getSchema()
     mutable std::mutex m_describing;
 };
 

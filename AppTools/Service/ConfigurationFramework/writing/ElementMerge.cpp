@@ -52,25 +52,6 @@ const std::vector<WrittenElement>& childrenOf(const WrittenElement* element) {
     return element == nullptr ? none : element->children;
 }
 
-/// The children of an element, found without a walk over all of them.
-class ChildrenById {
-public:
-    explicit ChildrenById(const WrittenElement* element) {
-        for (const WrittenElement& child : childrenOf(element))
-            m_children.try_emplace(child.id, &child);
-    }
-
-    /// @return first child with that identity; null when there is none
-    const WrittenElement* find(const ElementId& id) const {
-        const auto found = m_children.find(id);
-        return found == m_children.end() ? nullptr : found->second;
-    }
-
-private:
-    std::map<std::reference_wrapper<const ElementId>, const WrittenElement*, std::less<ElementId>>
-        m_children;
-};
-
 /// The children that are added, changed or gone, in the order in which they are written.
 std::vector<ElementChange> changesWithin(const ElementChange& change) {
     const ChildrenById baseById(change.base);

@@ -47,6 +47,17 @@ bool WrittenElement::isList() const {
     return isStrings || (text.empty() && children.empty());
 }
 
+ChildrenById::ChildrenById(const WrittenElement* element) {
+    if (element != nullptr)
+        for (const WrittenElement& child : element->children)
+            m_children.try_emplace(child.id, &child);
+}
+
+const WrittenElement* ChildrenById::find(const ElementId& id) const {
+    const auto found = m_children.find(id);
+    return found == m_children.end() ? nullptr : found->second;
+}
+
 ElementId identityOf(const xercesc::DOMElement& element) {
     ElementId id{element.getTagName(), std::nullopt};
     if (element.hasAttribute(keyAttribute))

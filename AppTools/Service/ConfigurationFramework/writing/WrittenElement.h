@@ -3,6 +3,8 @@
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <compare>
+#include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -39,6 +41,20 @@ struct WrittenElement {
     bool isGroup() const;
     /// @return true for what may be a list: items, or nothing at all
     bool isList() const;
+};
+
+/// The children of an element, found without a walk over all of them.
+class ChildrenById {
+public:
+    /// @param element must outlive this; null has none
+    explicit ChildrenById(const WrittenElement* element);
+
+    /// @return first child with that identity; null when there is none
+    const WrittenElement* find(const ElementId& id) const;
+
+private:
+    std::map<std::reference_wrapper<const ElementId>, const WrittenElement*, std::less<ElementId>>
+        m_children;
 };
 
 ElementId identityOf(const xercesc::DOMElement& element);
