@@ -260,6 +260,23 @@ TEST_P(ConfigurationManagerFiles, KeepWhatOthersWriteAfterASaveByName) {
     expectInFiles(7, 9);
 }
 
+TEST_P(ConfigurationManagerFiles, TakeAllOfAnObjectInASaveByName) {
+    for (const bool isLoadedByReset : {false, true}) {
+        m_manager.reset();
+        writeFile(m_userFile, document("<Test><b>6</b></Test>"));
+        if (isLoadedByReset)
+            add(makeObject());
+        useTwoFiles();
+        if (isLoadedByReset)
+            m_manager.resetConfigurationObject("Test", true);
+        else
+            add(makeObject());
+        EXPECT_TRUE(saveToUsersFile());
+        EXPECT_THAT(readFile(m_userFile), HasSubstr("<a>1</a>"));
+        expectInFiles(1, 6);
+    }
+}
+
 TEST_P(ConfigurationManagerFiles, LoseARemovedElementInASaveByName) {
     writeFile(m_userFile, document("<P key=\"1\"><a>5</a></P><Test><a>5</a></Test>"));
     useTwoFiles();
