@@ -581,6 +581,20 @@ protected:
     void writeSystem(const std::string& contents) const {
         writeFile(m_systemFile, document(contents));
     }
+    /// @return an object that was reset from the user's file while "a" was locked, as it is no more
+    std::shared_ptr<TestObject> resetUnderALock(const std::string& user,
+                                                Support::SaveMode modeOfReset) {
+        m_manager.removeConfigurationObject("Test");
+        m_manager.setSaveMode(modeOfReset);
+        writeSystem("<Test><a editable=\"false\">20</a></Test>");
+        write(user);
+        const auto object = add(makeObject());
+        m_manager.resetConfigurationObject("Test", true);
+        EXPECT_FALSE(object->value<int>("a").isEditable());
+        m_manager.setSaveMode(ConfigurationManager::Merge);
+        writeSystem("<Test><a>25</a></Test>");
+        return object;
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(, ConfigurationManagerMergeTwoFiles, Values(true),
@@ -691,52 +705,30 @@ TEST_P(ConfigurationManagerMergeTwoFiles, WritesNothingAfterAResetFromTheUsersFi
 }
 
 TEST_P(ConfigurationManagerMergeTwoFiles, KeepsTheUsersValuesThatAResetFoundUnderALock) {
-    for (const auto modeOfReset : {ConfigurationManager::Merge, ConfigurationManager::InPlace}) {
-        m_manager.removeConfigurationObject("Test");
-        m_manager.setSaveMode(modeOfReset);
-        writeSystem("<Test><a editable=\"false\">20</a></Test>");
-        write("<Test><a>30</a><b>6</b></Test>");
-        const auto object = add(makeObject());
-        ASSERT_EQ(20, object->value<int>("a").getValue());
-        m_manager.resetConfigurationObject("Test", true);
-        m_manager.setSaveMode(ConfigurationManager::Merge);
-        writeSystem("<Test><a>25</a></Test>");
+    const std::string user = "<Test><a>30</a><b>6</b></Test>";
+    for (const auto mode : {ConfigurationManager::Merge, ConfigurationManager::InPlace}) {
+        resetUnderALock(user, mode);
         EXPECT_TRUE(save());
-        EXPECT_EQ("<Test><a>30</a><b>6</b></Test>", contents());
+        EXPECT_EQ(user, contents());
     }
 }
 
 TEST_P(ConfigurationManagerMergeTwoFiles, PinsNothingThatAResetFromTheUsersFileFoundLocked) {
-    for (const auto modeOfReset : {ConfigurationManager::Merge, ConfigurationManager::InPlace}) {
-        m_manager.removeConfigurationObject("Test");
-        m_manager.setSaveMode(modeOfReset);
-        writeSystem("<Test><a editable=\"false\">20</a></Test>");
-        write("<Test><b>6</b></Test>");
-        const auto object = add(makeObject());
-        m_manager.resetConfigurationObject("Test", true);
-        EXPECT_FALSE(object->value<int>("a").isEditable());
-        m_manager.setSaveMode(ConfigurationManager::Merge);
-        writeSystem("<Test><a>25</a></Test>");
-        EXPECT_TRUE(save());
-        EXPECT_EQ("<Test><b>6</b></Test>", contents());
-        EXPECT_TRUE(m_manager.reloadConfiguration());
-        EXPECT_EQ(25, object->value<int>("a").getValue());
-        EXPECT_EQ(6, object->value<int>("b").getValue());
-        EXPECT_TRUE(object->value<int>("a").isEditable());
-        EXPECT_TRUE(save());
-        EXPECT_EQ("<Test><b>6</b></Test>", contents());
-    }
-}
-
-TEST_P(ConfigurationManagerMergeTwoFiles, ReloadsWhatWasLockedAtAResetFromTheUsersFile) {
-    writeSystem("<Test><a editable=\"false\">20</a></Test>");
-    write("<Test><b>6</b></Test>");
-    const auto object = add(makeObject());
-    m_manager.resetConfigurationObject("Test", true);
-    writeSystem("<Test><a>25</a></Test>");
-    EXPECT_TRUE(m_manager.reloadConfiguration());
-    EXPECT_EQ(25, object->value<int>("a").getValue());
-    EXPECT_EQ(6, object->value<int>("b").getValue());
+    const std::string user = "<Test><b>6</b></Test>";
+    for (const auto mode : {ConfigurationManager::Merge, ConfigurationManager::InPlace})
+        for (const bool isSavedFirst : {false, true}) {
+            const auto object = resetUnderALock(user, mode);
+            if (isSavedFirst) {
+                EXPECT_TRUE(save());
+                EXPECT_EQ(user, contents());
+            }
+            EXPECT_TRUE(m_manager.reloadConfiguration());
+            EXPECT_EQ(25, object->value<int>("a").getValue());
+            EXPECT_EQ(6, object->value<int>("b").getValue());
+            EXPECT_TRUE(object->value<int>("a").isEditable());
+            EXPECT_TRUE(save());
+            EXPECT_EQ(user, contents());
+        }
 }
 
 TEST_P(ConfigurationManagerMergeTwoFiles, SavesAValueWhoseNameIsLockedInAChild) {
