@@ -419,6 +419,27 @@ TEST(SharedReference, IsNotThatOfAnotherReader) {
     EXPECT_EQ((Counts{2, 2, 0}), object.take());
 }
 
+TEST(SharedReference, IsMadeAnewWhereTheReaderWasMoved) {
+    Counted object;
+    object.set(5).onSave = [](ConfigWriter&, ConfigReader& reader) { reader.tagExists("Deep"); };
+    EXPECT_EQ(document("<Test/>"),
+              saveDifferent(object, "<Test><a>1</a></Test><Deep><Test><a>5</a></Test></Deep>"));
+    EXPECT_EQ((Counts{2, 2, 0}), object.take());
+}
+
+TEST(DifferenceSave, LeavesTheWriterWhereItWasWhenThereIsNothingToSave) {
+    for (const bool isKeyed : {false, true}) {
+        SimpleConfigReader reader = readerOf("<Test><a>1</a></Test>");
+        ConfigWriter writer("1.0");
+        Counted object;
+        object.onLoad = [&] { writer.createNodeAndMakeCurrent("Log", ""); };
+        isKeyed ? writer.putOnlyDifferentClassContents("Test", "k", object, reader, "")
+                : writer.putOnlyDifferentClassContents("Test", object, reader, "");
+        writer.putInt("after", 1, "");
+        EXPECT_EQ(document("<Log/><after>1</after>"), compact(writer));
+    }
+}
+
 TEST(SharedReference, IsNotThatOfAnotherObject) {
     SimpleConfigReader reader = readerOf("<Test><a>2</a></Test><Other><a>3</a></Other>");
     Counted other("Other");

@@ -123,6 +123,14 @@ TEST(XsdElement, CopiesTheDocument) {
     EXPECT_THAT(typeNames(tree), ElementsAre("A"));
 }
 
+TEST(XsdElement, DescribesTheDocumentOfAFilterThoughItIsChangedAfterwards) {
+    XsdElement tree = treeOf(complexType("A", ""));
+    OV_XsdReader::ov_schema& document = *tree.getSchema();
+    tree.keepChildAttributes("A", {});
+    document.complexType().clear();
+    EXPECT_THAT(typeNames(tree), ElementsAre("A"));
+}
+
 TEST(XsdElement, DescribesTheChildrenOfASequence) {
     XsdElement tree = treeOf(sequenceType(
         "A", "<element name=\"a\" type=\"xs:string\"/><element name=\"b\" type=\"int\" "

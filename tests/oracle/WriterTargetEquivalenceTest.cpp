@@ -249,6 +249,31 @@ void Session::putThrowingObject(const std::string& name, Random& random) {
     }
 }
 
+TEST(ElementWriter, TakesForAListOnlyWhatHoldsNothingElse) {
+    auto target = std::make_unique<ElementWriter>();
+    const ElementWriter& elements = *target;
+    const auto writer = WriterTarget::makeWriter(std::move(target));
+    const auto put = [&](const std::string& name) -> const WrittenElement& {
+        writer->putStringVector(name, {"text"}, "");
+        return elements.root().children.back();
+    };
+    EXPECT_TRUE(put("list").isList());
+    writer->putElement("outer", "", [&] {
+        writer->putStringVector("table", {"text"}, "");
+        writer->setCurrentNode("table");
+        writer->putInt("other", 1, "");
+    });
+    const WrittenElement& table = elements.root().children.back().children.front();
+    EXPECT_FALSE(table.isList());
+    EXPECT_TRUE(table.isGroup());
+    writer->putElement("outer", "", [&] {
+        writer->putStringVector("text", {"text"}, "");
+        writer->setCurrentNode("text");
+        writer->putString("no list any more");
+    });
+    EXPECT_FALSE(elements.root().children.back().children.front().isList());
+}
+
 TEST(WriterTargetEquivalence, HoldsWhateverIsWritten) {
     for (unsigned int seed = 1; seed <= 250; ++seed) {
         Random random(seed);
