@@ -5,7 +5,8 @@
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
-#include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -13,42 +14,49 @@ namespace Orvant {
 
 namespace {
 
-std::string toUtf8(const XmlString& text) {
-    return XercesHelperFunctions::xmlChToString(text.c_str());
-}
-
 bool isSaveOnly(const ConfigurationItemBase& item) {
     return item.isSavable() && !item.isLoadable();
 }
 
-void removeChildren(const std::string& name, WrittenElement& written) {
-    const XmlString tag = XercesHelperFunctions::stringToXmlCh(name);
-    std::erase_if(written.children,
-                  [&](const WrittenElement& child) { return child.id.tag == tag; });
+/// What an element holds of an object and its nameless children.
+struct Contents {
+    std::unordered_set<XmlString> saveOnly = {}; ///< tags
+    std::unordered_multimap<XmlString, const ConfigurationObject*> children = {};
+};
+
+void addValues(const ConfigurationObject& object, bool isSaveOnlyItself, Contents& contents) {
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        if (isSaveOnlyItself || isSaveOnly(**value))
+            contents.saveOnly.insert(XercesHelperFunctions::stringToXmlCh((*value)->getName()));
 }
 
-void removeValues(const ConfigurationObject& object, WrittenElement& written) {
-    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
-        removeChildren((*value)->getName(), written);
+void add(const ConfigurationObject& object, Contents& contents) {
+    addValues(object, false, contents);
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
+        const bool isNameless = (*child)->getName().empty();
+        if (isNameless && isSaveOnly(**child))
+            addValues(**child, true, contents);
+        else if (isNameless)
+            add(**child, contents);
+        else if (isSaveOnly(**child))
+            contents.saveOnly.insert(XercesHelperFunctions::stringToXmlCh((*child)->getName()));
+        else
+            contents.children.emplace(XercesHelperFunctions::stringToXmlCh((*child)->getName()),
+                                      *child);
+    }
 }
 
 /// Removes what is saved but never loaded: nothing is known of it.
 void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) {
-    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
-        if (isSaveOnly(**value))
-            removeChildren((*value)->getName(), written);
-    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
-        const bool isNameless = (*child)->getName().empty();
-        if (isNameless && isSaveOnly(**child))
-            removeValues(**child, written);
-        else if (isNameless)
-            removeSaveOnly(**child, written);
-        else if (isSaveOnly(**child))
-            removeChildren((*child)->getName(), written);
-        else
-            for (WrittenElement& element : written.children)
-                if (toUtf8(element.id.tag) == (*child)->getName())
-                    removeSaveOnly(**child, element);
+    Contents contents;
+    add(object, contents);
+    std::erase_if(written.children, [&](const WrittenElement& child) {
+        return contents.saveOnly.contains(child.id.tag);
+    });
+    for (WrittenElement& child : written.children) {
+        const auto [first, last] = contents.children.equal_range(child.id.tag);
+        for (auto found = first; found != last; ++found)
+            removeSaveOnly(*found->second, child);
     }
 }
 
