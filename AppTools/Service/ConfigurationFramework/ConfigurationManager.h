@@ -45,7 +45,7 @@ struct ConfigurationRegistration {
 /// manager.addConfigurationObjects({{std::make_shared<ViewSettings>(), "ViewSettings"},
 ///                                  {std::make_shared<Plotter>(), "Plotter", "Hall 1"}});
 /// if (!manager.saveConfiguration("1.0"))
-///     show(manager.getSaveReport().text);
+///     std::cerr << manager.getSaveReport().text << '\n';
 /// @endcode
 ///
 /// With one file, a save writes every object in full. With a system and a user file, a save writes
