@@ -350,12 +350,13 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
     findChanges(changes);
     m_manager.m_saveReport = {};
     const auto layers = mergeInto(changes, version);
+    const auto states = changes.takeStates(); // as long as what the changes refer to is known
     if (isLoadedFile()) {
         const bool wasTakenOver = m_manager.isTakenOver(m_target, m_user.exists(), m_user.bytes());
         const auto known = setSeen(layers);
         if (wasTakenOver) // else it holds what others wrote meanwhile
             m_manager.takeOverSaved();
-        for (const auto& state : changes.takeStates())
+        for (const auto& state : states)
             setSaved(state.registration, known, state.written);
     }
     Report& report = m_manager.m_saveReport;

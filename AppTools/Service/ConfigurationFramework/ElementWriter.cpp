@@ -29,7 +29,7 @@ const Logging s_log("ConfigWriter");
 constexpr std::size_t fewChildren = 8;
 
 bool isSelected(const ChildSelection& selection, const WrittenElement& child) {
-    const XmlStringView key = child.id.key ? XmlStringView(*child.id.key) : XmlStringView();
+    const XmlStringView key = child.id.key ? XmlStringView(*child.id.key) : u"";
     return areSame(child.id.tag, selection.tag) && (!selection.key || areSame(key, *selection.key));
 }
 
