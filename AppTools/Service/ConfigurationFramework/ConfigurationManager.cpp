@@ -56,6 +56,12 @@ void guard(const ConfigurationRegistration& registration, Action action) {
     }
 }
 
+const ConfigurationManagerLayers&
+orNone(const std::shared_ptr<const ConfigurationManagerLayers>& layers) {
+    static const ConfigurationManagerLayers none;
+    return layers == nullptr ? none : *layers;
+}
+
 } // namespace
 
 ConfigurationManager ConfigurationManager::s_instance;
@@ -259,14 +265,13 @@ FileName ConfigurationManager::targetFile() const {
 
 LayerDocument ConfigurationManager::readSystemFile(AdvancedConfigReader& reader) const {
     return {reader, m_systemFile, AdvancedConfigReader::System, m_validVersions,
-            m_known.layers == nullptr ? LayerDocument() : m_known.layers->system};
+            orNone(m_known.layers).system};
 }
 
 /// @param file the user's, or another that is saved to
 LayerDocument ConfigurationManager::readUserFile(AdvancedConfigReader& reader,
                                                  const FileName& file) const {
-    return {reader, file, AdvancedConfigReader::User, m_validVersions,
-            m_known.layers == nullptr ? LayerDocument() : m_known.layers->user};
+    return {reader, file, AdvancedConfigReader::User, m_validVersions, orNone(m_known.layers).user};
 }
 
 /// Adds the files to a reader and keeps what they hold.
@@ -301,9 +306,9 @@ bool ConfigurationManager::hasSystemConfigFileErrors() {
 
 bool ConfigurationManager::hasUserConfigFileErrors() {
     AdvancedConfigReader unused;
-    const LayerDocument former = m_known.layers == nullptr ? LayerDocument() : m_known.layers->user;
     return isOneOfTwo(m_userFile) &&
-           !LayerDocument(unused, m_userFile, AdvancedConfigReader::System, m_validVersions, former)
+           !LayerDocument(unused, m_userFile, AdvancedConfigReader::System, m_validVersions,
+                          orNone(m_known.layers).user)
                 .isAccepted();
 }
 
@@ -362,14 +367,13 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const auto withDocument = [&](const ConfigurationManagerLayers& layers) {
         return fromSystemFile ? layers.withSystem(document) : layers.withUser(document);
     };
-    const ConfigurationManagerLayers none;
-    const ConfigurationManagerLayers& seen = m_known.layers == nullptr ? none : *m_known.layers;
     const KnownState* const known = knownOf(registration);
     // What the user's file says stays known after a reset from the system's: the reset is a change.
-    setKnown(registration, {.loaded = withDocument(known == nullptr ? none : *known->loaded),
-                            .layers = withDocument(seen),
-                            .keptLocks = former});
-    m_known.layers = withDocument(seen);
+    setKnown(registration,
+             {.loaded = withDocument(orNone(known == nullptr ? nullptr : known->loaded)),
+              .layers = withDocument(orNone(m_known.layers)),
+              .keptLocks = former});
+    m_known.layers = withDocument(orNone(m_known.layers));
     if (m_known.takenOver == nullptr)
         m_known.takenOver = m_known.layers;
     // Even when no file was read: a class may unlock itself when it sets its defaults.

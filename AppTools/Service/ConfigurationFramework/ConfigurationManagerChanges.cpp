@@ -4,7 +4,6 @@
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/reading/ParsedDocument.h>
 #include <ConfigurationFramework/writing/ElementMerge.h>
-#include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>

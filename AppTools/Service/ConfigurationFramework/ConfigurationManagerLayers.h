@@ -20,9 +20,8 @@ public:
     /// Makes the document of no file.
     LayerDocument() = default;
     /// Adds a file to a reader as a source and keeps what the file holds.
-    /// @param former what a file held earlier; if this one holds the same bytes, they are not
-    /// parsed
-    ///               again. Only the bytes tell: times and sizes may be the same for others.
+    /// @param former what a file held earlier; where this one holds the same bytes, they are not
+    ///               parsed again. Times and sizes tell nothing: others may have the same.
     LayerDocument(AdvancedConfigReader& reader, const FileName& file,
                   AdvancedConfigReader::Priority priority,
                   const std::list<std::string>& validVersions, const LayerDocument& former);
