@@ -139,8 +139,9 @@ Counted in millions of instructions (callgrind, 1,000 × 20), which are the same
   writes each object as it was loaded; later saves know what was written.
 - **Growth**: getKeys returns a sorted set, whose time grows with n log n. Look-ups by as many names grow
   less than those in a `std::unordered_set`, and edits by as many names grow like Xerces' own parse of
-  them. In the two rows of schemas, instructions grow 11.6 and 11.3 times; the rest is memory: 50,000
-  types are far beyond the caches.
+  them. Where schemas are filtered and asked, instructions grow 11.6 and 11.3 times; the rest is memory:
+  50,000 types are far beyond the caches. Pruning type by type looks through the types for each name, which
+  takes longer the more there are: 9 µs a call with 2,000 types.
 """
 
 
