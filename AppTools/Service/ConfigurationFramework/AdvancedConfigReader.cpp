@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/LoadedLayer.h>
 #include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/SimpleConfigReader.h>
 #include <ConfigurationFramework/SimpleConfigReaderImpl.h>
@@ -81,6 +82,7 @@ ConfigurationAccessResult AdvancedConfigReader::loadLayered(ConfigurationObject&
     std::unique_ptr<ConfigurationObject> systemCopy;
     const auto result = askAll([&](SimpleConfigReader& source, Priority priority) {
         const auto element = find(*source.m_impl);
+        const LoadedLayer layer(priority == Priority::System);
         const auto loaded = source.m_impl->loadFrom(element, object);
         if (loaded == ConfigurationAccessResult::Success &&
             (priority != Priority::System || isInUserDocument(find)))

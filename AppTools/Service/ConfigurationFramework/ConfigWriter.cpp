@@ -8,6 +8,7 @@
 
 #include <Logging/Logging.h>
 
+#include <optional>
 #include <utility>
 
 namespace Orvant {
@@ -148,7 +149,22 @@ void ConfigWriter::putElement(const std::string& name, const std::string& commen
 
 void ConfigWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
                                          const std::function<void()>& writeContents) {
-    m_impl->putElementUnlessEmpty(name, comment, writeContents);
+    m_impl->putElementUnlessEmpty(name, std::nullopt, comment, writeContents);
+}
+
+void ConfigWriter::putKeyedElement(const std::string& name, const std::string& key,
+                                   const std::string& comment,
+                                   const std::function<void()>& writeContents) {
+    m_impl->keepPlace([&] {
+        createKeyedNodeAndMakeCurrent(name, key, comment);
+        writeContents();
+    });
+}
+
+void ConfigWriter::putKeyedElementUnlessEmpty(const std::string& name, const std::string& key,
+                                              const std::string& comment,
+                                              const std::function<void()>& writeContents) {
+    m_impl->putElementUnlessEmpty(name, key, comment, writeContents);
 }
 
 std::set<std::string>
@@ -177,8 +193,7 @@ void ConfigWriter::putClassContents(const std::string& name, const Configuration
 
 void ConfigWriter::putClassContents(const std::string& name, const std::string& key,
                                     const ConfigurationObject& object, const std::string& comment) {
-    m_impl->keepPlace([&] {
-        createKeyedNodeAndMakeCurrent(name, key, comment);
+    putKeyedElement(name, key, comment, [&] {
         object.saveContent(*this);
         object.keepListsReadable(*this);
     });

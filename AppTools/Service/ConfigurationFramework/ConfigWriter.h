@@ -133,6 +133,15 @@ public:
     void putElementUnlessEmpty(const std::string& name, const std::string& comment,
                                const std::function<void()>& writeContents);
 
+    /// putElement() with a key: createKeyedNode(), then calls back with the new element as the
+    /// current one.
+    void putKeyedElement(const std::string& name, const std::string& key,
+                         const std::string& comment, const std::function<void()>& writeContents);
+    /// putElementUnlessEmpty() with a key: replaces only the child of that name and key.
+    void putKeyedElementUnlessEmpty(const std::string& name, const std::string& key,
+                                    const std::string& comment,
+                                    const std::function<void()>& writeContents);
+
     /// Finds the names that occur deeper down before they occur as a child.
     /// ConfigReader::getStringVector() searches every depth: a list of such a name would be read
     /// from the wrong element.

@@ -127,10 +127,7 @@ void ConfigWriterImpl::createNode(const std::string& name, const std::string& co
 
 void ConfigWriterImpl::createKeyedNode(const std::string& name, const std::string& key,
                                        const std::string& comment) {
-    DOMElement& element = createElement(name);
-    const XmlString keyText = toText(key, name);
-    element.setAttribute(keyAttribute, keyText.c_str());
-    replaceBy(element, {element.getTagName(), keyText}, comment);
+    appendKeyedElement(createElement(name), key, comment);
 }
 
 DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const std::string& comment) {
@@ -142,6 +139,14 @@ DOMElement& ConfigWriterImpl::appendElement(const std::string& name, const std::
 
 void ConfigWriterImpl::appendElement(DOMElement& element, const std::string& comment) {
     replaceBy(element, {element.getTagName(), std::nullopt}, comment);
+}
+
+void ConfigWriterImpl::appendKeyedElement(DOMElement& element, const std::string& key,
+                                          const std::string& comment) {
+    const XmlString keyText =
+        toText(key, XercesHelperFunctions::xmlChToString(element.getTagName()));
+    element.setAttribute(keyAttribute, keyText.c_str());
+    replaceBy(element, {element.getTagName(), keyText}, comment);
 }
 
 /// Appends an element in place of the selected children.
@@ -273,14 +278,20 @@ void ConfigWriterImpl::putText(const std::string& name, const std::string& text,
     appendText(appendElement(name, comment), text);
 }
 
-void ConfigWriterImpl::putElementUnlessEmpty(const std::string& name, const std::string& comment,
+void ConfigWriterImpl::putElementUnlessEmpty(const std::string& name,
+                                             const std::optional<std::string>& key,
+                                             const std::string& comment,
                                              const std::function<void()>& writeContents) {
     DOMElement& element = createElement(name);
     keepPlace([&] {
         m_current = &element;
         writeContents();
     });
-    if (element.hasChildNodes())
+    if (!element.hasChildNodes())
+        return;
+    if (key)
+        appendKeyedElement(element, *key, comment);
+    else
         appendElement(element, comment);
 }
 

@@ -58,7 +58,8 @@ public:
     void putString(const std::string& value) override;
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
                          const std::string& comment) override;
-    void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+    void putElementUnlessEmpty(const std::string& name, const std::optional<std::string>& key,
+                               const std::string& comment,
                                const std::function<void()>& writeContents) override;
     void keepPlace(const std::function<void()>& action) override;
 
@@ -80,6 +81,8 @@ private:
     xercesc::DOMElement& createElement(const std::string& name);
     xercesc::DOMElement& appendElement(const std::string& name, const std::string& comment);
     void appendElement(xercesc::DOMElement& element, const std::string& comment);
+    void appendKeyedElement(xercesc::DOMElement& element, const std::string& key,
+                            const std::string& comment);
     void replaceBy(xercesc::DOMElement& element, const ChildSelection& replaced,
                    const std::string& comment);
     void deleteElement(xercesc::DOMElement& element);

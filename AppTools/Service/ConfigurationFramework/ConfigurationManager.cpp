@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ChangeHold.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ConfigurationManagerChecking.h>
@@ -285,6 +286,22 @@ ConfigurationManagerLayers ConfigurationManager::readLayers(AdvancedConfigReader
     return layers;
 }
 
+std::set<std::string> ConfigurationManager::getKeys(const std::string& name,
+                                                    bool thatMayLock) const {
+    std::set<std::string> keys;
+    AdvancedConfigReader both;
+    AdvancedConfigReader system;
+    if (!readLayers(both).mayLoad())
+        return keys;
+    if (m_fileMode != SystemAndUserFile || !thatMayLock) {
+        both.getKeys(name, keys);
+    } else {
+        readSystemFile(system);
+        system.getKeys(name, keys);
+    }
+    return keys;
+}
+
 bool ConfigurationManager::addSourceToConfigReader(AdvancedConfigReader& reader) {
     ConfigurationManagerLayers layers = readLayers(reader);
     if (m_fileMode == NoFiles)
@@ -354,10 +371,15 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
     const std::shared_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
                                                                  : nullptr);
-    registration.object->setDefaultValues();
+    // Shared: callbacks may unregister it.
+    const std::shared_ptr<ConfigurationObject> object = registration.object;
+    ChangeHold hold(*object);
+    object->setDefaultValues();
 
-    if (m_fileMode == NoFiles)
+    if (m_fileMode == NoFiles) {
+        hold.release();
         return;
+    }
     AdvancedConfigReader reader;
     const LayerDocument document =
         fromSystemFile ? readSystemFile(reader) : readUserFile(reader, targetFile());
@@ -382,7 +404,8 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     // A load that succeeds tells the observers itself; after one that finds nothing, they are told
     // of the defaults here.
     if (loaded == ConfigurationAccessResult::Failure)
-        registration.object->emitSignalsAfterConfigLoading();
+        object->emitSignalsAfterConfigLoading();
+    hold.release();
 }
 
 bool ConfigurationManager::haveFilesChanged() const {

@@ -268,6 +268,11 @@ public:
     /// @throws std::logic_error like resetConfigurationObject()
     void resetConfigurationObject(const std::string& name, const std::string& key,
                                   bool fromUserFile);
+    /// @param name        tag of elements
+    /// @param thatMayLock true: only those of the file whose locks count, that is the system file
+    ///                    or the only one
+    /// @return the keys that elements of that name have in the files, "" for an element without one
+    std::set<std::string> getKeys(const std::string& name, bool thatMayLock = false) const;
     /// @return what is registered, in the order of saving: by name, and objects of one name in the
     ///         order of their registration
     std::vector<ConfigurationRegistration> getRegistrations() const;

@@ -22,7 +22,7 @@ std::string quoted(const std::string& text) {
 }
 
 /// A value as it stands in a sentence.
-std::string shown(const std::string& text, const Setting& setting) {
+std::string shown(const std::string& text, const PlacedSetting& setting) {
     return setting.value->getValueType() == ConfigurationValueBase::StringValue ? quoted(text)
            : text.empty()                                                       ? "(empty)"
                                                                                 : text;
@@ -61,7 +61,8 @@ std::string expected(ConfigurationValueBase::ValueType type) {
 /// The check of one document.
 class ConfigurationManagerChecking::Document {
 public:
-    Document(const LocatedLayers& layers, FileLayer layer, const std::vector<Setting>& settings);
+    Document(const LocatedLayers& layers, FileLayer layer,
+             const std::vector<PlacedSetting>& settings);
 
     void check(std::vector<ConfigurationProblem>& problems);
 
@@ -81,35 +82,35 @@ private:
     const LocatedDocument::Item& item(Element element) const { return m_document.items()[element]; }
     std::string pathOf(Element element) const;
     void add(ConfigurationProblem::Kind kind, Element element, const std::string& text);
-    void checkSetting(Element element, const Setting& setting);
-    void checkText(Element element, const Setting& setting);
+    void checkSetting(Element element, const PlacedSetting& setting);
+    void checkText(Element element, const PlacedSetting& setting);
     void checkOther(Element element);
     void checkUndeclared(Element element);
     void checkLock(Element element, const std::string& obstacle);
-    std::string obstacleOf(Element element, const Setting& setting) const;
-    bool isTaken(const Setting& setting) const;
-    std::string replacementOf(const Setting& setting) const;
-    std::string takenFrom(FileLayer layer, const Setting& setting) const;
+    std::string obstacleOf(Element element, const PlacedSetting& setting) const;
+    bool isTaken(const PlacedSetting& setting) const;
+    std::string replacementOf(const PlacedSetting& setting) const;
+    std::string takenFrom(FileLayer layer, const PlacedSetting& setting) const;
 
     const LocatedLayers& m_layers;
     FileLayer m_layer;
     LocatedDocument& m_document;
     DocumentTree& m_tree;
-    std::vector<const Setting*> m_settings; ///< by element; null: none is read from it
+    std::vector<const PlacedSetting*> m_settings; ///< by element; null: none is read from it
     std::map<Element, std::map<std::string, Declaration>> m_declarations; ///< by parent and tag
     std::vector<State> m_states;                                          ///< by element
     std::vector<ConfigurationProblem>* m_problems = nullptr;
 };
 
 ConfigurationManagerChecking::Document::Document(const LocatedLayers& layers, FileLayer layer,
-                                                 const std::vector<Setting>& settings)
+                                                 const std::vector<PlacedSetting>& settings)
     : m_layers(layers),
       m_layer(layer),
       m_document(*layers.document(layer)),
       m_tree(m_document.tree()),
       m_settings(m_document.items().size(), nullptr),
       m_states(m_document.items().size()) {
-    for (const Setting& setting : settings) {
+    for (const PlacedSetting& setting : settings) {
         const Element element = setting.elements[layer];
         if (element != DocumentTree::none && m_settings[element] == nullptr)
             m_settings[element] = &setting;
@@ -130,7 +131,7 @@ void ConfigurationManagerChecking::Document::check(std::vector<ConfigurationProb
     for (Element element = DocumentTree::root + 1; element < m_states.size(); ++element) {
         if (item(element).tag.empty()) // a reference to an entity
             m_states[element] = m_states[item(element).parent];
-        else if (const Setting* const setting = m_settings[element])
+        else if (const PlacedSetting* const setting = m_settings[element])
             checkSetting(element, *setting);
         else
             checkOther(element);
@@ -149,7 +150,8 @@ void ConfigurationManagerChecking::Document::add(ConfigurationProblem::Kind kind
                            m_states[element].path, text});
 }
 
-void ConfigurationManagerChecking::Document::checkSetting(Element element, const Setting& setting) {
+void ConfigurationManagerChecking::Document::checkSetting(Element element,
+                                                          const PlacedSetting& setting) {
     m_states[element] = {setting.isOpaque  ? Role::Ignored
                          : setting.isGroup ? Role::Group
                          : setting.isList  ? Role::List
@@ -160,8 +162,9 @@ void ConfigurationManagerChecking::Document::checkSetting(Element element, const
     checkLock(element, obstacleOf(element, setting));
 }
 
-void ConfigurationManagerChecking::Document::checkText(Element element, const Setting& setting) {
-    const Conversion conversion = convert(m_document, element, setting.value->getValueType());
+void ConfigurationManagerChecking::Document::checkText(Element element,
+                                                       const PlacedSetting& setting) {
+    const Conversion conversion = convert(m_document, element, *setting.value);
     const std::string said = saidIn(m_document, element, setting.isList);
     const std::string end = "; " + replacementOf(setting);
     switch (conversion.kind) {
@@ -176,6 +179,11 @@ void ConfigurationManagerChecking::Document::checkText(Element element, const Se
         add(ConfigurationProblem::OutOfRange, element,
             said + " is too large for the type of the value" + end);
         break;
+    case Conversion::NotAllowed:
+        add(ConfigurationProblem::OutOfRange, element,
+            said + " is not allowed: it must be " + setting.value->getConstraint().describe() +
+                end);
+        break;
     case Conversion::None:
         add(ConfigurationProblem::NotConverted, element,
             said + " is " + expected(setting.value->getValueType()) + end);
@@ -189,12 +197,13 @@ void ConfigurationManagerChecking::Document::checkText(Element element, const Se
 }
 
 /// Whether the value comes from this file.
-bool ConfigurationManagerChecking::Document::isTaken(const Setting& setting) const {
+bool ConfigurationManagerChecking::Document::isTaken(const PlacedSetting& setting) const {
     return m_layers.layers().mayLoad() && setting.decidingLayer(m_layers) == m_layer;
 }
 
 /// What is taken where a text of this file is not a value as it stands.
-std::string ConfigurationManagerChecking::Document::replacementOf(const Setting& setting) const {
+std::string
+ConfigurationManagerChecking::Document::replacementOf(const PlacedSetting& setting) const {
     if (!m_layers.layers().mayLoad())
         return nothingLoaded;
     const auto layer = setting.decidingLayer(m_layers);
@@ -204,10 +213,10 @@ std::string ConfigurationManagerChecking::Document::replacementOf(const Setting&
 }
 
 std::string ConfigurationManagerChecking::Document::takenFrom(FileLayer layer,
-                                                              const Setting& setting) const {
+                                                              const PlacedSetting& setting) const {
     LocatedDocument& document = *m_layers.document(layer);
     const Element element = setting.elements[layer];
-    const Conversion conversion = convert(document, element, setting.value->getValueType());
+    const Conversion conversion = convert(document, element, *setting.value);
     std::string result = shown(conversion.result, setting);
     if (layer == m_layer)
         return result;
@@ -260,7 +269,7 @@ void ConfigurationManagerChecking::Document::checkUndeclared(Element element) {
 
 /// Why a lock on an element of a setting has no effect; empty: it has one.
 std::string ConfigurationManagerChecking::Document::obstacleOf(Element element,
-                                                               const Setting& setting) const {
+                                                               const PlacedSetting& setting) const {
     if (!setting.isLoaded)
         return "the element is not loaded";
     if (m_layer == UserLayer && setting.isOfSystem)

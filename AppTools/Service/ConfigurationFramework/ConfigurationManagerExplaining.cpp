@@ -7,7 +7,7 @@ namespace Orvant {
 namespace {
 
 /// All but the deciding layer.
-ConfigurationOrigin originOf(const Setting& setting, const LocatedLayers& layers) {
+ConfigurationOrigin originOf(const PlacedSetting& setting, const LocatedLayers& layers) {
     return {.path = setting.path,
             .value = setting.text,
             .layer = ConfigurationOrigin::User, // changed since
@@ -32,9 +32,9 @@ public:
     }
 
     /// @return the setting as these files give it; null when they do not
-    const Setting* take(const Setting& setting) { return m_pairs->take(setting); }
+    const PlacedSetting* take(const PlacedSetting& setting) { return m_pairs->take(setting); }
     /// Says which layer decided a setting that these files give.
-    void decide(const Setting& given, ConfigurationOrigin& origin) const {
+    void decide(const PlacedSetting& given, ConfigurationOrigin& origin) const {
         const auto layer = given.decidingLayer(*m_layers);
         origin.layer = ConfigurationOrigin::Default;
         if (!m_isLoaded || !layer)
@@ -74,13 +74,14 @@ void ConfigurationManagerExplaining::add(const ConfigurationRegistration& regist
     const LocatedLayers& latest = sources.front().layers();
     ConfigurationManagerSettings now(latest);
     now.add(registration, *registration.object);
-    for (const Setting& setting : now.settings()) {
+    for (const PlacedSetting& setting : now.settings()) {
         if (setting.isGroup)
             continue;
         ConfigurationOrigin origin = originOf(setting, latest);
         bool isOpen = true;
         for (Source& source : sources) {
-            const Setting* const given = source.take(setting); // of all: values may share a path
+            const PlacedSetting* const given =
+                source.take(setting); // of all: values may share a path
             if (!isOpen || given == nullptr || given->text != setting.text)
                 continue;
             source.decide(*given, origin);

@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ConfigurationManagerReloading.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ChangeHold.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/ObjectWriter.h>
@@ -32,6 +33,16 @@ bool isSame(const ConfigurationObject& first, const ConfigurationObject& second,
                       second.beginObjectIterator(), second.endObjectIterator(), isSameObject);
 }
 
+/// Calls back with each child and its counterpart in a former state of the object.
+template <typename Visit>
+void forEachChildPair(ConfigurationObject& object, const ConfigurationObject& former, Visit visit) {
+    for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i) {
+        ConfigurationObject& child = *object.beginObjectIterator()[static_cast<std::ptrdiff_t>(i)];
+        if (const auto* const counterpart = object.getCounterpart(child, i, former))
+            visit(child, *counterpart);
+    }
+}
+
 /// Gives the values that are not loaded back to an object that was reset.
 void keepUnloaded(ConfigurationObject& object, const ConfigurationObject& former) {
     auto formerValue = former.beginValueIterator();
@@ -40,11 +51,7 @@ void keepUnloaded(ConfigurationObject& object, const ConfigurationObject& former
          ++value, ++formerValue)
         if (!(*value)->isLoadable())
             adoptState(**value, **formerValue);
-    auto formerChild = former.beginObjectIterator();
-    for (auto child = object.beginObjectIterator();
-         child != object.endObjectIterator() && formerChild != former.endObjectIterator();
-         ++child, ++formerChild)
-        keepUnloaded(**child, **formerChild);
+    forEachChildPair(object, former, keepUnloaded);
 }
 
 bool isInexactInText(const ConfigurationValueBase& value) {
@@ -61,11 +68,7 @@ void keepExact(ConfigurationObject& object, const ConfigurationObject& former) {
         if (isInexactInText(**value) && (*value)->hasValue() && (*formerValue)->hasValue() &&
             textOf(**value) == textOf(**formerValue))
             (*value)->adoptValue(*formerValue);
-    auto formerChild = former.beginObjectIterator();
-    for (auto child = object.beginObjectIterator();
-         child != object.endObjectIterator() && formerChild != former.endObjectIterator();
-         ++child, ++formerChild)
-        keepExact(**child, **formerChild);
+    forEachChildPair(object, former, keepExact);
 }
 
 } // namespace
@@ -88,6 +91,7 @@ bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigRea
 
 void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {
     ConfigurationObject& object = *registration.object;
+    ChangeHold hold(object);
     const std::unique_ptr<const ConfigurationObject> former(object.clone());
     object.restoreLocks(*makeFresh(object));
     object.setDefaultValues();
@@ -96,6 +100,7 @@ void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReade
     keepExact(object, *former);
     if (loaded == ConfigurationAccessResult::Failure)
         object.emitSignalsAfterConfigLoading();
+    hold.release();
 }
 
 } // namespace Orvant

@@ -49,7 +49,7 @@ Element findValue(DocumentTree& tree, Element parent, const std::string& tag, bo
 }
 
 /// The child of a tag and key at a position among those; nothing else counts.
-Element findOccurrence(DocumentTree& tree, Element parent, const Setting& setting,
+Element findOccurrence(DocumentTree& tree, Element parent, const PlacedSetting& setting,
                        std::size_t occurrence) {
     Element found = DocumentTree::none;
     tree.forEachChild(parent, setting.tag, [&](Element child) {
@@ -82,22 +82,22 @@ LocatedLayers::LocatedLayers(const ConfigurationManagerLayers& layers) : m_layer
     }
 }
 
-bool Setting::isReadFrom(FileLayer layer, const LocatedLayers& layers) const {
+bool PlacedSetting::isReadFrom(FileLayer layer, const LocatedLayers& layers) const {
     LocatedDocument* const document = layers.document(layer);
     if (!isLoaded || document == nullptr || elements[layer] == DocumentTree::none)
         return false;
-    return value == nullptr ||
-           convert(*document, elements[layer], value->getValueType()).succeeded();
+    return value == nullptr || convert(*document, elements[layer], *value).succeeded();
 }
 
-std::optional<FileLayer> Setting::decidingLayer(const LocatedLayers& layers) const {
+std::optional<FileLayer> PlacedSetting::decidingLayer(const LocatedLayers& layers) const {
     const bool isLockedBySystem = isOfSystem && !lockedBy.empty();
     if (!isLockedBySystem && isReadFrom(UserLayer, layers))
         return UserLayer;
     return isReadFrom(SystemLayer, layers) ? std::optional(SystemLayer) : std::nullopt;
 }
 
-std::optional<std::string> Setting::textIn(FileLayer layer, const LocatedLayers& layers) const {
+std::optional<std::string> PlacedSetting::textIn(FileLayer layer,
+                                                 const LocatedLayers& layers) const {
     LocatedDocument* const document = layers.document(layer);
     if (document == nullptr || elements[layer] == DocumentTree::none)
         return std::nullopt;
@@ -140,7 +140,7 @@ LayerElements ConfigurationManagerSettings::findAll(const LayerElements& parents
 
 void ConfigurationManagerSettings::add(const ConfigurationRegistration& registration,
                                        const ConfigurationObject& object) {
-    Setting setting;
+    PlacedSetting setting;
     setting.tag = registration.name;
     setting.key = registration.key;
     setting.path = pathOf(registration.name, registration.key);
@@ -171,15 +171,15 @@ void ConfigurationManagerSettings::addFresh(const ConfigurationRegistration& reg
     const std::size_t first = m_settings.size();
     add(registration, object);
     SettingPairs pairs(unloaded.m_settings);
-    for (Setting& setting : m_settings | std::views::drop(first)) {
-        const Setting* const before = pairs.take(setting);
+    for (PlacedSetting& setting : m_settings | std::views::drop(first)) {
+        const PlacedSetting* const before = pairs.take(setting);
         setting.isLoaded = setting.isLoaded && (before == nullptr || before->lockedBy.empty());
     }
 }
 
 /// Adds an object with an element of its own.
 void ConfigurationManagerSettings::addGroup(const ConfigurationObject& object,
-                                            const WrittenElement* written, Setting setting) {
+                                            const WrittenElement* written, PlacedSetting setting) {
     restrictBy(object, setting);
     setting.isGroup = true;
     setting.isOpaque = object.getConfigurationValuesSize() == 0 &&
@@ -195,7 +195,7 @@ void ConfigurationManagerSettings::addGroup(const ConfigurationObject& object,
 /// Adds what is in an object.
 /// @param inherited what its settings have in common; its path is that of the object
 void ConfigurationManagerSettings::addObject(const ConfigurationObject& object, Group& group,
-                                             Setting inherited) {
+                                             PlacedSetting inherited) {
     inherited.isGroup = false;
     inherited.isOpaque = false;
     restrictBy(object, inherited);
@@ -210,8 +210,8 @@ void ConfigurationManagerSettings::addObject(const ConfigurationObject& object, 
 }
 
 void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value, Group& group,
-                                            Setting inherited) {
-    Setting setting = std::move(inherited);
+                                            PlacedSetting inherited) {
+    PlacedSetting setting = std::move(inherited);
     setting.tag = value.getName();
     setting.key.reset();
     setting.path += '/' + setting.tag;
@@ -228,10 +228,10 @@ void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value,
 }
 
 void ConfigurationManagerSettings::addChild(const ConfigurationObject& child, Group& group,
-                                            Setting inherited) {
+                                            PlacedSetting inherited) {
     const WrittenElement* const written =
         child.writesContent() ? group.take(child.getName()) : nullptr;
-    Setting setting = std::move(inherited);
+    PlacedSetting setting = std::move(inherited);
     setting.tag = child.getName();
     setting.key = keyOf(written);
     setting.path += '/' + pathOf(setting.tag, setting.key);
@@ -242,7 +242,7 @@ void ConfigurationManagerSettings::addChild(const ConfigurationObject& child, Gr
 }
 
 /// Adds what was written besides values and children.
-void ConfigurationManagerSettings::addOthers(Group& group, const Setting& inherited) {
+void ConfigurationManagerSettings::addOthers(Group& group, const PlacedSetting& inherited) {
     if (group.written == nullptr)
         return;
     std::map<ElementId, std::size_t> occurrences;
@@ -254,8 +254,8 @@ void ConfigurationManagerSettings::addOthers(Group& group, const Setting& inheri
 }
 
 void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::size_t occurrence,
-                                            const Group& group, Setting inherited) {
-    Setting setting = std::move(inherited);
+                                            const Group& group, PlacedSetting inherited) {
+    PlacedSetting setting = std::move(inherited);
     setting.tag = toUtf8(written.id.tag);
     setting.key = keyOf(&written);
     setting.path += '/' + pathOf(setting.tag, setting.key);
@@ -284,7 +284,7 @@ void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::
 }
 
 /// Whether a file has the setting with items of a list.
-bool ConfigurationManagerSettings::holdsItems(const Setting& setting) const {
+bool ConfigurationManagerSettings::holdsItems(const PlacedSetting& setting) const {
     const LayerElements items = findAll(setting.elements, [](DocumentTree& tree, Element element) {
         return tree.findChild(element, "item");
     });
@@ -293,7 +293,7 @@ bool ConfigurationManagerSettings::holdsItems(const Setting& setting) const {
 
 /// Takes over what an item says for itself and what is in it.
 void ConfigurationManagerSettings::restrictBy(const ConfigurationItemBase& item,
-                                              Setting& setting) const {
+                                              PlacedSetting& setting) const {
     setting.isLoaded = setting.isLoaded && item.isLoadable();
     if (setting.lockedBy.empty() && !item.isEditable())
         setting.lockedBy = pathOfLock(setting).value_or(setting.path);
@@ -301,7 +301,8 @@ void ConfigurationManagerSettings::restrictBy(const ConfigurationItemBase& item,
 
 /// @return path of the element of a setting in the file whose locks count; nothing: it is not
 ///         locked there
-std::optional<std::string> ConfigurationManagerSettings::pathOfLock(const Setting& setting) const {
+std::optional<std::string>
+ConfigurationManagerSettings::pathOfLock(const PlacedSetting& setting) const {
     const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
     const Element element = setting.elements[locking];
     if (element == DocumentTree::none || m_layers.document(locking)->tree().isEditable(element))
@@ -309,16 +310,16 @@ std::optional<std::string> ConfigurationManagerSettings::pathOfLock(const Settin
     return m_layers.document(locking)->path(element);
 }
 
-SettingPairs::SettingPairs(const std::vector<Setting>& settings) {
-    for (const Setting& setting : settings | std::views::reverse)
+SettingPairs::SettingPairs(const std::vector<PlacedSetting>& settings) {
+    for (const PlacedSetting& setting : settings | std::views::reverse)
         m_untaken[{setting.path, setting.isGroup}].push_back(&setting);
 }
 
-const Setting* SettingPairs::take(const Setting& setting) {
+const PlacedSetting* SettingPairs::take(const PlacedSetting& setting) {
     const auto found = m_untaken.find({setting.path, setting.isGroup});
     if (found == m_untaken.end() || found->second.empty())
         return nullptr;
-    const Setting* const next = found->second.back();
+    const PlacedSetting* const next = found->second.back();
     found->second.pop_back();
     return next;
 }

@@ -43,7 +43,7 @@ private:
 
 /// A value of a registered object, an object, or what the class of an object writes besides its
 /// values and children.
-struct Setting {
+struct PlacedSetting {
     std::string path;
     std::string tag;
     std::optional<std::string> key; ///< which the element has to have; nothing: any
@@ -83,28 +83,28 @@ public:
     /// @throws std::logic_error when the factory of the object returns null, and what the object
     ///         throws when it is loaded or saves itself
     void addFresh(const ConfigurationRegistration& registration, bool isLoaded);
-    const std::vector<Setting>& settings() const { return m_settings; }
+    const std::vector<PlacedSetting>& settings() const { return m_settings; }
 
 private:
     /// An element that objects share: one with a name, and the nameless ones in it.
     struct Group;
 
-    void addObject(const ConfigurationObject& object, Group& group, Setting inherited);
-    void addValue(const ConfigurationValueBase& value, Group& group, Setting inherited);
-    void addChild(const ConfigurationObject& child, Group& group, Setting inherited);
-    void addOthers(Group& group, const Setting& inherited);
+    void addObject(const ConfigurationObject& object, Group& group, PlacedSetting inherited);
+    void addValue(const ConfigurationValueBase& value, Group& group, PlacedSetting inherited);
+    void addChild(const ConfigurationObject& child, Group& group, PlacedSetting inherited);
+    void addOthers(Group& group, const PlacedSetting& inherited);
     void addOther(const WrittenElement& written, std::size_t occurrence, const Group& group,
-                  Setting inherited);
+                  PlacedSetting inherited);
     void addGroup(const ConfigurationObject& object, const WrittenElement* written,
-                  Setting setting);
+                  PlacedSetting setting);
     template <typename Find>
     LayerElements findAll(const LayerElements& parents, Find find) const;
-    bool holdsItems(const Setting& setting) const;
-    void restrictBy(const ConfigurationItemBase& item, Setting& setting) const;
-    std::optional<std::string> pathOfLock(const Setting& setting) const;
+    bool holdsItems(const PlacedSetting& setting) const;
+    void restrictBy(const ConfigurationItemBase& item, PlacedSetting& setting) const;
+    std::optional<std::string> pathOfLock(const PlacedSetting& setting) const;
 
     const LocatedLayers& m_layers;
-    std::vector<Setting> m_settings;
+    std::vector<PlacedSetting> m_settings;
     std::vector<std::unique_ptr<ConfigurationObject>> m_objects; ///< that were made here
 };
 
@@ -113,15 +113,15 @@ private:
 class SettingPairs {
 public:
     /// @param settings must outlive this
-    explicit SettingPairs(const std::vector<Setting>& settings);
+    explicit SettingPairs(const std::vector<PlacedSetting>& settings);
 
     /// @return the next setting of the path; null: there is none
-    const Setting* take(const Setting& setting);
+    const PlacedSetting* take(const PlacedSetting& setting);
 
 private:
     using Id = std::pair<std::string, bool>; ///< path, and whether it is a group
 
-    std::map<Id, std::vector<const Setting*>> m_untaken; ///< the next one last
+    std::map<Id, std::vector<const PlacedSetting*>> m_untaken; ///< the next one last
 };
 
 } // namespace Orvant

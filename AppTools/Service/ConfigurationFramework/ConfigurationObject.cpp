@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
+#include <ConfigurationFramework/ConstrainedValue.h>
 #include <ConfigurationFramework/ReaderBelow.h>
 #include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -10,6 +11,7 @@
 #include <ConfigurationFramework/model/ValueCopy.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <ranges>
 #include <stdexcept>
@@ -58,23 +60,29 @@ Item* findByName(const std::vector<Item*>& items, const std::string& name) {
     return found == items.end() ? nullptr : *found;
 }
 
+template <typename T>
+bool becomeCopyAs(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
+    return copyAs<ConfigurationValue<T>>(original, item) ||
+           copyAs<ConstrainedValue<T>>(original, item);
+}
+
 /// Makes an item a copy of another, if the other's clone would be no more than that.
 bool becomeCopy(const ConfigurationValueBase& original, ConfigurationValueBase& item) {
     switch (original.getValueType()) {
     case ConfigurationValueBase::BoolValue:
-        return copyAs<ConfigurationValue<bool>>(original, item);
+        return becomeCopyAs<bool>(original, item);
     case ConfigurationValueBase::IntValue:
-        return copyAs<ConfigurationValue<int>>(original, item);
+        return becomeCopyAs<int>(original, item);
     case ConfigurationValueBase::UnsignedIntValue:
-        return copyAs<ConfigurationValue<unsigned int>>(original, item);
+        return becomeCopyAs<unsigned int>(original, item);
     case ConfigurationValueBase::DoubleValue:
-        return copyAs<ConfigurationValue<double>>(original, item);
+        return becomeCopyAs<double>(original, item);
     case ConfigurationValueBase::FloatValue:
-        return copyAs<ConfigurationValue<float>>(original, item);
+        return becomeCopyAs<float>(original, item);
     case ConfigurationValueBase::StringValue:
-        return copyAs<ConfigurationValue<std::string>>(original, item);
+        return becomeCopyAs<std::string>(original, item);
     case ConfigurationValueBase::StringVectorValue:
-        return copyAs<ConfigurationValue<std::vector<std::string>>>(original, item);
+        return becomeCopyAs<std::vector<std::string>>(original, item);
     }
     return false;
 }
@@ -136,6 +144,7 @@ public:
     void swapWith(ConfigurationObject& object) {
         m_values.swap(object.m_values);
         m_objects.swap(object.m_objects);
+        object.adoptChildren();
     }
 
 private:
@@ -163,6 +172,9 @@ public:
             if (const auto* counterpart = object.counterpartOf(i, &other))
                 run(*object.m_objects[i], *counterpart,
                     counterpart->isEditable() ? values : Values::All);
+        const auto* const prototype = other.getChildPrototype();
+        if (auto* const own = object.getChildPrototype(); own != nullptr && prototype != nullptr)
+            run(*own, *prototype, prototype->isEditable() ? values : Values::All);
     }
 
 private:
@@ -206,11 +218,14 @@ void ConfigurationObject::loadContent(ConfigReader& reader) {
     setEditable(editable);
     for (ConfigurationValueBase* value : m_values)
         value->loadContent(reader);
-    for (ConfigurationObject* child : m_objects) {
-        if (child->getName().empty())
-            child->loadContent(reader);
+    for (std::size_t i = 0; i < m_objects.size(); ++i) {
+        ConfigurationObject& child = *m_objects[i];
+        if (child.getName().empty())
+            child.loadContent(reader);
+        else if (const auto key = getChildKey(i))
+            reader.getClassContents(child.getName(), *key, child);
         else
-            reader.getClassContents(child->getName(), *child);
+            reader.getClassContents(child.getName(), child);
     }
 }
 
@@ -219,11 +234,16 @@ void ConfigurationObject::saveContent(ConfigWriter& writer) const {
         return;
     for (const ConfigurationValueBase* value : m_values)
         value->saveContent(writer);
-    for (const ConfigurationObject* child : m_objects) {
-        if (child->getName().empty())
-            writer.putClassContents(*child);
-        else if (child->writesContent())
-            writer.putClassContents(child->getName(), *child, child->getDescription());
+    for (std::size_t i = 0; i < m_objects.size(); ++i) {
+        const ConfigurationObject& child = *m_objects[i];
+        if (child.getName().empty())
+            writer.putClassContents(child);
+        else if (!child.writesContent())
+            continue;
+        else if (const auto key = getChildKey(i))
+            writer.putClassContents(child.getName(), *key, child, child.getDescription());
+        else
+            writer.putClassContents(child.getName(), child, child.getDescription());
     }
     keepListsReadable(writer);
 }
@@ -232,6 +252,7 @@ ConfigurationObject* ConfigurationObject::clone() const {
     auto copy = makeFresh(*this);
     copyItems(m_values, copy->m_values);
     copyItems(m_objects, copy->m_objects);
+    copy->adoptChildren();
     copy->setEditable(isEditable());
     copy->m_userWarningMessages = m_userWarningMessages;
     return copy.release();
@@ -280,6 +301,8 @@ void ConfigurationObject::overwriteInvalidConfigValues(const ConfigurationObject
     takeFromSystem(*other, !other->isEditable());
     for (std::size_t i = 0; i < m_objects.size(); ++i)
         m_objects[i]->overwriteInvalidConfigValues(counterpartOf(i, other));
+    if (ConfigurationObject* const prototype = getChildPrototype())
+        prototype->overwriteInvalidConfigValues(other->getChildPrototype());
 }
 
 void ConfigurationObject::takeFromSystem(const ConfigurationObject& system, bool locked) {
@@ -323,6 +346,21 @@ ConfigurationObject::getCounterpart(const ConfigurationObject& child, std::size_
         other.m_objects[position]->getName() == child.getName())
         return other.m_objects[position];
     return other.getConfigurationObject(child.getName());
+}
+
+std::optional<std::string> ConfigurationObject::getChildKey(std::size_t /*position*/) const {
+    return std::nullopt;
+}
+
+ConfigurationObject* ConfigurationObject::getChildPrototype() const {
+    return nullptr;
+}
+
+bool ConfigurationObject::hasChild(const std::string& name, const std::string& key) const {
+    for (std::size_t i = 0; i < m_objects.size(); ++i)
+        if (m_objects[i]->getName() == name && getChildKey(i) == key)
+            return true;
+    return false;
 }
 
 /// The counterpart in another object (null: none) of the child at a position.
@@ -404,13 +442,21 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
     for (std::size_t i = 0; i < m_objects.size(); ++i) {
         const ConfigurationObject& child = *m_objects[i];
         const auto save = [&] { saveChild(child, counterpartOf(i, other)); };
+        const auto saveElement = [&] {
+            save();
+            child.keepListsReadable(writer); // also in what an override wrote
+        };
         if (child.getName().empty())
             save();
-        else if (child.writesContent())
-            writer.putElementUnlessEmpty(child.getName(), child.getDescription(), [&] {
-                save();
-                child.keepListsReadable(writer); // also in what an override wrote
-            });
+        else if (!child.writesContent())
+            continue;
+        else if (const auto key = getChildKey(i); !key)
+            writer.putElementUnlessEmpty(child.getName(), child.getDescription(), saveElement);
+        else if (other != nullptr && other->hasChild(child.getName(), *key))
+            writer.putKeyedElementUnlessEmpty(child.getName(), *key, child.getDescription(),
+                                              saveElement);
+        else // even without a difference: it tells that there is a child of that key
+            writer.putKeyedElement(child.getName(), *key, child.getDescription(), saveElement);
     }
     keepListsReadable(writer);
 }
@@ -456,6 +502,31 @@ void ConfigurationObject::addConfigurationValue(ConfigurationValueBase* value) {
 
 void ConfigurationObject::addConfigurationObject(ConfigurationObject* object) {
     append(m_objects, object);
+    object->m_parent = this;
+}
+
+void ConfigurationObject::insertConfigurationObject(std::size_t position,
+                                                    ConfigurationObject* object) {
+    addConfigurationObject(object);
+    const auto place =
+        m_objects.begin() + static_cast<std::ptrdiff_t>(std::min(position, m_objects.size() - 1));
+    std::rotate(place, m_objects.end() - 1, m_objects.end());
+}
+
+std::unique_ptr<ConfigurationObject>
+ConfigurationObject::takeConfigurationObject(std::size_t position) {
+    if (position >= m_objects.size())
+        return nullptr;
+    const auto place = m_objects.begin() + static_cast<std::ptrdiff_t>(position);
+    std::unique_ptr<ConfigurationObject> taken(*place);
+    m_objects.erase(place);
+    taken->m_parent = nullptr;
+    return taken;
+}
+
+void ConfigurationObject::adoptChildren() {
+    for (ConfigurationObject* child : m_objects)
+        child->m_parent = this;
 }
 
 void ConfigurationObject::clearConfigurationItems() {

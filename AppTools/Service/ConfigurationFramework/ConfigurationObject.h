@@ -4,6 +4,8 @@
 #include <ConfigurationFramework/ConfigurationValue.h>
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -124,7 +126,17 @@ public:
     virtual const ConfigurationObject* getCounterpart(const ConfigurationObject& child,
                                                       std::size_t position,
                                                       const ConfigurationObject& other) const;
+    /// Tells children of one name apart. The library loads a child that has a key from the element
+    /// with that key, or else the one without a key, and saves it to the one with the key.
+    /// @param position of the child among those of this object
+    /// @return the key; nothing, by default: the only child of its name
+    virtual std::optional<std::string> getChildKey(std::size_t position) const;
+    /// @return what new children of this object start as, where it makes them while it is loaded;
+    ///         owned by this object. Locks are restored in it as in children. Null by default.
+    virtual ConfigurationObject* getChildPrototype() const;
 
+    /// @return the object that this is a child of; null when there is none
+    const ConfigurationObject* getParent() const { return m_parent; }
     /// @return first value of that name, without searching children; null when there is none
     ConfigurationValueBase* getConfigurationValue(const std::string& name) const;
     /// @return first child of that name; null when there is none
@@ -181,6 +193,11 @@ protected:
     /// Appends a child and takes ownership of it.
     /// @throws std::invalid_argument for null
     void addConfigurationObject(ConfigurationObject* object);
+    /// Inserts a child before the one at a position, or at the end, and takes ownership of it.
+    /// @throws std::invalid_argument for null
+    void insertConfigurationObject(std::size_t position, ConfigurationObject* object);
+    /// @return the child at a position, which is no longer one; null when there is none
+    std::unique_ptr<ConfigurationObject> takeConfigurationObject(std::size_t position);
     /// Deletes all values and children.
     void clearConfigurationItems();
 
@@ -199,10 +216,13 @@ private:
                                              const ConfigurationObject* other) const;
     void takeFromSystem(const ConfigurationObject& system, bool locked);
     void restoreLocks(const ConfigurationObject& former, bool locked);
+    bool hasChild(const std::string& name, const std::string& key) const;
+    void adoptChildren();
 
     std::vector<ConfigurationValueBase*> m_values;
     std::vector<ConfigurationObject*> m_objects;
     std::string m_userWarningMessages;
+    const ConfigurationObject* m_parent = nullptr;
 };
 
 } // namespace Orvant

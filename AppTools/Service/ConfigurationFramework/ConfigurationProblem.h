@@ -23,7 +23,8 @@ struct ConfigurationProblem {
         NotConverted,    ///< the text is not one of the value's type
         PartlyConverted, ///< only the beginning of the text is read: the rest does not convert, or
                          ///< stands after a comment, a reference or other markup
-        OutOfRange,      ///< the number is too large for the value's type
+        OutOfRange,      ///< the number is too large for the value's type, or the text is none of
+                         ///< those that the value's range, choices or condition allow
         OddLock,         ///< an attribute editable that does not lock or unlock anything
         /// No registered object declares or writes the element. That includes one that only the
         /// loadContent() of a class reads, under an old name, say, unless the class declares a

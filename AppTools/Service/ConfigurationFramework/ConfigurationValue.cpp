@@ -84,7 +84,7 @@ void ConfigurationValue<T>::loadContent(ConfigReader& reader) {
     bool editable = isEditable();
     const auto result = std::invoke(TypeOf<T>::get, reader, getName(), loaded, editable);
     setEditable(editable);
-    if (result == ConfigurationAccessResult::Success)
+    if (result == ConfigurationAccessResult::Success && isAllowed(loaded))
         m_value = std::move(loaded);
     else
         resetValue();
@@ -111,6 +111,11 @@ template <typename T>
 void ConfigurationValue<T>::adoptValue(const ConfigurationValueBase* other) {
     if (const auto* const sameType = dynamic_cast<const ConfigurationValue<T>*>(other))
         m_value = sameType->getValue();
+}
+
+template <typename T>
+bool ConfigurationValue<T>::isAllowed(const T& /*value*/) const {
+    return true;
 }
 
 template class ConfigurationValue<bool>;

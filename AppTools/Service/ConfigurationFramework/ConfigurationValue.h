@@ -8,6 +8,9 @@
 
 namespace Orvant {
 
+template <typename T>
+class Setting;
+
 /// One named, typed setting with a default.
 ///
 /// @code
@@ -57,8 +60,17 @@ public:
     bool hasValue() const override { return m_value.has_value(); }
     void resetValue() override { m_value.reset(); }
     void adoptValue(const ConfigurationValueBase* other) override;
+    /// @return whether a load takes a value; what it does not take counts as unreadable. True by
+    ///         default.
+    virtual bool isAllowed(const T& value) const;
 
 private:
+    template <typename U>
+    friend class Setting; // which reads as fast as a member
+
+    /// The value, provided that hasValue() is not overridden.
+    const T& effectiveValue() const { return m_value ? *m_value : m_defaultValue; }
+
     T m_defaultValue;
     std::optional<T> m_value;
 };

@@ -12,4 +12,8 @@ ConfigurationValueBase::ConfigurationValueBase(const std::string& name,
 
 ConfigurationValueBase::~ConfigurationValueBase() = default;
 
+ConfigurationConstraint ConfigurationValueBase::getConstraint() const {
+    return {.label = getDescription()};
+}
+
 } // namespace Orvant

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ConfigurationFramework/ConfigurationConstraint.h>
 #include <ConfigurationFramework/ConfigurationItemBase.h>
 
 namespace Orvant {
@@ -55,6 +56,9 @@ public:
     virtual void resetValue() = 0;
     /// Takes the effective value of `other` as its own. Ignores null and values of another type.
     virtual void adoptValue(const ConfigurationValueBase* other) = 0;
+    /// @return what a dialogue calls the value, and which values it may have; by default its
+    ///         description, and any
+    virtual ConfigurationConstraint getConstraint() const;
 
     /// @return true when a dialogue shows the value
     bool isGuiVisible() const { return m_guiVisibility == Visible; }

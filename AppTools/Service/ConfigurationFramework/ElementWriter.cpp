@@ -198,7 +198,9 @@ void ElementWriter::putStringVector(const std::string& name, const std::vector<s
                 toText(value, name));
 }
 
-void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::string& comment,
+void ElementWriter::putElementUnlessEmpty(const std::string& name,
+                                          const std::optional<std::string>& key,
+                                          const std::string& comment,
                                           const std::function<void()>& writeContents) {
     WrittenElement element{{toValidTag(name), std::nullopt}};
     keepPlace([&] {
@@ -207,8 +209,12 @@ void ElementWriter::putElementUnlessEmpty(const std::string& name, const std::st
     });
     if (element.children.empty() && !element.hasText)
         return;
-    createNode(name, comment);
+    if (key)
+        createKeyedNode(name, *key, comment);
+    else
+        createNode(name, comment);
     WrittenElement& added = m_current.element->children.back();
+    element.id = std::move(added.id);
     element.comment = std::move(added.comment);
     added = std::move(element);
 }

@@ -5,6 +5,7 @@
 #include <ConfigurationFramework/xml/XercesSession.h>
 
 #include <memory>
+#include <optional>
 namespace Orvant {
 
 /// Writes elements that are compared, and printed only if an object asks for it: a DOM takes
@@ -30,7 +31,8 @@ public:
     void putString(const std::string& value) override;
     void putStringVector(const std::string& name, const std::vector<std::string>& values,
                          const std::string& comment) override;
-    void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+    void putElementUnlessEmpty(const std::string& name, const std::optional<std::string>& key,
+                               const std::string& comment,
                                const std::function<void()>& writeContents) override;
     void keepPlace(const std::function<void()>& action) override;
 

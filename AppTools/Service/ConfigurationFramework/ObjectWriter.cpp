@@ -30,19 +30,29 @@ void addValues(const ConfigurationObject& object, bool isSaveOnlyItself, Content
             contents.saveOnly.insert(XercesHelperFunctions::stringToXmlCh((*value)->getName()));
 }
 
+void addNamed(const ConfigurationObject& child, Contents& contents) {
+    XmlString tag = XercesHelperFunctions::stringToXmlCh(child.getName());
+    if (isSaveOnly(child))
+        contents.saveOnly.insert(std::move(tag));
+    else
+        contents.children.emplace(std::move(tag), &child);
+}
+
 void add(const ConfigurationObject& object, Contents& contents) {
     addValues(object, false, contents);
+    // One of a kind speaks for all.
+    if (const ConfigurationObject* const prototype = object.getChildPrototype()) {
+        addNamed(*prototype, contents);
+        return;
+    }
     for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
         const bool isNameless = (*child)->getName().empty();
         if (isNameless && isSaveOnly(**child))
             addValues(**child, true, contents);
         else if (isNameless)
             add(**child, contents);
-        else if (isSaveOnly(**child))
-            contents.saveOnly.insert(XercesHelperFunctions::stringToXmlCh((*child)->getName()));
         else
-            contents.children.emplace(XercesHelperFunctions::stringToXmlCh((*child)->getName()),
-                                      *child);
+            addNamed(**child, contents);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 
 namespace Orvant {
 
@@ -36,32 +37,34 @@ std::string format(const std::vector<std::string>& values) {
     return joined(items);
 }
 
-/// @param get takes one of the two values that a typed value has
-template <typename T, typename Get>
-std::string formatAs(const ConfigurationValueBase& value, Get get) {
+/// @param otherwise what to return for a class that the library does not have
+template <typename T, typename Result, typename Visit>
+Result visitAs(const ConfigurationValueBase& value, Result otherwise, Visit visit) {
     const auto* const typed = dynamic_cast<const ConfigurationValue<T>*>(&value);
-    return typed == nullptr ? std::string() : format(get(*typed));
+    return typed == nullptr ? otherwise : visit(*typed);
 }
 
-template <typename Get>
-std::string formatted(const ConfigurationValueBase& value, Get get) {
+/// Calls back with a value as what it is.
+/// @return what the callback returns, or else `otherwise`
+template <typename Result, typename Visit>
+Result visitTyped(const ConfigurationValueBase& value, Result otherwise, Visit visit) {
     switch (value.getValueType()) {
     case ConfigurationValueBase::BoolValue:
-        return formatAs<bool>(value, get);
+        return visitAs<bool>(value, otherwise, visit);
     case ConfigurationValueBase::IntValue:
-        return formatAs<int>(value, get);
+        return visitAs<int>(value, otherwise, visit);
     case ConfigurationValueBase::UnsignedIntValue:
-        return formatAs<unsigned int>(value, get);
+        return visitAs<unsigned int>(value, otherwise, visit);
     case ConfigurationValueBase::DoubleValue:
-        return formatAs<double>(value, get);
+        return visitAs<double>(value, otherwise, visit);
     case ConfigurationValueBase::FloatValue:
-        return formatAs<float>(value, get);
+        return visitAs<float>(value, otherwise, visit);
     case ConfigurationValueBase::StringValue:
-        return formatAs<std::string>(value, get);
+        return visitAs<std::string>(value, otherwise, visit);
     case ConfigurationValueBase::StringVectorValue:
-        return formatAs<std::vector<std::string>>(value, get);
+        return visitAs<std::vector<std::string>>(value, otherwise, visit);
     }
-    return {};
+    return otherwise;
 }
 
 Conversion conversionOf(NumberMatch match, const std::string& result) {
@@ -109,6 +112,40 @@ bool holdsStrings(DocumentTree& tree, DocumentTree::Element list) {
     return tree.forEachBelow(list, "item", [&](auto item) { return holdsString(tree, item); });
 }
 
+std::vector<std::string> itemsIn(DocumentTree& tree, DocumentTree::Element list) {
+    std::vector<std::string> items;
+    tree.forEachBelow(list, "item", [&](DocumentTree::Element item) {
+        items.emplace_back(tree.text(item).value_or(""));
+        return true;
+    });
+    return items;
+}
+
+/// @param text that converts to the type
+template <typename T>
+T parse(std::string_view text) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return text == "true";
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return std::string(text);
+    } else {
+        std::conditional_t<std::is_floating_point_v<T>, double, int> number{};
+        extractNumber(text, number);
+        return static_cast<T>(number);
+    }
+}
+
+/// Whether the rule of a value allows what converts to it.
+bool allows(const ConfigurationValueBase& value, DocumentTree& tree,
+            DocumentTree::Element element) {
+    return visitTyped(value, true, [&]<typename T>(const ConfigurationValue<T>& typed) {
+        if constexpr (std::is_same_v<T, std::vector<std::string>>)
+            return typed.isAllowed(itemsIn(tree, element));
+        else
+            return typed.isAllowed(parse<T>(tree.text(element).value_or("")));
+    });
+}
+
 /// Converts what readers see of an element.
 Conversion convertSeen(DocumentTree& tree, DocumentTree::Element element,
                        ConfigurationValueBase::ValueType type) {
@@ -148,28 +185,25 @@ std::string joined(const std::vector<std::string>& items) {
 }
 
 std::string textOf(const ConfigurationValueBase& value) {
-    return formatted(value, [](const auto& typed) { return typed.getValue(); });
+    return visitTyped(value, std::string(),
+                      [](const auto& typed) { return format(typed.getValue()); });
 }
 
 std::string defaultTextOf(const ConfigurationValueBase& value) {
-    return formatted(value, [](const auto& typed) { return typed.getDefaultValue(); });
+    return visitTyped(value, std::string(),
+                      [](const auto& typed) { return format(typed.getDefaultValue()); });
 }
 
 std::string textIn(DocumentTree& tree, DocumentTree::Element element, bool isList) {
-    if (!isList)
-        return std::string(tree.text(element).value_or(""));
-    std::vector<std::string> items;
-    tree.forEachBelow(element, "item", [&](DocumentTree::Element item) {
-        items.push_back(textIn(tree, item, false));
-        return true;
-    });
-    return joined(items);
+    return isList ? joined(itemsIn(tree, element)) : std::string(tree.text(element).value_or(""));
 }
 
 Conversion convert(LocatedDocument& document, DocumentTree::Element element,
-                   ConfigurationValueBase::ValueType type) {
-    Conversion conversion = convertSeen(document.tree(), element, type);
-    const bool isList = type == ConfigurationValueBase::StringVectorValue;
+                   const ConfigurationValueBase& value) {
+    Conversion conversion = convertSeen(document.tree(), element, value.getValueType());
+    if (conversion.succeeded() && !allows(value, document.tree(), element))
+        return {Conversion::NotAllowed};
+    const bool isList = value.getValueType() == ConfigurationValueBase::StringVectorValue;
     if (conversion.kind == Conversion::Whole && isCut(document, element, isList))
         conversion.kind = Conversion::Partly;
     return conversion;

@@ -28,6 +28,7 @@ struct Conversion {
         NoText,     ///< none: there is no text where one is needed
         None,       ///< none
         OutOfRange, ///< none, or infinity: the type cannot hold the number
+        NotAllowed, ///< none: the rule of the value does not allow it
         Partly,     ///< the beginning; markup may cut off the rest
         Whole       ///< all of it
     };
@@ -39,8 +40,8 @@ struct Conversion {
     bool succeeded() const { return kind == Whole || kind == Partly || !result.empty(); }
 };
 
-/// @return what a reader makes of an element
+/// @return what a value makes of an element
 Conversion convert(LocatedDocument& document, DocumentTree::Element element,
-                   ConfigurationValueBase::ValueType type);
+                   const ConfigurationValueBase& value);
 
 } // namespace Orvant

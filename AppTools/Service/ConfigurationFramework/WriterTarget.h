@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -45,7 +46,9 @@ public:
     virtual void putString(const std::string& value) = 0;
     virtual void putStringVector(const std::string& name, const std::vector<std::string>& values,
                                  const std::string& comment) = 0;
-    virtual void putElementUnlessEmpty(const std::string& name, const std::string& comment,
+    virtual void putElementUnlessEmpty(const std::string& name,
+                                       const std::optional<std::string>& key,
+                                       const std::string& comment,
                                        const std::function<void()>& writeContents) = 0;
     /// Calls back, and has the current element be the same afterwards, even after an exception.
     virtual void keepPlace(const std::function<void()>& action) = 0;

@@ -211,7 +211,11 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
     const std::size_t count = mergeChanges(*present, change);
     if (count != 0)
         keepListsReadable(*present, change);
-    // An element that was emptied, or was made and stayed empty, is removed.
+    // Without contents, an element with a key still tells that there is a child of that key.
+    const bool isWanted = change.stored != nullptr && change.stored->id.key;
+    if (isWanted)
+        return count + (isNew ? 1 : 0);
+    // Any other that was emptied, or was made and stayed empty, is removed.
     if ((isNew || count != 0) && !present->hasChildNodes()) {
         // Under the same name others may have elements with keys.
         siblings.remove(*present, true);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include <xercesc/util/XMLChar.hpp>
+
 namespace Orvant {
 
 namespace {
@@ -18,6 +20,16 @@ bool isXmlCharacter(code_point c) {
 /// Whether a text is all of characters that are the same in every encoding form.
 bool isPlain(std::string_view text) {
     return std::ranges::all_of(text, [](unsigned char c) { return c >= 0x20 && c < 0x80; });
+}
+
+/// Whether a text is a name of ASCII letters, digits and the like.
+bool isPlainName(std::string_view name) {
+    const auto isLetter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+    };
+    return !name.empty() && isLetter(name.front()) && std::ranges::all_of(name, [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    });
 }
 
 } // namespace
@@ -52,6 +64,13 @@ XmlText toXmlComment(std::string_view text) {
             separated += ' ';
     }
     return toXmlText(separated);
+}
+
+bool isXmlName(std::string_view name) {
+    if (isPlainName(name)) // as most are
+        return true;
+    const XmlText text = toXmlText(name);
+    return !text.changed && xercesc::XMLChar1_0::isValidName(text.text.c_str(), text.text.size());
 }
 
 std::string throughDocument(const std::string& text) {

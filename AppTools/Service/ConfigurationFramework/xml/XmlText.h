@@ -41,6 +41,10 @@ XmlText toXmlText(std::string_view text);
 /// @param text UTF-8
 XmlText toXmlComment(std::string_view text);
 
+/// @return whether an element can have the name (XML 1.0, production Name)
+/// @param name UTF-8
+bool isXmlName(std::string_view name);
+
 /// @return the text in UTF-8 as it reads after going through a document
 /// @param text UTF-8
 std::string throughDocument(const std::string& text);

@@ -1,0 +1,81 @@
+#include <ConfigurationFramework/ConstrainedValue.h>
+
+#include <array>
+#include <charconv>
+#include <stdexcept>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+std::string textOf(bool value) {
+    return value ? "true" : "false";
+}
+std::string textOf(const std::string& value) {
+    return value;
+}
+template <typename Number>
+std::string textOf(Number value) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return {digits.data(), end};
+}
+
+template <typename T>
+std::optional<std::string> limitText(const std::optional<T>& limit) {
+    if constexpr (std::is_arithmetic_v<T>)
+        return limit ? std::optional(textOf(*limit)) : std::nullopt;
+    else
+        return std::nullopt;
+}
+
+} // namespace
+
+template <typename T>
+ConstrainedValue<T>::ConstrainedValue(const std::string& name, const std::string& description,
+                                      const T& defaultValue, GuiVisibility guiVisibility,
+                                      Persistence persistence, ProductType productType,
+                                      std::shared_ptr<const ValueRule<T>> rule)
+    : ConfigurationValue<T>(name, description, defaultValue, guiVisibility, persistence,
+                            productType),
+      m_rule(std::move(rule)) {
+    if (!m_rule->allows(defaultValue))
+        throw std::logic_error("the default of \"" + name + "\" is not allowed: it must be " +
+                               getConstraint().describe());
+}
+
+template <typename T>
+ConfigurationValueBase* ConstrainedValue<T>::clone() const {
+    return new ConstrainedValue<T>(*this);
+}
+
+template <typename T>
+ConfigurationConstraint ConstrainedValue<T>::getConstraint() const {
+    ConfigurationConstraint constraint = ConfigurationValue<T>::getConstraint();
+    if (!m_rule->label.empty())
+        constraint.label = m_rule->label;
+    constraint.minimum = limitText(m_rule->minimum);
+    constraint.maximum = limitText(m_rule->maximum);
+    for (const auto& [value, label] : m_rule->choices)
+        constraint.choices.push_back({textOf(value), label.empty() ? textOf(value) : label});
+    if (m_rule->condition)
+        constraint.condition =
+            m_rule->conditionText.empty() ? "what its condition allows" : m_rule->conditionText;
+    return constraint;
+}
+
+template <typename T>
+bool ConstrainedValue<T>::isAllowed(const T& value) const {
+    return m_rule->allows(value);
+}
+
+template class ConstrainedValue<bool>;
+template class ConstrainedValue<int>;
+template class ConstrainedValue<unsigned int>;
+template class ConstrainedValue<double>;
+template class ConstrainedValue<float>;
+template class ConstrainedValue<std::string>;
+template class ConstrainedValue<std::vector<std::string>>;
+
+} // namespace Orvant

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+
+#include <concepts>
+#include <map>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Orvant {
+
+/// The registered objects of a kind: one for each key that the manager's files have for its name.
+///
+/// @code
+/// KeyedSettings<Plotter> plotters; // registers and loads all that the files have
+/// plotters.add("Hall 1").paper = "A0";
+/// for (const auto& [key, plotter] : plotters)
+///     offer(key, plotter->paper);
+/// @endcode
+///
+/// The objects stay registered when this is destroyed.
+/// @tparam C class of the objects, made without arguments, with a name
+template <std::derived_from<ConfigurationObject> C>
+class KeyedSettings {
+public:
+    /// By key.
+    using Objects = std::map<std::string, std::shared_ptr<C>>;
+
+    /// Registers an object for each key in the files, and loads them.
+    /// @param manager must outlive this; its files and accepted versions are set
+    /// @throws std::logic_error for a class without a name, and whatever an object throws while it
+    ///         is loaded
+    explicit KeyedSettings(ConfigurationManager& manager = ConfigurationManager::getInstance())
+        : m_manager(manager), m_name(C().getName()) {
+        if (m_name.empty())
+            throw std::logic_error("objects with keys need a class with a name");
+        update();
+    }
+    KeyedSettings(const KeyedSettings&) = delete;
+    KeyedSettings& operator=(const KeyedSettings&) = delete;
+    ~KeyedSettings() = default;
+
+    /// Registers objects for keys that are new in the files, after
+    /// ConfigurationManager::reloadConfiguration(). Objects whose elements are gone stay: what was
+    /// changed in them is not lost.
+    /// @throws whatever an object throws while it is loaded
+    void update() {
+        std::vector<ConfigurationRegistration> found;
+        for (const std::string& key : m_manager.getKeys(m_name)) {
+            if (key.empty() || m_objects.contains(key))
+                continue;
+            found.push_back({std::make_shared<C>(), m_name, key});
+        }
+        m_manager.addConfigurationObjects(found);
+        for (const ConfigurationRegistration& registration : found)
+            m_objects.emplace(*registration.key, std::static_pointer_cast<C>(registration.object));
+    }
+    /// @return the object of a key; a new one, registered and loaded from the element without a
+    ///         key, if there is none
+    /// @throws std::invalid_argument for an empty key, and whatever the object throws while it is
+    ///         loaded
+    C& add(const std::string& key) {
+        if (key.empty())
+            throw std::invalid_argument("an object of several needs a key");
+        if (C* const object = find(key))
+            return *object;
+        auto object = std::make_shared<C>();
+        m_manager.addConfigurationObject(object, m_name, key);
+        return *m_objects.emplace(key, std::move(object)).first->second;
+    }
+    /// Unregisters an object, if there is one; the next save drops its element. One that the
+    /// administrator locked stays, and any other that the system file has comes back at the next
+    /// start.
+    void remove(const std::string& key) {
+        const C* const object = find(key);
+        if (object == nullptr ||
+            (object->hasNonEditableEntries() && m_manager.getKeys(m_name, true).contains(key)))
+            return;
+        m_manager.removeConfigurationObject(m_name, key);
+        m_objects.erase(key);
+    }
+    /// @return the object of a key; null when there is none
+    C* find(const std::string& key) const {
+        const auto found = m_objects.find(key);
+        return found == m_objects.end() ? nullptr : found->second.get();
+    }
+    /// @return number of objects
+    std::size_t size() const { return m_objects.size(); }
+    /// @return whether there are none
+    bool empty() const { return m_objects.empty(); }
+    /// The objects, in the order of their keys.
+    /// @{
+    typename Objects::const_iterator begin() const { return m_objects.begin(); }
+    typename Objects::const_iterator end() const { return m_objects.end(); }
+    /// @}
+
+private:
+    ConfigurationManager& m_manager;
+    std::string m_name;
+    Objects m_objects;
+};
+
+} // namespace Orvant

@@ -1,0 +1,268 @@
+#pragma once
+
+#include <ConfigurationFramework/ConstrainedValue.h>
+#include <ConfigurationFramework/Export.h>
+#include <ConfigurationFramework/SettingRules.h>
+
+#include <algorithm>
+#include <concepts>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+// How a Setting becomes a value: what its type is stored as, and what its options say.
+
+/// @cond
+// A default that is out of its range is found by the compiler where that can tell: Clang always,
+// GCC when it optimises. It is an exception at construction everywhere.
+#if defined(__clang__)
+#define ORVANT_REFUSE_IF(condition, text) __attribute__((diagnose_if(condition, text, "error")))
+#else
+#define ORVANT_REFUSE_IF(condition, text)
+#endif
+#if defined(__GNUC__) && !defined(__clang__) && defined(__OPTIMIZE__)
+#define ORVANT_ALWAYS_INLINE [[gnu::always_inline]] inline
+#else
+#define ORVANT_ALWAYS_INLINE
+#endif
+/// @endcond
+
+namespace Orvant {
+
+class SettingsBase;
+
+/// How a type of settings is stored.
+/// @tparam T type of a Setting
+template <typename T>
+struct SettingType {
+    static_assert(
+        !std::is_enum_v<T>,
+        "an enumeration needs texts to be a Setting: specialise Orvant::EnumTexts for it, "
+        "with a static constexpr std::array `texts` of Orvant::EnumText");
+    static_assert(std::is_enum_v<T>,
+                  "a Setting holds bool, int, unsigned int, float, double, std::string, "
+                  "std::vector<std::string> or an enumeration with Orvant::EnumTexts");
+    using Stored = std::string; ///< none
+};
+
+/// Stored as it is.
+template <StoredType T>
+struct SettingType<T> {
+    using Stored = T; ///< type of the ConfigurationValue
+    /// @return the value as it is stored
+    static const T& toStored(const T& value) { return value; }
+};
+
+/// Stored as its text.
+template <EnumWithTexts E>
+struct SettingType<E> {
+    using Stored = std::string; ///< type of the ConfigurationValue
+
+    static_assert(
+        [] {
+            const auto& texts = EnumTexts<E>::texts;
+            for (std::size_t i = 0; i < texts.size(); ++i)
+                for (std::size_t j = 0; j < i; ++j)
+                    if (texts[i].value == texts[j].value || texts[i].text == texts[j].text)
+                        return false;
+            return true;
+        }(),
+        "Orvant::EnumTexts lists each enumerator once, each with a text of its own");
+
+    /// @return whether the enumerator has a text
+    static constexpr bool isListed(E value) {
+        return std::ranges::any_of(EnumTexts<E>::texts,
+                                   [&](const auto& entry) { return entry.value == value; });
+    }
+    /// @return its text
+    /// @throws std::out_of_range when it has none
+    static std::string toStored(E value) {
+        for (const auto& entry : EnumTexts<E>::texts)
+            if (entry.value == value)
+                return std::string(entry.text);
+        throw std::out_of_range("the enumerator has no text");
+    }
+    /// @return the enumerator of a text or, if none has it, of the other
+    /// @throws std::logic_error when none has either
+    static E fromStored(const std::string& text, const std::string& fallback) {
+        for (const std::string* wanted : {&text, &fallback})
+            for (const auto& entry : EnumTexts<E>::texts)
+                if (entry.text == *wanted)
+                    return entry.value;
+        throw std::logic_error("no enumerator has the text \"" + text + '"');
+    }
+};
+
+/// What the options of a Setting say.
+/// @tparam T type of the Setting
+template <typename T>
+class SettingOptions {
+    using Type = SettingType<T>;
+    using Stored = typename Type::Stored;
+    using Rule = ValueRule<Stored>;
+    static constexpr bool isNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
+
+public:
+    /// @{
+    ConfigurationItemBase::GuiVisibility visibility = ConfigurationItemBase::Visible;
+    ConfigurationItemBase::Persistence persistence = ConfigurationItemBase::LoadAndSave;
+    ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
+    /// @}
+
+    /// Takes one option.
+    /// @throws std::logic_error for a limit that the type of the setting does not hold exactly
+    /// @{
+    void add(HiddenSetting /*option*/) { visibility = ConfigurationItemBase::Hidden; }
+    void add(ConfigurationItemBase::Persistence option) { persistence = option; }
+    void add(ConfigurationItemBase::ProductType option) { products = option; }
+    void add(Label option) { rule().label = std::move(option.text); }
+    template <typename Number>
+    void add(Range<Number> option) {
+        static_assert(isNumber, "only a Setting of numbers has a range");
+        if constexpr (isNumber) {
+            rule().minimum = exactly(option.minimum);
+            rule().maximum = exactly(option.maximum);
+            if (!(*rule().minimum <= *rule().maximum))
+                throw std::logic_error("the smallest number of a range is larger than the largest");
+        }
+    }
+    template <typename Value, std::size_t N>
+    void add(const OneOf<Value, N>& option) {
+        auto former = std::exchange(rule().choices, {});
+        for (const Value& value : option.values) {
+            const auto item = toItem(value);
+            const auto found = std::ranges::find(
+                former, item, [](auto& entry) -> const auto& { return entry.first; });
+            rule().choices.emplace_back(item, found == former.end() ? "" : found->second);
+        }
+    }
+    template <typename Condition>
+    void add(Check<Condition> option) {
+        rule().conditionText = std::move(option.text);
+        add(std::move(option.condition));
+    }
+    template <std::predicate<const T&> Condition>
+    void add(Condition condition) {
+        if constexpr (std::is_enum_v<T>)
+            rule().condition = [condition](const std::string& text) {
+                for (const auto& entry : EnumTexts<T>::texts)
+                    if (entry.text == text)
+                        return static_cast<bool>(condition(entry.value));
+                return false;
+            };
+        else
+            rule().condition = std::move(condition);
+    }
+    /// @}
+
+    /// @return which values are allowed; null: any
+    std::shared_ptr<const Rule> takeRule() {
+        if constexpr (std::is_enum_v<T>)
+            if (m_rule == nullptr)
+                return listedTexts();
+        return std::move(m_rule);
+    }
+
+private:
+    Rule& rule() {
+        if (m_rule == nullptr) {
+            if constexpr (std::is_enum_v<T>)
+                m_rule = std::make_shared<Rule>(*listedTexts());
+            else
+                m_rule = std::make_shared<Rule>();
+        }
+        return *m_rule;
+    }
+    /// Shared by all settings of the enumeration that say nothing else.
+    static const std::shared_ptr<const Rule>& listedTexts() {
+        static const std::shared_ptr<const Rule> texts = [] {
+            auto made = std::make_shared<Rule>();
+            for (const auto& entry : EnumTexts<T>::texts)
+                made->choices.emplace_back(entry.text, entry.label);
+            return made;
+        }();
+        return texts;
+    }
+    template <typename Number>
+    static Stored exactly(Number limit) {
+        const auto converted = static_cast<Stored>(limit);
+        const bool isExact =
+            std::is_floating_point_v<Stored> || (static_cast<Number>(converted) == limit &&
+                                                 (converted < Stored{}) == (limit < Number{}));
+        if (!isExact)
+            throw std::logic_error("a limit of the range is not a value of the setting's type");
+        return converted;
+    }
+    template <typename Value>
+    static typename Rule::Item toItem(const Value& value) {
+        if constexpr (std::is_enum_v<T>)
+            return Type::toStored(value);
+        else
+            return static_cast<typename Rule::Item>(value);
+    }
+
+    std::shared_ptr<Rule> m_rule;
+};
+
+/// @throws std::logic_error with the names of object and setting
+[[noreturn]] ORVANT_CONFIGURATIONFRAMEWORK_EXPORT void
+throwBadDeclaration(const SettingsBase& owner, const char* name, const std::string& reason);
+
+/// @param owner   the object of the setting
+/// @param value   the setting
+/// @param refused a value of its type that is not allowed
+/// @throws std::out_of_range with the path of the setting, the refused value, and what is allowed
+[[noreturn]] ORVANT_CONFIGURATIONFRAMEWORK_EXPORT void
+throwNotAllowed(const SettingsBase& owner, const ConfigurationValueBase& value,
+                const ConfigurationValueBase& refused);
+
+/// @return the value of a Setting
+/// @throws std::logic_error, with the names of object and setting, for options that contradict each
+///         other or the default
+template <typename T, typename... Options>
+std::unique_ptr<ConfigurationValueBase> declareValue(const SettingsBase& owner, const char* name,
+                                                     const char* description, T defaultValue,
+                                                     Options... options) {
+    using Type = SettingType<T>;
+    using Stored = typename Type::Stored;
+    try {
+        SettingOptions<T> taken;
+        (taken.add(std::move(options)), ...);
+        const auto& [visibility, persistence, products] =
+            std::tie(taken.visibility, taken.persistence, taken.products);
+        const Stored& stored = Type::toStored(defaultValue);
+        if (auto rule = taken.takeRule())
+            return std::make_unique<ConstrainedValue<Stored>>(
+                name, description, stored, visibility, persistence, products, std::move(rule));
+        return std::make_unique<ConfigurationValue<Stored>>(name, description, stored, visibility,
+                                                            persistence, products);
+    } catch (const std::logic_error& error) { // std::out_of_range is one
+        throwBadDeclaration(owner, name, error.what());
+    }
+}
+
+/// @cond
+#if defined(__GNUC__) && !defined(__clang__) && defined(__OPTIMIZE__)
+[[gnu::error("the default of the setting is out of its range")]] void refuseDefault();
+
+template <typename Number, typename T>
+[[gnu::always_inline]] inline Range<Number> checkedAtBuild(Range<Number> range, T defaultValue) {
+    const bool isOutside = !range.contains(defaultValue);
+    if (__builtin_constant_p(isOutside) && isOutside)
+        refuseDefault();
+    return range;
+}
+#else
+template <typename Number, typename T>
+Range<Number> checkedAtBuild(Range<Number> range, T /*defaultValue*/) {
+    return range;
+}
+#endif
+/// @endcond
+
+} // namespace Orvant

@@ -1,0 +1,117 @@
+#include <ConfigurationFramework/SettingsBase.h>
+
+#include <ConfigurationFramework/ChangeHold.h>
+#include <ConfigurationFramework/KeyedGroup.h>
+#include <ConfigurationFramework/xml/XmlText.h>
+
+#include <algorithm>
+#include <ranges>
+#include <stdexcept>
+#include <utility>
+
+namespace Orvant {
+
+namespace {
+
+std::string quoted(const std::string& name) {
+    return '"' + name + '"';
+}
+
+/// Calls back with each name that an object uses in an element, with those of nameless children.
+template <typename Visit>
+void forEachName(const ConfigurationObject& object, Visit visit) {
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        visit((*value)->getName());
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
+        if ((*child)->getName().empty())
+            forEachName(**child, visit);
+        else
+            visit((*child)->getName());
+    }
+    if (const auto* const group = dynamic_cast<const KeyedGroup*>(&object)) {
+        visit(group->getChildPrototype()->getName());
+        visit(group->removedTag());
+    }
+}
+
+void checkName(const std::string& name, const std::string& objectName) {
+    if (!isXmlName(name))
+        throw std::logic_error("the setting " + quoted(name) + " of the object " +
+                               quoted(objectName) + " cannot be the name of an XML element");
+}
+
+void checkIsNew(const std::string& name, const ConfigurationObject& object) {
+    forEachName(object, [&](const std::string& taken) {
+        if (taken == name)
+            throw std::logic_error("the setting " + quoted(name) + " of the object " +
+                                   quoted(object.getName()) + " is declared twice");
+    });
+}
+
+} // namespace
+
+SettingsBase::SettingsBase(const std::string& name, const std::string& description,
+                           Persistence persistence, ProductType productType)
+    : ConfigurationObject(name, description, persistence, productType) {
+    if (!name.empty() && !isXmlName(name))
+        throw std::logic_error("the object " + quoted(name) +
+                               " cannot have the name of an XML element");
+}
+
+SettingsBase::~SettingsBase() {
+    for (const auto& observer : m_observers)
+        observer->end();
+}
+
+void SettingsBase::setDefaultValues() {
+    ChangeHold hold(*this);
+    ConfigurationObject::setDefaultValues();
+    hold.release();
+}
+
+void SettingsBase::emitSignalsAfterConfigLoading() {
+    FirstException exception;
+    exception.run([&] { ConfigurationObject::emitSignalsAfterConfigLoading(); });
+    exception.run([&] { tellChanges(); });
+    exception.rethrow();
+}
+
+bool SettingsBase::isLocked() const {
+    const ConfigurationObject* object = this;
+    while (object != nullptr && object->isEditable())
+        object = object->getParent();
+    return object != nullptr;
+}
+
+std::size_t SettingsBase::declare(std::unique_ptr<ConfigurationValueBase> value) {
+    checkName(value->getName(), getName());
+    checkIsNew(value->getName(), *this);
+    addConfigurationValue(value.release());
+    return getConfigurationValuesSize() - 1;
+}
+
+std::size_t SettingsBase::declare(std::unique_ptr<ConfigurationObject> child) {
+    if (!child->getName().empty()) {
+        checkName(child->getName(), getName());
+        checkIsNew(child->getName(), *this);
+    } else {
+        forEachName(*child, [&](const std::string& name) {
+            checkName(name, getName());
+            checkIsNew(name, *this);
+        });
+    }
+    addConfigurationObject(child.release());
+    return getConfigurationObjectsSize() - 1;
+}
+
+void SettingsBase::observe(std::shared_ptr<ChangeObserver> observer) {
+    std::erase_if(m_observers, [](const auto& former) { return !former->isActive(); });
+    m_observers.push_back(std::move(observer));
+}
+
+void SettingsBase::tellChanges() const {
+    if (!m_observers.empty())
+        tellAll(m_observers);
+}
+
+} // namespace Orvant

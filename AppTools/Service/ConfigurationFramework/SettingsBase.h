@@ -1,0 +1,67 @@
+#pragma once
+
+#include <ConfigurationFramework/ChangeSubscription.h>
+#include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/ConfigurationValueBase.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvant {
+
+/// What all Settings have in common: they know what is declared in them, and who watches it.
+///
+/// Not to be copied as other objects are: their handles would point to the original. clone() makes
+/// copies whose handles are right.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT SettingsBase : public ConfigurationObject {
+public:
+    SettingsBase(const SettingsBase&) = delete;
+    SettingsBase& operator=(const SettingsBase&) = delete;
+    ~SettingsBase() override;
+
+    /// Resets like any object, and tells those who watch.
+    /// @throws the first exception of a callback, when all have been called
+    void setDefaultValues() override;
+    /// Tells those who watch what the load changed, here and in the children.
+    /// @throws the first exception of a callback, when all have been called
+    void emitSignalsAfterConfigLoading() override;
+
+    /// @return true when the object or one that it is in is locked
+    bool isLocked() const;
+
+    // For the handles in Settings.
+
+    /// Appends a value and takes ownership of it.
+    /// @return its position
+    /// @throws std::logic_error, with the names of object and value, for a name that XML does not
+    ///         allow or that something in the object's element has already
+    std::size_t declare(std::unique_ptr<ConfigurationValueBase> value);
+    /// Appends a child and takes ownership of it.
+    /// @return its position
+    /// @throws std::logic_error like declare() of a value; for a child that is stored inline, with
+    ///         any name in it
+    std::size_t declare(std::unique_ptr<ConfigurationObject> child);
+    /// Adds somebody who is told of changes.
+    void observe(std::shared_ptr<ChangeObserver> observer);
+    /// Tells of changes to the object's own values.
+    /// @throws the first exception of a callback, when all have been called
+    void tellChanges() const;
+    /// @return all who are told
+    const std::vector<std::shared_ptr<ChangeObserver>>& observers() const { return m_observers; }
+
+protected:
+    /// @param name        tag of the object's element; empty for a child that is stored inline
+    /// @param description comment before the element of a child
+    /// @param persistence whether the object is loaded and saved
+    /// @param productType products that have the object
+    /// @throws std::logic_error for a name that XML does not allow
+    SettingsBase(const std::string& name, const std::string& description, Persistence persistence,
+                 ProductType productType);
+
+private:
+    std::vector<std::shared_ptr<ChangeObserver>> m_observers;
+};
+
+} // namespace Orvant

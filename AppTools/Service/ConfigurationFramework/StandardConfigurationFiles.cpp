@@ -1,0 +1,84 @@
+#include <ConfigurationFramework/StandardConfigurationFiles.h>
+
+#include <FileHandling/FileUtilities.h>
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace Orvant {
+
+namespace {
+
+bool isAbsolute(std::string_view path) {
+    return path.starts_with('/');
+}
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    return value == nullptr ? "" : value;
+}
+
+/// What the user database says, for a process without the variable HOME; empty: nothing.
+std::string homeOfUser() {
+    passwd entry{};
+    passwd* found = nullptr;
+    std::array<char, 16384> texts{};
+    const int error = getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found);
+    return error == 0 && found != nullptr ? found->pw_dir : "";
+}
+
+/// Folder of the user's files; empty: there is none.
+std::string userFolder() {
+    std::string folder = environment("XDG_CONFIG_HOME");
+    if (isAbsolute(folder))
+        return folder;
+    std::string home = environment("HOME");
+    if (!isAbsolute(home))
+        home = homeOfUser();
+    return isAbsolute(home) ? home + "/.config" : "";
+}
+
+/// Folders of the administrator's files, the most important one first.
+std::vector<std::string> systemFolders() {
+    const std::string variable = environment("XDG_CONFIG_DIRS");
+    std::vector<std::string> folders;
+    for (std::size_t start = 0; start <= variable.size();) {
+        const std::size_t end = std::min(variable.find(':', start), variable.size());
+        if (const std::string folder = variable.substr(start, end - start); isAbsolute(folder))
+            folders.push_back(folder);
+        start = end + 1;
+    }
+    if (folders.empty())
+        folders.emplace_back("/etc/xdg");
+    return folders;
+}
+
+} // namespace
+
+StandardConfigurationFiles standardConfigurationFiles(const std::string& application) {
+    if (application.empty() || application == "." || application == ".." ||
+        application.find('/') != std::string::npos || application.find('\0') != std::string::npos)
+        throw std::invalid_argument("\"" + application + "\" cannot be the name of a folder");
+    const auto fileIn = [&](const std::string& folder) {
+        return FileName(folder + '/' + application + '/' + application + ".xml");
+    };
+    const std::vector<std::string> folders = systemFolders();
+    StandardConfigurationFiles files{.system = fileIn(folders.front()), .user = {}};
+    for (const std::string& folder : folders) {
+        if (!FileUtilities::exists(fileIn(folder)))
+            continue;
+        files.system = fileIn(folder);
+        break;
+    }
+    if (const std::string folder = userFolder(); !folder.empty())
+        files.user = fileIn(folder);
+    return files;
+}
+
+} // namespace Orvant
