@@ -199,6 +199,10 @@ void keepListsReadable(DOMElement& group, const ElementChange& change) {
     }
 }
 
+bool isRoot(const DOMElement& element) {
+    return element.getOwnerDocument()->getDocumentElement() == &element;
+}
+
 std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* present,
                        const ElementChange& change) {
     if (present == nullptr && change.stored == nullptr)
@@ -211,9 +215,8 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
     const std::size_t count = mergeChanges(*present, change);
     if (count != 0)
         keepListsReadable(*present, change);
-    // Without contents, an element with a key still tells that there is a child of that key.
-    const bool isWanted = change.stored != nullptr && change.stored->id.key;
-    if (isWanted)
+    // Without contents, an element with a key still tells an object that it has such a child.
+    if (change.stored != nullptr && change.stored->id.key && !isRoot(parent))
         return count + (isNew ? 1 : 0);
     // Any other that was emptied, or was made and stayed empty, is removed.
     if ((isNew || count != 0) && !present->hasChildNodes()) {
