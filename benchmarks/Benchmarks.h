@@ -12,6 +12,7 @@ namespace Orvant::Benchmarks {
 /// @{
 void registerLoadBenchmarks();
 void registerReadOneBenchmarks();
+void registerDeclarationBenchmarks();
 void registerSaveBenchmarks();
 void registerCheckBenchmarks();
 void registerMemoryBenchmarks();

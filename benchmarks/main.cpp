@@ -44,6 +44,7 @@ int main(int argc, char** argv) {
 
     registerLoadBenchmarks();
     registerReadOneBenchmarks();
+    registerDeclarationBenchmarks();
     registerSaveBenchmarks();
     registerCheckBenchmarks();
     registerMemoryBenchmarks();

@@ -28,6 +28,8 @@ SAVE = "Save one changed value"
 FLUSHED = f"{SAVE} to the disk"
 UNCHANGED = "Save without a change"
 OPEN = "Memory held by the open system file"
+READ = "Read a declared setting, a million times"
+DECLARATION = "Memory of a declaration"
 TARGETS = [
     ("load 1,000 × 20, against XercesDOMParser parsing the same two files",
      LOAD, ("Load", DOM, MIDDLE), 0.35),
@@ -61,6 +63,10 @@ TARGETS = [
      (UNCHANGED, MERGE, MIDDLE), (UNCHANGED, SET_BACK, MIDDLE), None),
     ("memory held by an open reader, against the Xerces DOM of the same file",
      (OPEN, LIBRARY, MIDDLE), (OPEN, "XercesDOMParser", MIDDLE), 0.4),
+    ("read a declared number, against reading a member",
+     (READ, LIBRARY, "1000000"), (READ, "a member", "1000000"), 2),
+    ("allocations of a declaration, against one by hand",
+     (DECLARATION, LIBRARY, "1x5"), (DECLARATION, "by hand", "1x5"), 1),
 ]
 GROWTH_LIMIT = 12
 GROWTH_TARGET = "load objects of 20 values"
@@ -95,6 +101,8 @@ comparable.
 - *Save without a change*: `InPlace` and `Replace` write the file again. `Merge` finds out that no object
   has changed. QSettings looks whether the file has. KConfig does nothing at all, unless something was set:
   in a row of its own, a value is set and set back.
+- *Read a declared setting*: a `Setting<double>`, beside a plain member and what the application would
+  write without it. *Declare*: objects of five values, with `Setting` and by hand.
 - *Open and check*: whether the user's file could be loaded. KConfig skips what it does not understand,
   and is left out.
 - *Memory*: what the whole process takes from the heap.

@@ -203,6 +203,7 @@ ConfigurationObject& ConfigurationObject::operator=(const ConfigurationObject& o
     m_userWarningMessages = other.m_userWarningMessages;
     ConfigurationItemBase::operator=(other);
     items.swapWith(*this);
+    onItemsReplaced();
     return *this;
 }
 
@@ -253,6 +254,7 @@ ConfigurationObject* ConfigurationObject::clone() const {
     copyItems(m_values, copy->m_values);
     copyItems(m_objects, copy->m_objects);
     copy->adoptChildren();
+    copy->onItemsReplaced();
     copy->setEditable(isEditable());
     copy->m_userWarningMessages = m_userWarningMessages;
     return copy.release();
@@ -528,6 +530,8 @@ void ConfigurationObject::adoptChildren() {
     for (ConfigurationObject* child : m_objects)
         child->m_parent = this;
 }
+
+void ConfigurationObject::onItemsReplaced() {}
 
 void ConfigurationObject::clearConfigurationItems() {
     deleteAll(m_values);

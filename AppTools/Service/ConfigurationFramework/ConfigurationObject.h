@@ -200,6 +200,9 @@ protected:
     std::unique_ptr<ConfigurationObject> takeConfigurationObject(std::size_t position);
     /// Deletes all values and children.
     void clearConfigurationItems();
+    /// Is called when the object got other values or children in place of its own, by clone() or an
+    /// assignment: pointers to them are to be renewed. Does nothing by default.
+    virtual void onItemsReplaced();
 
 private:
     friend class ConfigWriter; // calls keepListsReadable() when an object has written itself

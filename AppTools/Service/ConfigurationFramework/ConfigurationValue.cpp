@@ -84,10 +84,12 @@ void ConfigurationValue<T>::loadContent(ConfigReader& reader) {
     bool editable = isEditable();
     const auto result = std::invoke(TypeOf<T>::get, reader, getName(), loaded, editable);
     setEditable(editable);
-    if (result == ConfigurationAccessResult::Success && isAllowed(loaded))
-        m_value = std::move(loaded);
-    else
+    if (result != ConfigurationAccessResult::Success || !isAllowed(loaded)) {
         resetValue();
+        return;
+    }
+    m_value = std::move(loaded);
+    onValueChanged();
 }
 
 template <typename T>
@@ -110,13 +112,16 @@ ConfigurationValueBase* ConfigurationValue<T>::clone() const {
 template <typename T>
 void ConfigurationValue<T>::adoptValue(const ConfigurationValueBase* other) {
     if (const auto* const sameType = dynamic_cast<const ConfigurationValue<T>*>(other))
-        m_value = sameType->getValue();
+        setValue(sameType->getValue());
 }
 
 template <typename T>
 bool ConfigurationValue<T>::isAllowed(const T& /*value*/) const {
     return true;
 }
+
+template <typename T>
+void ConfigurationValue<T>::onValueChanged() {}
 
 template class ConfigurationValue<bool>;
 template class ConfigurationValue<int>;

@@ -49,7 +49,10 @@ public:
     const T& getDefaultValue() const { return m_defaultValue; }
     /// Sets the value; one that equals the default is still a value. Does not check locks: the
     /// application must honour them as well.
-    void setValue(const T& value) { m_value = value; }
+    void setValue(const T& value) {
+        m_value = value;
+        onValueChanged();
+    }
 
     void loadContent(ConfigReader& reader) override;
     void saveContent(ConfigWriter& writer) const override;
@@ -58,11 +61,18 @@ public:
     bool comapreValue(const ConfigurationValueBase* other) const override;
     ConfigurationValueBase* clone() const override;
     bool hasValue() const override { return m_value.has_value(); }
-    void resetValue() override { m_value.reset(); }
+    void resetValue() override {
+        m_value.reset();
+        onValueChanged();
+    }
     void adoptValue(const ConfigurationValueBase* other) override;
     /// @return whether a load takes a value; what it does not take counts as unreadable. True by
     ///         default.
     virtual bool isAllowed(const T& value) const;
+
+protected:
+    /// Is called when the value was set, loaded, adopted or reset. Does nothing by default.
+    virtual void onValueChanged();
 
 private:
     template <typename U>

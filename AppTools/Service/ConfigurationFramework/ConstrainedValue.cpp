@@ -43,6 +43,7 @@ ConstrainedValue<T>::ConstrainedValue(const std::string& name, const std::string
     if (!m_rule->allows(defaultValue))
         throw std::logic_error("the default of \"" + name + "\" is not allowed: it must be " +
                                getConstraint().describe());
+    m_defaultCode = m_code = codeOf(defaultValue);
 }
 
 template <typename T>
@@ -68,6 +69,21 @@ ConfigurationConstraint ConstrainedValue<T>::getConstraint() const {
 template <typename T>
 bool ConstrainedValue<T>::isAllowed(const T& value) const {
     return m_rule->allows(value);
+}
+
+template <typename T>
+void ConstrainedValue<T>::onValueChanged() {
+    if (!m_rule->codes.empty())
+        m_code = codeOf(this->getValue());
+}
+
+template <typename T>
+std::int64_t ConstrainedValue<T>::codeOf(const T& value) const {
+    if constexpr (std::is_same_v<T, typename ValueRule<T>::Item>)
+        for (std::size_t i = 0; i < m_rule->codes.size(); ++i)
+            if (m_rule->choices[i].first == value)
+                return m_rule->codes[i];
+    return m_defaultCode;
 }
 
 template class ConstrainedValue<bool>;

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigurationValue.h>
 #include <ConfigurationFramework/ValueRule.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,9 +51,20 @@ public:
     bool isAllowed(const T& value) const override;
     /// @return which values are allowed
     const ValueRule<T>& getRule() const { return *m_rule; }
+    /// @return code of the choice that applies; of a value that is none of them, getDefaultCode()
+    std::int64_t getCode() const { return m_code; }
+    /// @return code of the default; 0 when the rule has no codes
+    std::int64_t getDefaultCode() const { return m_defaultCode; }
+
+protected:
+    void onValueChanged() override;
 
 private:
+    std::int64_t codeOf(const T& value) const;
+
     std::shared_ptr<const ValueRule<T>> m_rule;
+    std::int64_t m_defaultCode = 0;
+    std::int64_t m_code = 0; ///< known before it is asked for, so that reading needs no search
 };
 
 extern template class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConstrainedValue<bool>;

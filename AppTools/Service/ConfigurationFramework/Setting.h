@@ -33,7 +33,7 @@ namespace Orvant {
 /// @tparam T bool, int, unsigned int, float, double, std::string, std::vector<std::string>, or an
 ///           enumeration with EnumTexts
 template <typename T>
-class Setting {
+class Setting : public SettingHandle {
     using Type = SettingType<T>;
     using Stored = typename Type::Stored;
 
@@ -56,9 +56,8 @@ public:
     template <typename... Options>
     Setting(SettingsBase* owner, const char* name, const char* description, T defaultValue,
             Options... options)
-        : m_owner(owner),
-          m_position(owner->declare(declareValue<T>(
-              *owner, name, description, std::move(defaultValue), std::move(options)...))) {}
+        : SettingHandle(*owner, declareValue<T>(*owner, name, description, std::move(defaultValue),
+                                                std::move(options)...)) {}
     /// Like the above, with the range first.
     template <typename Number, typename... Options>
         requires std::is_arithmetic_v<T>
@@ -74,7 +73,7 @@ public:
     ///         the default
     Value get() const {
         if constexpr (std::is_enum_v<T>)
-            return Type::fromStored(stored().effectiveValue(), stored().getDefaultValue());
+            return static_cast<T>(constrained().getCode());
         else
             return stored().effectiveValue();
     }
@@ -92,7 +91,7 @@ public:
         if (!stored().isAllowed(text))
             refuse(text);
         stored().setValue(text);
-        m_owner->tellChanges();
+        owner().tellChanges();
         return true;
     }
     /// set()
@@ -108,7 +107,7 @@ public:
         if (isLocked())
             return false;
         stored().resetValue();
-        m_owner->tellChanges();
+        owner().tellChanges();
         return true;
     }
 
@@ -117,12 +116,12 @@ public:
     /// @return the default
     Value defaultValue() const {
         if constexpr (std::is_enum_v<T>)
-            return Type::fromStored(stored().getDefaultValue(), stored().getDefaultValue());
+            return static_cast<T>(constrained().getDefaultCode());
         else
             return stored().getDefaultValue();
     }
     /// @return whether the setting, its object or one that this is in is locked
-    bool isLocked() const { return !stored().isEditable() || m_owner->isLocked(); }
+    bool isLocked() const { return !stored().isEditable() || owner().isLocked(); }
     /// @return tag of its element
     const std::string& name() const { return stored().getName(); }
     /// @return what a dialogue calls it
@@ -140,7 +139,7 @@ public:
     template <std::invocable<const T&> Callback>
     [[nodiscard]] ChangeSubscription onChange(Callback callback) {
         auto observer = std::make_shared<Observer<Callback>>(*this, std::move(callback));
-        m_owner->observe(observer);
+        owner().observe(observer);
         return ChangeSubscription(std::move(observer));
     }
 
@@ -181,20 +180,17 @@ private:
         Callback m_callback;
     };
 
-    // What declare() took, or its own clone, is at the position.
     ConfigurationValue<Stored>& stored() const {
-        return static_cast<ConfigurationValue<Stored>&>(
-            *m_owner->beginValueIterator()[static_cast<std::ptrdiff_t>(m_position)]);
+        return static_cast<ConfigurationValue<Stored>&>(value());
     }
-
+    const ConstrainedValue<Stored>& constrained() const {
+        return static_cast<const ConstrainedValue<Stored>&>(value());
+    }
     [[noreturn]] void refuse(const Stored& value) const {
         ConfigurationValue<Stored> refused(stored());
         refused.setValue(value);
-        throwNotAllowed(*m_owner, stored(), refused);
+        throwNotAllowed(owner(), stored(), refused);
     }
-
-    SettingsBase* m_owner;
-    std::size_t m_position;
 };
 
 template <typename T>
@@ -203,9 +199,8 @@ template <typename Number, typename... Options>
 ORVANT_ALWAYS_INLINE Setting<T>::Setting(SettingsBase* owner, const char* name,
                                          const char* description, T defaultValue,
                                          Range<Number> range, Options... options)
-    : m_owner(owner),
-      m_position(owner->declare(declareValue<T>(*owner, name, description, defaultValue,
-                                                checkedAtBuild(range, defaultValue),
-                                                std::move(options)...))) {}
+    : SettingHandle(*owner,
+                    declareValue<T>(*owner, name, description, defaultValue,
+                                    checkedAtBuild(range, defaultValue), std::move(options)...)) {}
 
 } // namespace Orvant

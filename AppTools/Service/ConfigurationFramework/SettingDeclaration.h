@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <concepts>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -74,28 +75,17 @@ struct SettingType<E> {
         }(),
         "Orvant::EnumTexts lists each enumerator once, each with a text of its own");
 
-    /// @return whether the enumerator has a text
-    static constexpr bool isListed(E value) {
-        return std::ranges::any_of(EnumTexts<E>::texts,
-                                   [&](const auto& entry) { return entry.value == value; });
+    /// @return what is listed of an enumerator
+    /// @throws std::out_of_range when it is not
+    static const auto& entryOf(E value) {
+        for (const auto& entry : EnumTexts<E>::texts)
+            if (entry.value == value)
+                return entry;
+        throw std::out_of_range("the enumerator has no text");
     }
     /// @return its text
     /// @throws std::out_of_range when it has none
-    static std::string toStored(E value) {
-        for (const auto& entry : EnumTexts<E>::texts)
-            if (entry.value == value)
-                return std::string(entry.text);
-        throw std::out_of_range("the enumerator has no text");
-    }
-    /// @return the enumerator of a text or, if none has it, of the other
-    /// @throws std::logic_error when none has either
-    static E fromStored(const std::string& text, const std::string& fallback) {
-        for (const std::string* wanted : {&text, &fallback})
-            for (const auto& entry : EnumTexts<E>::texts)
-                if (entry.text == *wanted)
-                    return entry.value;
-        throw std::logic_error("no enumerator has the text \"" + text + '"');
-    }
+    static std::string toStored(E value) { return std::string(entryOf(value).text); }
 };
 
 /// What the options of a Setting say.
@@ -133,12 +123,13 @@ public:
     }
     template <typename Value, std::size_t N>
     void add(const OneOf<Value, N>& option) {
-        auto former = std::exchange(rule().choices, {});
+        rule().choices.clear();
+        rule().codes.clear();
         for (const Value& value : option.values) {
-            const auto item = toItem(value);
-            const auto found = std::ranges::find(
-                former, item, [](auto& entry) -> const auto& { return entry.first; });
-            rule().choices.emplace_back(item, found == former.end() ? "" : found->second);
+            if constexpr (std::is_enum_v<T>)
+                addChoice(rule(), Type::entryOf(value));
+            else
+                rule().choices.emplace_back(value, "");
         }
     }
     template <typename Condition>
@@ -183,7 +174,7 @@ private:
         static const std::shared_ptr<const Rule> texts = [] {
             auto made = std::make_shared<Rule>();
             for (const auto& entry : EnumTexts<T>::texts)
-                made->choices.emplace_back(entry.text, entry.label);
+                addChoice(*made, entry);
             return made;
         }();
         return texts;
@@ -198,12 +189,9 @@ private:
             throw std::logic_error("a limit of the range is not a value of the setting's type");
         return converted;
     }
-    template <typename Value>
-    static typename Rule::Item toItem(const Value& value) {
-        if constexpr (std::is_enum_v<T>)
-            return Type::toStored(value);
-        else
-            return static_cast<typename Rule::Item>(value);
+    static void addChoice(Rule& rule, const auto& entry) {
+        rule.choices.emplace_back(entry.text, entry.label);
+        rule.codes.push_back(static_cast<std::int64_t>(entry.value));
     }
 
     std::shared_ptr<Rule> m_rule;

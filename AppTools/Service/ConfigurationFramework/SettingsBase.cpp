@@ -50,6 +50,34 @@ void checkIsNew(const std::string& name, const ConfigurationObject& object) {
 
 } // namespace
 
+SettingHandle::SettingHandle(SettingsBase& owner, std::unique_ptr<ConfigurationValueBase> value)
+    : m_owner(&owner),
+      m_position(owner.getConfigurationValuesSize()),
+      m_value(value.get()),
+      m_class(&typeid(*m_value)),
+      m_next(owner.m_handles) {
+    owner.declare(std::move(value));
+    owner.m_handles = this;
+}
+
+SettingHandle::~SettingHandle() {
+    SettingHandle** place = &m_owner->m_handles;
+    while (*place != this)
+        place = &(*place)->m_next;
+    *place = m_next;
+}
+
+void SettingHandle::renew() {
+    ConfigurationValueBase* const found =
+        m_position < m_owner->getConfigurationValuesSize()
+            ? m_owner->beginValueIterator()[static_cast<std::ptrdiff_t>(m_position)]
+            : nullptr;
+    if (found == nullptr || typeid(*found) != *m_class)
+        throw std::logic_error("the settings of the object " + quoted(m_owner->getName()) +
+                               " cannot be those of an object of another class");
+    m_value = found;
+}
+
 SettingsBase::SettingsBase(const std::string& name, const std::string& description,
                            Persistence persistence, ProductType productType)
     : ConfigurationObject(name, description, persistence, productType) {
@@ -81,6 +109,11 @@ bool SettingsBase::isLocked() const {
     while (object != nullptr && object->isEditable())
         object = object->getParent();
     return object != nullptr;
+}
+
+void SettingsBase::onItemsReplaced() {
+    for (SettingHandle* handle = m_handles; handle != nullptr; handle = handle->m_next)
+        handle->renew();
 }
 
 std::size_t SettingsBase::declare(std::unique_ptr<ConfigurationValueBase> value) {

@@ -7,9 +7,42 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace Orvant {
+
+class SettingsBase;
+
+/// What Setting, of any type, has: the object that owns its value, and the position there.
+class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT SettingHandle {
+public:
+    SettingHandle(const SettingHandle&) = delete;
+    SettingHandle& operator=(const SettingHandle&) = delete;
+
+protected:
+    /// Has the owner declare the value.
+    /// @throws std::logic_error like SettingsBase::declare()
+    SettingHandle(SettingsBase& owner, std::unique_ptr<ConfigurationValueBase> value);
+    ~SettingHandle();
+
+    /// @return the owner
+    SettingsBase& owner() const { return *m_owner; }
+    /// @return the value, always of the class that was declared
+    ConfigurationValueBase& value() const { return *m_value; }
+
+private:
+    friend class SettingsBase;
+
+    void renew();
+
+    SettingsBase* m_owner;
+    std::size_t m_position;
+    /// What is at the position, so that it is read as fast as a member.
+    ConfigurationValueBase* m_value;
+    const std::type_info* m_class; ///< of the value
+    SettingHandle* m_next;         ///< of the same owner
+};
 
 /// What all Settings have in common: they know what is declared in them, and who watches it.
 ///
@@ -60,8 +93,16 @@ protected:
     SettingsBase(const std::string& name, const std::string& description, Persistence persistence,
                  ProductType productType);
 
+    /// @throws std::logic_error when the values are of other classes: an object of another class
+    /// was
+    ///         assigned
+    void onItemsReplaced() override;
+
 private:
+    friend class SettingHandle;
+
     std::vector<std::shared_ptr<ChangeObserver>> m_observers;
+    SettingHandle* m_handles = nullptr; ///< the last one made, which knows the others
 };
 
 } // namespace Orvant

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -29,6 +30,7 @@ struct ValueRule {
     std::optional<T> minimum;                          ///< of numbers; nothing: any
     std::optional<T> maximum;                          ///< of numbers; nothing: any
     std::vector<std::pair<Item, std::string>> choices; ///< with their labels; empty: anything
+    std::vector<std::int64_t> codes;                   ///< of the choices, for the application
     std::function<bool(const T&)> condition;           ///< empty: anything
     std::string conditionText;                         ///< completes "it must be"
 
