@@ -344,10 +344,16 @@ bool ConfigurationObject::writesContent() const {
 const ConfigurationObject*
 ConfigurationObject::getCounterpart(const ConfigurationObject& child, std::size_t position,
                                     const ConfigurationObject& other) const {
-    if (position < other.m_objects.size() &&
-        other.m_objects[position]->getName() == child.getName())
+    const auto key = getChildKey(position);
+    const auto isMeant = [&](std::size_t i) {
+        return other.m_objects[i]->getName() == child.getName() && other.getChildKey(i) == key;
+    };
+    if (position < other.m_objects.size() && isMeant(position))
         return other.m_objects[position];
-    return other.getConfigurationObject(child.getName());
+    for (std::size_t i = 0; i < other.m_objects.size(); ++i)
+        if (isMeant(i))
+            return other.m_objects[i];
+    return nullptr;
 }
 
 std::optional<std::string> ConfigurationObject::getChildKey(std::size_t /*position*/) const {
@@ -356,13 +362,6 @@ std::optional<std::string> ConfigurationObject::getChildKey(std::size_t /*positi
 
 ConfigurationObject* ConfigurationObject::getChildPrototype() const {
     return nullptr;
-}
-
-bool ConfigurationObject::hasChild(const std::string& name, const std::string& key) const {
-    for (std::size_t i = 0; i < m_objects.size(); ++i)
-        if (m_objects[i]->getName() == name && getChildKey(i) == key)
-            return true;
-    return false;
 }
 
 /// The counterpart in another object (null: none) of the child at a position.
@@ -443,7 +442,8 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
         value->saveContent(writer);
     for (std::size_t i = 0; i < m_objects.size(); ++i) {
         const ConfigurationObject& child = *m_objects[i];
-        const auto save = [&] { saveChild(child, counterpartOf(i, other)); };
+        const ConfigurationObject* const counterpart = counterpartOf(i, other);
+        const auto save = [&] { saveChild(child, counterpart); };
         const auto saveElement = [&] {
             save();
             child.keepListsReadable(writer); // also in what an override wrote
@@ -454,7 +454,7 @@ void ConfigurationObject::saveDifferences(ConfigWriter& writer, const Configurat
             continue;
         else if (const auto key = getChildKey(i); !key)
             writer.putElementUnlessEmpty(child.getName(), child.getDescription(), saveElement);
-        else if (other != nullptr && other->hasChild(child.getName(), *key))
+        else if (counterpart != nullptr && counterpart != other->getChildPrototype())
             writer.putKeyedElementUnlessEmpty(child.getName(), *key, child.getDescription(),
                                               saveElement);
         else // even without a difference: it tells that there is a child of that key

@@ -117,8 +117,8 @@ public:
     /// Finds the child of another object of the same class that corresponds to a child of this one.
     /// The locks and values of the system's document are taken from it, those of an earlier state
     /// are restored from it, and a difference save compares with it. By default it is the one at
-    /// the same position if that has the same name, else the first of that name. A class whose
-    /// children share a name and are told apart by keys overrides this and pairs them by key.
+    /// the same position if that has the same name and key, else the first of that name and key. A
+    /// class whose children share a name and are told apart in another way overrides this.
     /// @param child    a child of this object
     /// @param position of the child among those of this object
     /// @param other    the object to look in
@@ -219,7 +219,6 @@ private:
                                              const ConfigurationObject* other) const;
     void takeFromSystem(const ConfigurationObject& system, bool locked);
     void restoreLocks(const ConfigurationObject& former, bool locked);
-    bool hasChild(const std::string& name, const std::string& key) const;
     void adoptChildren();
 
     std::vector<ConfigurationValueBase*> m_values;
