@@ -4,6 +4,8 @@
 #include <ConfigurationFramework/ConfigurationObject.h>
 
 #include <concepts>
+#include <cstddef>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -20,7 +22,7 @@ namespace Orvant {
 /// KeyedSettings<Plotter> plotters; // registers and loads all that the files have
 /// plotters.add("Hall 1").paper = "A0";
 /// for (const auto& [key, plotter] : plotters)
-///     offer(key, plotter->paper);
+///     offer(key, plotter.paper);
 /// @endcode
 ///
 /// The objects stay registered when this is destroyed.
@@ -28,8 +30,40 @@ namespace Orvant {
 template <std::derived_from<ConfigurationObject> C>
 class KeyedSettings {
 public:
-    /// By key.
-    using Objects = std::map<std::string, std::shared_ptr<C>>;
+    /// A key with its object.
+    using Entry = std::pair<const std::string&, C&>;
+
+    /// Goes through the objects in the order of their keys; removing one ends its validity there.
+    class Iterator {
+        using Place = typename std::map<std::string, std::shared_ptr<C>>::const_iterator;
+
+    public:
+        /// For the standard algorithms.
+        /// @{
+        using value_type = Entry;
+        using difference_type = std::ptrdiff_t;
+        using iterator_concept = std::input_iterator_tag;
+        /// @}
+
+        Iterator() = default;
+        /// @param place where it stands
+        explicit Iterator(Place place) : m_place(place) {}
+
+        /// @return key and object
+        Entry operator*() const { return {m_place->first, *m_place->second}; }
+        /// Goes to the next object.
+        /// @{
+        Iterator& operator++() {
+            ++m_place;
+            return *this;
+        }
+        Iterator operator++(int) { return Iterator(m_place++); }
+        /// @}
+        bool operator==(const Iterator& other) const = default;
+
+    private:
+        Place m_place = {};
+    };
 
     /// Registers an object for each key in the files, and loads them.
     /// @param manager must outlive this; its files and accepted versions are set
@@ -93,16 +127,15 @@ public:
     std::size_t size() const { return m_objects.size(); }
     /// @return whether there are none
     bool empty() const { return m_objects.empty(); }
-    /// The objects, in the order of their keys.
-    /// @{
-    typename Objects::const_iterator begin() const { return m_objects.begin(); }
-    typename Objects::const_iterator end() const { return m_objects.end(); }
-    /// @}
+    /// @return the first object
+    Iterator begin() const { return Iterator(m_objects.begin()); }
+    /// @return the end of the objects
+    Iterator end() const { return Iterator(m_objects.end()); }
 
 private:
     ConfigurationManager& m_manager;
     std::string m_name;
-    Objects m_objects;
+    std::map<std::string, std::shared_ptr<C>> m_objects;
 };
 
 } // namespace Orvant

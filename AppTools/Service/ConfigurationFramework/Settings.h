@@ -1,9 +1,13 @@
 #pragma once
 
+#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/KeyedGroup.h>
+#include <ConfigurationFramework/KeyedSettings.h>
 #include <ConfigurationFramework/Setting.h>
 #include <ConfigurationFramework/SettingRules.h>
+#include <ConfigurationFramework/SettingVisitor.h>
 #include <ConfigurationFramework/SettingsBase.h>
+#include <ConfigurationFramework/StandardConfigurationFiles.h>
 
 #include <concepts>
 #include <cstddef>
