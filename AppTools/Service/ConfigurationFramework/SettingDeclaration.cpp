@@ -12,7 +12,7 @@ std::string pathOf(const ConfigurationObject* object) {
     std::string path;
     for (; object != nullptr; object = object->getParent())
         if (!object->getName().empty())
-            path = object->getName() + '/' + path;
+            path.insert(0, object->getName() + '/');
     return path;
 }
 

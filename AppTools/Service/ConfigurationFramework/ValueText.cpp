@@ -39,7 +39,7 @@ std::string format(const std::vector<std::string>& values) {
 
 /// @param otherwise what to return for a class that the library does not have
 template <typename T, typename Result, typename Visit>
-Result visitAs(const ConfigurationValueBase& value, Result otherwise, Visit visit) {
+Result visitAs(const ConfigurationValueBase& value, const Result& otherwise, Visit visit) {
     const auto* const typed = dynamic_cast<const ConfigurationValue<T>*>(&value);
     return typed == nullptr ? otherwise : visit(*typed);
 }
@@ -47,7 +47,7 @@ Result visitAs(const ConfigurationValueBase& value, Result otherwise, Visit visi
 /// Calls back with a value as what it is.
 /// @return what the callback returns, or else `otherwise`
 template <typename Result, typename Visit>
-Result visitTyped(const ConfigurationValueBase& value, Result otherwise, Visit visit) {
+Result visitTyped(const ConfigurationValueBase& value, const Result& otherwise, Visit visit) {
     switch (value.getValueType()) {
     case ConfigurationValueBase::BoolValue:
         return visitAs<bool>(value, otherwise, visit);
