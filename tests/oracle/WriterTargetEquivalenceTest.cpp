@@ -3,6 +3,7 @@
 #include "WriterOperations.h"
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
+#include <ConfigurationFramework/ComparingWriter.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ElementWriter.h>
@@ -34,13 +35,16 @@ std::string toUtf8(const XmlString& text) {
 }
 
 /// @return all that an element holds, a line for each element
-std::string describe(const WrittenElement& element, const std::string& indentation = "\n") {
+std::string describe(const WrittenElement& element, bool withComments = true,
+                     const std::string& indentation = "\n") {
     std::string text = indentation + toUtf8(element.id.tag);
     if (element.id.key)
         text += " key=\"" + toUtf8(*element.id.key) + '"';
-    text += " \"" + toUtf8(element.text) + "\" <!--" + toUtf8(element.comment) + "-->";
+    text += " \"" + toUtf8(element.text) + '"';
+    if (withComments)
+        text += " <!--" + toUtf8(element.comment) + "-->";
     for (const WrittenElement& child : element.children)
-        text += describe(child, indentation + "  ");
+        text += describe(child, withComments, indentation + "  ");
     return text;
 }
 
@@ -78,10 +82,18 @@ public:
     /// @return the results and exceptions, and what is logged
     std::string operate(Random& random) {
         const LogCapture log("ConfigWriter");
+        return operateUnlogged(random) + '\n' + log.text();
+    }
+    /// Runs a random operation and whatever that calls back.
+    /// @return the results and exceptions
+    std::string operateUnlogged(Random& random) {
         m_notes.clear();
         attempt(random, 3);
-        return m_notes + '\n' + log.text();
+        return m_notes;
     }
+    /// Writes as objects do: values, lists and objects one after the other, in elements of their
+    /// own and with keys.
+    void putPlainly(Random& random, unsigned int depth = 3);
     std::string print() { return m_writer->getAsString(); }
 
 private:
@@ -249,6 +261,26 @@ void Session::putThrowingObject(const std::string& name, Random& random) {
     }
 }
 
+void Session::putPlainly(Random& random, unsigned int depth) {
+    for (auto count = random() % 5; count > 0; --count) {
+        const std::string name = "N" + std::to_string(random() % 9);
+        const std::string& text = anyOf(m_words.texts, random);
+        switch (random() % (depth == 0 ? 2 : 4)) {
+        case 0:
+            m_writer->putString(name, text, "comment");
+            break;
+        case 1:
+            m_writer->putStringVector(name, Strings(random() % 3, text), "");
+            break;
+        case 2:
+            m_writer->putElement(name, "", [&] { putPlainly(random, depth - 1); });
+            break;
+        default:
+            m_writer->putKeyedElement(name, text, "", [&] { putPlainly(random, depth - 1); });
+        }
+    }
+}
+
 TEST(ElementWriter, TakesForAListOnlyWhatHoldsNothingElse) {
     auto target = std::make_unique<ElementWriter>();
     const ElementWriter& elements = *target;
@@ -295,6 +327,111 @@ TEST(WriterTargetEquivalence, HoldsWhateverIsWritten) {
         }
         ASSERT_EQ(literal.print(), light.print()) << "seed " << seed;
     }
+}
+
+/// What two writers to elements are used for: at random, or as objects do.
+class ComparingWriterUse : public testing::TestWithParam<bool> {
+protected:
+    struct Use {
+        std::string notes = {};
+        WrittenElement root = {{u"Configuration", {}}};
+    };
+
+    static void operate(Session& session, unsigned int seed, std::string& notes) {
+        Random random(seed);
+        if (GetParam())
+            session.putPlainly(random);
+        else
+            for (int i = 0; i < 4; ++i)
+                notes += session.operateUnlogged(random);
+    }
+    static Use write(unsigned int seed) {
+        const LogCapture log("ConfigWriter"); // not compared: what is as expected is not made
+        auto target = std::make_unique<ElementWriter>();
+        ElementWriter& elements = *target;
+        Session session(std::move(target), "<Configuration version='1'/>");
+        Use use;
+        operate(session, seed, use.notes);
+        use.root.children = elements.takeAll();
+        return use;
+    }
+    /// @param isAsExpected set to whether the writer found what was expected
+    static Use writeComparing(unsigned int seed, const std::vector<WrittenElement>& expected,
+                              bool& isAsExpected) {
+        const LogCapture log("ConfigWriter");
+        auto target = std::make_unique<ComparingWriter>();
+        ComparingWriter& elements = *target;
+        Session session(std::move(target), "<Configuration version='1'/>");
+        elements.start(expected);
+        Use use;
+        operate(session, seed, use.notes);
+        isAsExpected = elements.isAsExpected();
+        use.root.children = elements.takeAll();
+        return use;
+    }
+    static void expectSame(const Use& expected, const Use& actual, unsigned int seed) {
+        EXPECT_EQ(expected.notes, actual.notes) << "seed " << seed;
+        EXPECT_EQ(describe(expected.root, false), describe(actual.root, false)) << "seed " << seed;
+    }
+};
+
+TEST_P(ComparingWriterUse, WritesWhatIsExpected) {
+    int asExpected = 0;
+    for (unsigned int seed = 1; seed <= 150; ++seed) {
+        const Use expected = write(seed);
+        bool isAsExpected = false;
+        expectSame(expected, writeComparing(seed, expected.root.children, isAsExpected), seed);
+        asExpected += isAsExpected ? 1 : 0;
+    }
+    // All, if nothing that was written was replaced afterwards.
+    if (GetParam())
+        EXPECT_GT(asExpected, 50);
+}
+
+TEST_P(ComparingWriterUse, WritesSomethingElseThanExpected) {
+    for (unsigned int seed = 1; seed <= 300; ++seed) {
+        const Use former = write(seed + 1);
+        const Use expected = write(seed);
+        bool isAsExpected = false;
+        expectSame(expected, writeComparing(seed, former.root.children, isAsExpected), seed);
+        // What differs is never taken for the same.
+        EXPECT_FALSE(isAsExpected && !(expected.root == former.root)) << "seed " << seed;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Any, ComparingWriterUse, testing::Bool());
+
+TEST(ComparingWriter, NeedsNoElementsForWhatIsAsExpected) {
+    const auto put = [](ConfigWriter& writer, const std::string& last) {
+        writer.putElement("View", "", [&] {
+            writer.putString("Name", "Gr\u00F6\u00DFe", "comment");
+            writer.putStringVector("Recent", {"a", "b"}, "");
+            writer.putKeyedElement("Plotter", "Hall 1", "",
+                                   [&] { writer.putInt("Copies", 1, ""); });
+            writer.createNode("Empty", "");
+            writer.putString("Last", last, "");
+        });
+    };
+    auto target = std::make_unique<ComparingWriter>();
+    ComparingWriter& elements = *target;
+    const auto writer = WriterTarget::makeWriter(std::move(target));
+    put(*writer, "1");
+    EXPECT_FALSE(elements.isAsExpected());
+    const std::vector<WrittenElement> former = elements.takeAll();
+
+    elements.start(former);
+    put(*writer, "1");
+    EXPECT_TRUE(elements.isAsExpected());
+
+    elements.start(former);
+    put(*writer, "2");
+    EXPECT_FALSE(elements.isAsExpected());
+    EXPECT_EQ(u"2", elements.takeAll().front().children.back().text);
+
+    elements.start(former);
+    writer->putElement("View", "", [&] { writer->putString("Name", "Gr\u00F6\u00DFe", ""); });
+    EXPECT_FALSE(elements.isAsExpected()) << "something is missing";
+    EXPECT_EQ(1U, elements.takeAll().front().children.size());
 }
 
 } // namespace

@@ -235,7 +235,7 @@ void ConfigWriterImpl::deleteElement(DOMElement& element) {
 }
 
 std::set<std::string>
-ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names) const {
+ConfigWriterImpl::namesHiddenByDescendants(const std::vector<std::string>& names) {
     std::unordered_map<XmlString, std::string> notSeen;
     for (const std::string& name : names)
         notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
@@ -317,7 +317,7 @@ void ConfigWriterImpl::putStringVector(const std::string& name,
     }
 }
 
-PrintedDocument ConfigWriterImpl::print() const {
+PrintedDocument ConfigWriterImpl::print() {
     PrintedDocument printed = printDocument(*m_document);
     // What readers, and the next writer, do not open would be lost.
     if (printed.nodes > mostNodesWithinAllBounds && parseDocument(printed.text) == nullptr)

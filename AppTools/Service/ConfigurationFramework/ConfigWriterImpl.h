@@ -63,11 +63,10 @@ public:
                                const std::function<void()>& writeContents) override;
     void keepPlace(const std::function<void()>& action) override;
 
-    std::set<std::string>
-    namesHiddenByDescendants(const std::vector<std::string>& names) const override;
+    std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) override;
     ConfigurationAccessResult moveToFront(const std::string& name) override;
 
-    PrintedDocument print() const override;
+    PrintedDocument print() override;
 
 private:
     struct DocumentRelease {

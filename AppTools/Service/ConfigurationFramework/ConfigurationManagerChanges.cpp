@@ -97,27 +97,34 @@ ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* sy
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
                                       const ConfigurationManager::KnownState* known) {
-    add(registration, baseOf(registration, known));
+    add(registration, baseOf(registration, known), known != nullptr && known->writesNoMore);
 }
 
 void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
-    add(registration, Written());
+    add(registration, Written(), false);
 }
 
+/// @param base         the object as it was last known; null: it was not
+/// @param writesNoMore whether what differs is known to be a part of what is written in full
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
-                                      const Written& base) {
-    const auto now = std::make_shared<const WrittenElement>(
-        m_writer.writeInFull(registration, *registration.object));
-    const bool isUnchanged = base != nullptr && *base == *now;
-    m_states.push_back({registration, now, isUnchanged ? nullptr : base});
+                                      const Written& base, bool writesNoMore) {
+    const Written now = writtenNow(registration, base);
+    const bool isUnchanged = base != nullptr && now == base;
+    m_states.push_back({.registration = registration,
+                        .written = now,
+                        .base = isUnchanged ? nullptr : base,
+                        .writesNoMore = writesNoMore});
+    if (isUnchanged && (m_system == nullptr || writesNoMore))
+        return;
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
         m_reference.setCompared(registration);
         stored = m_writer.writeDifferences(registration, *registration.object, m_reference);
-    } else if (!isUnchanged) {
+        m_states.back().writesNoMore = !stored || !hasMore(*stored, *now);
+    } else {
         stored = *now;
     }
-    if (isUnchanged && (!stored || !hasMore(*stored, *now)))
+    if (isUnchanged && m_states.back().writesNoMore)
         return;
     // What was loaded from the element without a key has to move to the one with the key.
     const Element former =
@@ -132,6 +139,19 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     m_now.children.push_back(std::move(current));
     if (stored)
         m_stored.children.push_back(std::move(*stored));
+}
+
+/// The object in full: the base itself if it is that.
+ConfigurationManagerChanges::Written
+ConfigurationManagerChanges::writtenNow(const ConfigurationRegistration& registration,
+                                        const Written& base) {
+    if (base == nullptr)
+        return std::make_shared<const WrittenElement>(
+            m_writer.writeInFull(registration, *registration.object));
+    auto changed = m_writer.writeIfChanged(registration, *registration.object, *base);
+    return changed && !(*changed == *base)
+               ? std::make_shared<const WrittenElement>(std::move(*changed))
+               : base;
 }
 
 /// The object as this process last knew it to be in the files; nothing: not at all.

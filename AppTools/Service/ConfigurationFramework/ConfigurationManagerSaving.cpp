@@ -19,6 +19,7 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include <xercesc/dom/DOMException.hpp>
@@ -234,7 +235,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     const auto known = setSeen(layers);
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
-            setSaved(registration, known, nullptr);
+            setSaved(registration, known, nullptr, false);
 }
 
 /// Keeps what the files hold after a save.
@@ -250,19 +251,22 @@ std::shared_ptr<const ConfigurationManagerLayers> ConfigurationManager::Saving::
 void ConfigurationManager::Saving::setSaved(
     const ConfigurationRegistration& registration,
     std::shared_ptr<const ConfigurationManagerLayers> layers,
-    std::shared_ptr<const WrittenElement> written) const {
+    std::shared_ptr<const WrittenElement> written, bool writesNoMore) const {
     const KnownState* const known = m_manager.knownOf(registration);
     const auto loaded =
         known == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : known->loaded;
-    m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written)});
+    m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written), writesNoMore});
 }
 
-/// Calls back with what is known of each object that writes something.
+/// Calls back with what was known at the load of the objects that write something: once for all
+/// that knew the same.
 template <typename Check>
 void ConfigurationManager::Saving::forEachKnown(Check check) const {
+    std::set<std::pair<const ConfigurationManagerLayers*, bool>> checked;
     for (const auto& [name, registration] : m_manager.m_objects) {
         const KnownState* const known = m_manager.knownOf(registration);
-        if (known != nullptr && registration.object->writesContent())
+        if (known != nullptr && registration.object->writesContent() &&
+            checked.emplace(known->loaded.get(), known->isLoadRefused).second)
             check(name, *known);
     }
 }
@@ -357,7 +361,7 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
         if (wasTakenOver) // else it holds what others wrote meanwhile
             m_manager.takeOverSaved();
         for (const auto& state : states)
-            setSaved(state.registration, known, state.written);
+            setSaved(state.registration, known, state.written, state.writesNoMore);
     }
     Report& report = m_manager.m_saveReport;
     if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)
@@ -427,9 +431,18 @@ bool ConfigurationManager::Saving::isKnownInTarget(
         return removed.first == registration.name && (!removed.second || !registration.key);
     };
     const bool isInFull = m_manager.m_fileMode == SystemAndUserFile && !m_differencesOnly;
-    return !isInFull && known != nullptr && isSameFile(known->layers->user.file(), m_target) &&
-           isSystemFile(known->layers->system.file()) &&
+    return !isInFull && known != nullptr && areOfTarget(known->layers) &&
            std::ranges::none_of(m_manager.m_removed, wasItsElement);
+}
+
+/// Whether files are those that the save is about.
+bool ConfigurationManager::Saving::areOfTarget(
+    const std::shared_ptr<const ConfigurationManagerLayers>& layers) const {
+    const auto [found, isNew] = m_areOfTarget.try_emplace(layers, false);
+    if (isNew)
+        found->second =
+            isSameFile(layers->user.file(), m_target) && isSystemFile(layers->system.file());
+    return found->second;
 }
 
 /// Writes a finished document to the file.

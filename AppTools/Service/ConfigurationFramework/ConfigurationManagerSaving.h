@@ -8,6 +8,7 @@
 #include <FileHandling/FileName.h>
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -69,7 +70,7 @@ private:
     setSeen(const std::shared_ptr<const ConfigurationManagerLayers>& saved) const;
     void setSaved(const ConfigurationRegistration& registration,
                   std::shared_ptr<const ConfigurationManagerLayers> layers,
-                  std::shared_ptr<const WrittenElement> written) const;
+                  std::shared_ptr<const WrittenElement> written, bool writesNoMore) const;
 
     template <typename Check>
     void forEachKnown(Check check) const;
@@ -79,6 +80,7 @@ private:
     static void checkLayer(const LayerDocument& atLoad, const LayerDocument& now,
                            const std::string& name);
     bool isSystemFile(const FileName& file) const;
+    bool areOfTarget(const std::shared_ptr<const ConfigurationManagerLayers>& layers) const;
     bool isKnownInTarget(const ConfigurationRegistration& registration) const;
     FileName knownTarget() const;
     LayerDocument readUserFile() const;
@@ -89,6 +91,8 @@ private:
     bool m_differencesOnly;
     LayerDocument m_system; ///< now, when it was read
     LayerDocument m_user;   ///< the target now, when it was read
+    /// What was asked before: most objects know the same files.
+    mutable std::map<std::shared_ptr<const ConfigurationManagerLayers>, bool> m_areOfTarget;
 };
 
 } // namespace Orvant

@@ -66,12 +66,12 @@ void addEmptyTexts(xercesc::DOMElement& filled, const WrittenElement& contents) 
     }
 }
 
-/// Calls back with all elements below another in document order, and whether each is a child of it,
+/// Calls back with elements and all below them in document order, and whether each is one of them,
 /// until the callback returns false.
 template <typename Visit>
-bool visitBelow(const WrittenElement& element, Visit visit, bool isChild = true) {
-    return std::ranges::all_of(element.children, [&](const WrittenElement& child) {
-        return visit(child, isChild) && visitBelow(child, visit, false);
+bool visitAll(std::span<const WrittenElement> elements, Visit visit, bool areTop = true) {
+    return std::ranges::all_of(elements, [&](const WrittenElement& element) {
+        return visit(element, areTop) && visitAll(element.children, visit, false);
     });
 }
 
@@ -118,6 +118,11 @@ std::vector<WrittenElement> ElementWriter::takeAll() {
     m_current = Place(m_root);
     removeText(m_root);
     return std::exchange(m_root.children, {});
+}
+
+void ElementWriter::setChildren(Children children) {
+    m_current.element->children = std::move(children);
+    m_current.index->use(m_current.element->children);
 }
 
 void ElementWriter::createNode(const std::string& name, const std::string& comment) {
@@ -225,12 +230,17 @@ void ElementWriter::keepPlace(const std::function<void()>& action) {
 }
 
 std::set<std::string>
-ElementWriter::namesHiddenByDescendants(const std::vector<std::string>& names) const {
+ElementWriter::namesHiddenByDescendants(const std::vector<std::string>& names) {
+    return hiddenNames(m_current.element->children, names);
+}
+
+std::set<std::string> ElementWriter::hiddenNames(std::span<const WrittenElement> children,
+                                                 const std::vector<std::string>& names) {
     std::unordered_map<XmlString, std::string> notSeen;
     for (const std::string& name : names)
         notSeen.emplace(XercesHelperFunctions::stringToXmlCh(name), name);
     std::set<std::string> hidden;
-    visitBelow(*m_current.element, [&](const WrittenElement& element, bool isChild) {
+    visitAll(children, [&](const WrittenElement& element, bool isChild) {
         const auto seen = notSeen.find(element.id.tag);
         if (seen != notSeen.end()) {
             if (!isChild)
@@ -251,7 +261,7 @@ ConfigurationAccessResult ElementWriter::moveToFront(const std::string& name) {
     return ConfigurationAccessResult::Success;
 }
 
-PrintedDocument ElementWriter::print() const {
+PrintedDocument ElementWriter::print() {
     ConfigWriterImpl document("");
     fill(document.root(), m_root);
     addEmptyTexts(document.root(), m_root);

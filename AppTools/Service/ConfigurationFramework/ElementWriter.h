@@ -6,6 +6,11 @@
 
 #include <memory>
 #include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
 namespace Orvant {
 
 /// Writes elements that are compared, and printed only if an object asks for it: a DOM takes
@@ -36,13 +41,12 @@ public:
                                const std::function<void()>& writeContents) override;
     void keepPlace(const std::function<void()>& action) override;
 
-    std::set<std::string>
-    namesHiddenByDescendants(const std::vector<std::string>& names) const override;
+    std::set<std::string> namesHiddenByDescendants(const std::vector<std::string>& names) override;
     ConfigurationAccessResult moveToFront(const std::string& name) override;
 
-    PrintedDocument print() const override;
+    PrintedDocument print() override;
 
-private:
+protected:
     using Children = std::vector<WrittenElement>;
 
     /// Which children an element may have, so that most that are asked for need not be looked for;
@@ -58,6 +62,18 @@ private:
         std::shared_ptr<Index> index; ///< shared with those who return here
     };
 
+    /// @return the current element
+    const Place& place() const { return m_current; }
+    /// Makes an element around the current one the current one.
+    void setPlace(const Place& place) { m_current = place; }
+    /// Gives the current element, which is empty, its children.
+    void setChildren(Children children);
+    /// @return the names whose first element among elements and what is below them is not one of
+    ///         them
+    static std::set<std::string> hiddenNames(std::span<const WrittenElement> children,
+                                             const std::vector<std::string>& names);
+
+private:
     void replace(ChildSelection replaced, std::optional<XmlString> key, const std::string& name,
                  const std::string& comment);
     Children::iterator findChild(const ChildSelection& selection);

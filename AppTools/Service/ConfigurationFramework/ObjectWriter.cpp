@@ -73,14 +73,18 @@ void removeSaveOnly(const ConfigurationObject& object, WrittenElement& written) 
 } // namespace
 
 ObjectWriter::ObjectWriter()
-    : m_writer(WriterTarget::makeWriter(std::make_unique<ElementWriter>())),
-      m_elements(dynamic_cast<ElementWriter&>(WriterTarget::of(*m_writer))) {}
+    : m_writer(WriterTarget::makeWriter(std::make_unique<ComparingWriter>())),
+      m_elements(dynamic_cast<ComparingWriter&>(WriterTarget::of(*m_writer))) {}
 
-/// @return the only element that was written; nothing when there is none
+/// @param former what is perhaps written again
+/// @return the only element that was written; nothing when it is the former one, or there is none
 template <typename Write>
-std::optional<WrittenElement> ObjectWriter::take(Write write) {
-    m_elements.takeAll(); // what an exception left
+std::optional<WrittenElement> ObjectWriter::take(Write write,
+                                                 std::span<const WrittenElement> former) {
+    m_elements.start(former);
     write();
+    if (m_elements.isAsExpected())
+        return std::nullopt;
     std::vector<WrittenElement> written = m_elements.takeAll();
     return written.empty() ? std::nullopt : std::optional(std::move(written.front()));
 }
@@ -88,6 +92,12 @@ std::optional<WrittenElement> ObjectWriter::take(Write write) {
 WrittenElement ObjectWriter::writeInFull(const ConfigurationRegistration& registration,
                                          const ConfigurationObject& object) {
     return take([&] { ElementAddress(registration).put(*m_writer, object); }).value();
+}
+
+std::optional<WrittenElement>
+ObjectWriter::writeIfChanged(const ConfigurationRegistration& registration,
+                             const ConfigurationObject& object, const WrittenElement& former) {
+    return take([&] { ElementAddress(registration).put(*m_writer, object); }, {&former, 1});
 }
 
 std::optional<WrittenElement>

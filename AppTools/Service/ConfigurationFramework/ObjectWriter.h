@@ -1,13 +1,14 @@
 #pragma once
 
+#include <ConfigurationFramework/ComparingWriter.h>
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/ElementWriter.h>
 #include <ConfigurationFramework/writing/WrittenElement.h>
 
 #include <memory>
 #include <optional>
+#include <span>
 
 namespace Orvant {
 
@@ -19,6 +20,10 @@ public:
     /// @return an object as a save in full writes it
     WrittenElement writeInFull(const ConfigurationRegistration& registration,
                                const ConfigurationObject& object);
+    /// @return an object as a save in full writes it; nothing when that is the former one
+    std::optional<WrittenElement> writeIfChanged(const ConfigurationRegistration& registration,
+                                                 const ConfigurationObject& object,
+                                                 const WrittenElement& former);
     /// @return what a save in full writes of an object and a load takes; nothing when it loads
     ///         nothing
     std::optional<WrittenElement> writeLoaded(const ConfigurationRegistration& registration,
@@ -30,10 +35,10 @@ public:
 
 private:
     template <typename Write>
-    std::optional<WrittenElement> take(Write write);
+    std::optional<WrittenElement> take(Write write, std::span<const WrittenElement> former = {});
 
     std::unique_ptr<ConfigWriter> m_writer;
-    ElementWriter& m_elements; ///< what it writes to
+    ComparingWriter& m_elements; ///< what it writes to
 };
 
 } // namespace Orvant

@@ -54,12 +54,12 @@ public:
     virtual void keepPlace(const std::function<void()>& action) = 0;
 
     virtual std::set<std::string>
-    namesHiddenByDescendants(const std::vector<std::string>& names) const = 0;
+    namesHiddenByDescendants(const std::vector<std::string>& names) = 0;
     /// Moves the first child of that name, with its comment, before all others.
     /// @return Failure when there is none
     virtual ConfigurationAccessResult moveToFront(const std::string& name) = 0;
 
-    virtual PrintedDocument print() const = 0;
+    virtual PrintedDocument print() = 0;
     bool saveToFile(const FileName& file);
     const std::string& saveProblem() const { return m_saveProblem; }
 

@@ -66,6 +66,11 @@ XmlText toXmlComment(std::string_view text) {
     return toXmlText(separated);
 }
 
+bool isInDocument(std::string_view text, XmlStringView inDocument) {
+    return isPlain(text) ? std::ranges::equal(text, inDocument)
+                         : toXmlText(text).text == inDocument;
+}
+
 bool isXmlName(std::string_view name) {
     if (isPlainName(name)) // as most are
         return true;

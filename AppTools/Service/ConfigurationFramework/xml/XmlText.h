@@ -41,6 +41,10 @@ XmlText toXmlText(std::string_view text);
 /// @param text UTF-8
 XmlText toXmlComment(std::string_view text);
 
+/// @return whether a text is another one once it is in a document, as toXmlText() makes it
+/// @param text UTF-8
+bool isInDocument(std::string_view text, XmlStringView inDocument);
+
 /// @return whether an element can have the name (XML 1.0, production Name)
 /// @param name UTF-8
 bool isXmlName(std::string_view name);
