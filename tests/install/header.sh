@@ -27,6 +27,7 @@ fi
 
 case "$header" in
 */Export.h | *.generated.h | */ConfigurationAccessResult.h) exit ;; # without a class
+*/KeyedGroup.h | */SettingDeclaration.h | */SettingsBase.h) exit ;; # shown in Settings.h
 esac
 context() {
     awk -v header="$header" '/^== / { wanted = $2 == header; next } wanted' "$here/samples.txt"
@@ -37,9 +38,12 @@ context() {
     context | grep '^#' || true
     echo 'namespace Orvant {'
     context | grep -v '^#' || true
-    awk '/@endcode/ { print "}"; inside = 0 }
-        inside { sub("^ */// ?", ""); print }
-        /@code/ { print "void sample" ++count "() {"; inside = 1 }' "$include/$header"
+    # A sample is the body of a function, unless it specialises a template of the library.
+    awk '/@endcode/ { inside = 0
+            if (body ~ /template <>/) print "}\n" body "namespace Orvant {"
+            else print "void sample" count "() {\n" body "}" }
+        inside { sub("^ */// ?", ""); body = body $0 "\n" }
+        /@code/ { print "// sample" ++count; body = ""; inside = 1 }' "$include/$header"
     echo '}'
 } >"$name.samples.cpp"
 grep -q sample1 "$name.samples.cpp"

@@ -16,8 +16,12 @@ namespace Orvant {
 /// @code
 /// auto rule = std::make_shared<ValueRule<int>>();
 /// rule->minimum = 1;
-/// addConfigurationValue(new ConstrainedValue<int>("Copies", "Copies of each sheet", 1, Visible,
-///                                                 LoadAndSave, AllProducts, rule));
+/// ConstrainedValue<int> copies("Copies", "Copies of each sheet", 1,
+///                              ConfigurationItemBase::Visible,
+///                              ConfigurationItemBase::LoadAndSave,
+///                              ConfigurationItemBase::AllProducts, rule);
+/// if (copies.isAllowed(3))
+///     copies.setValue(3);
 /// @endcode
 ///
 /// Like locks, the rule is not checked by setValue(): ask isAllowed() before, or use a Setting,

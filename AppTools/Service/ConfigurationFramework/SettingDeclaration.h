@@ -98,11 +98,12 @@ class SettingOptions {
     static constexpr bool isNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
 
 public:
-    /// @{
+    /// Whether a dialogue shows the setting.
     ConfigurationItemBase::GuiVisibility visibility = ConfigurationItemBase::Visible;
+    /// Whether it is loaded and saved.
     ConfigurationItemBase::Persistence persistence = ConfigurationItemBase::LoadAndSave;
+    /// Products that have it.
     ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
-    /// @}
 
     /// Takes one option.
     /// @throws std::logic_error for a limit that the type of the setting does not hold exactly

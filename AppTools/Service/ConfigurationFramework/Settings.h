@@ -148,6 +148,7 @@ public:
             return former;
         }
         /// @}
+        /// @return whether both stand at the same child
         bool operator==(const Iterator& other) const = default;
 
     private:
