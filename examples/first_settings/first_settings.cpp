@@ -1,50 +1,33 @@
 // The smallest application with settings: it counts how often it was started.
 
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationValue.h>
+#include <ConfigurationFramework/Settings.h>
 
 #include <iostream>
 #include <memory>
 #include <string>
 
 //! [declare]
-using Orvant::ConfigurationManager;
-using Orvant::ConfigurationObject;
-using Orvant::ConfigurationValue;
+struct Welcome : Orvant::Settings<Welcome> {
+    Welcome() : Settings("Welcome", "What is shown at start") {}
 
-class Welcome : public ConfigurationObject {
-public:
-    Welcome() : ConfigurationObject("Welcome", "What is shown at start", LoadAndSave, AllProducts) {
-        addConfigurationValue(new ConfigurationValue<std::string>(
-            "Greeting", "First words", "Hello", Visible, LoadAndSave, AllProducts));
-        addConfigurationValue(new ConfigurationValue<int>("Starts", "Number of starts so far", 0,
-                                                          Hidden, LoadAndSave, AllProducts));
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new Welcome; }
-
-    ConfigurationValue<std::string>& greeting() const {
-        return dynamic_cast<ConfigurationValue<std::string>&>(*getConfigurationValue("Greeting"));
-    }
-    ConfigurationValue<int>& starts() const {
-        return dynamic_cast<ConfigurationValue<int>&>(*getConfigurationValue("Starts"));
-    }
+    Orvant::Setting<std::string> greeting{this, "Greeting", "First words", "Hello"};
+    Orvant::Setting<int> starts{this, "Starts", "Number of starts so far", 0, Orvant::hidden};
 };
 //! [declare]
 
 //! [use]
 int main() {
-    auto& manager = ConfigurationManager::getInstance();
+    auto& manager = Orvant::ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
-    manager.setSaveMode(ConfigurationManager::Merge);
+    manager.setSaveMode(Orvant::ConfigurationManager::Merge);
     manager.setConfigurationFile("settings.xml");
 
     const auto welcome = std::make_shared<Welcome>();
     manager.addConfigurationObjects({{welcome, "Welcome"}}); // loads it, too
 
-    welcome->starts().setValue(welcome->starts().getValue() + 1);
-    std::cout << welcome->greeting().getValue() << ", this is start number "
-              << welcome->starts().getValue() << '\n';
+    welcome->starts = welcome->starts + 1;
+    std::cout << welcome->greeting.get() << ", this is start number " << welcome->starts << '\n';
 
     if (!manager.saveConfiguration("1.0")) {
         std::cerr << manager.getSaveReport().text << '\n';

@@ -1,8 +1,8 @@
-// Objects in objects: a camera with an element of its own, and units that several objects share.
+// Settings in settings: a camera with an element of its own, units that several objects share, and
+// lights that come and go.
 
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationValue.h>
+#include <ConfigurationFramework/Settings.h>
 
 #include <iostream>
 #include <memory>
@@ -14,42 +14,31 @@ namespace {
 
 //! [children]
 /// With a name: an element of its own in that of the parent.
-class Camera : public ConfigurationObject {
-public:
-    Camera() : ConfigurationObject("Camera", "The camera", LoadAndSave, AllProducts) {
-        addConfigurationValue(new ConfigurationValue<float>(
-            "FieldOfView", "Field of view in degrees", 45.0F, Visible, LoadAndSave, AllProducts));
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new Camera; }
+struct Camera : Settings<Camera> {
+    Camera() : Settings("Camera", "The camera") {}
+    Setting<double> fieldOfView{this, "FieldOfView", "Field of view in degrees", 45.0};
 };
 
-/// Without a name: its values stand in the element of the parent.
-class Units : public ConfigurationObject {
-public:
-    Units() : ConfigurationObject("", "", LoadAndSave, AllProducts) {
-        addConfigurationValue(new ConfigurationValue<std::string>(
-            "LengthUnit", "Unit of lengths", "mm", Visible, LoadAndSave, AllProducts));
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new Units; }
+/// Without a name: its settings stand in the element of the parent.
+struct Units : Settings<Units> {
+    Units() : Settings("") {}
+    Setting<std::string> length{this, "LengthUnit", "Unit of lengths", "mm"};
 };
 
-class View : public ConfigurationObject {
-public:
-    View() : ConfigurationObject("View", "The 3D view", LoadAndSave, AllProducts) {
-        addConfigurationValue(new ConfigurationValue<double>("Zoom", "Zoom factor at start", 1.0,
-                                                             Visible, LoadAndSave, AllProducts));
-        addConfigurationObject(new Camera);
-        addConfigurationObject(new Units);
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new View; }
+/// One for each key.
+struct Light : Settings<Light> {
+    Light() : Settings("Light", "A lamp in the scene") {}
+    Setting<int> brightness{this, "Brightness", "Brightness in per cent", 100};
+};
+
+struct View : Settings<View> {
+    View() : Settings("View", "The 3D view") {}
+    Setting<double> zoom{this, "Zoom", "Zoom factor at start", 1.0};
+    Child<Camera> camera{this};
+    Child<Units> units{this};
+    KeyedChildren<Light> lights{this};
 };
 //! [children]
-
-/// A value of an object, which is known to have that type.
-template <typename T>
-ConfigurationValue<T>& value(const ConfigurationObject& object, const std::string& name) {
-    return dynamic_cast<ConfigurationValue<T>&>(*object.getConfigurationValue(name));
-}
 
 } // namespace
 
@@ -57,18 +46,22 @@ int main() {
     auto& manager = ConfigurationManager::getInstance();
     manager.setValidVersionList({"1.0"});
     manager.setSaveMode(ConfigurationManager::Merge);
-    manager.setConfigurationFile("settings.xml");
+    manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
     const auto view = std::make_shared<View>();
     manager.addConfigurationObjects({{view, "View"}});
 
     //! [use]
-    const ConfigurationObject& camera = *view->getConfigurationObject("Camera");
-    const ConfigurationObject& units = *view->getConfigurationObject("");
-    std::cout << "Field of view: " << value<float>(camera, "FieldOfView").getValue()
-              << ", lengths in " << value<std::string>(units, "LengthUnit").getValue() << '\n';
+    std::cout << "Field of view: " << view->camera->fieldOfView << ", lengths in "
+              << view->units->length.get() << '\n';
+    for (const auto& [key, light] : view->lights)
+        std::cout << key << ": " << light.brightness << " %\n";
     //! [use]
 
-    value<double>(*view, "Zoom").setValue(2.5);
+    view->zoom = 2.5;
+    //! [lights]
+    view->lights.add("Lamp").brightness = 80; // starts as the default entry says: 60
+    view->lights.remove("Left");
+    //! [lights]
     if (!manager.saveConfiguration("1.0"))
         std::cerr << manager.getSaveReport().text << '\n';
 }

@@ -1,52 +1,23 @@
 // Two windows of one application: what the other saves is taken over, what is changed here stays.
 
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationValue.h>
+#include <ConfigurationFramework/Settings.h>
 
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <utility>
 
 using namespace Orvant;
 
 namespace {
 
-//! [observe]
-class View : public ConfigurationObject {
-public:
-    View() : ConfigurationObject("View", "The 3D view", LoadAndSave, AllProducts) {
-        addConfigurationValue(new ConfigurationValue<double>("Zoom", "Zoom factor at start", 1.0,
-                                                             Visible, LoadAndSave, AllProducts));
-        addConfigurationValue(new ConfigurationValue<std::string>(
-            "Background", "Colour of the background", "white", Visible, LoadAndSave, AllProducts));
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new View; }
+struct View : Settings<View> {
+    View() : Settings("View", "The 3D view") {}
 
-    ConfigurationValue<double>& zoom() const {
-        return dynamic_cast<ConfigurationValue<double>&>(*getConfigurationValue("Zoom"));
-    }
-    const std::string& background() const {
-        return dynamic_cast<ConfigurationValue<std::string>&>(*getConfigurationValue("Background"))
-            .getValue();
-    }
-
-    /// Sets what is called when the settings have changed. Only the registered object has it, not
-    /// those that the library makes to compare with.
-    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
-    void emitSignalsAfterConfigLoading() override {
-        if (m_observer)
-            m_observer();
-        ConfigurationObject::emitSignalsAfterConfigLoading();
-    }
-
-private:
-    std::function<void()> m_observer;
+    Setting<double> zoom{this, "Zoom", "Zoom factor at start", 1.0};
+    Setting<std::string> background{this, "Background", "Colour of the background", "white"};
 };
-//! [observe]
 
 //! [watch]
 /// Called by the application's file watcher, in the thread that uses the manager.
@@ -77,14 +48,16 @@ int main() {
     manager.setSystemAndUserConfigurationFile("system.xml", "user.xml");
     const auto view = std::make_shared<View>();
     manager.addConfigurationObjects({{view, "View"}});
-    const auto print = [&] {
-        std::cout << "Zoom " << view->zoom().getValue() << ", background " << view->background()
-                  << '\n';
-    };
-    print();
-    view->setObserver(print);
+    std::cout << "Zoom " << view->zoom << ", background " << view->background.get() << '\n';
 
-    view->zoom().setValue(3.0); // by the user, not saved yet
+    //! [observe]
+    const ChangeSubscription zoomed =
+        view->zoom.onChange([](double zoom) { std::cout << "Now zoom " << zoom << '\n'; });
+    const ChangeSubscription painted = view->background.onChange(
+        [](const std::string& colour) { std::cout << "Now background " << colour << '\n'; });
+    //! [observe]
+
+    view->zoom = 3.0; // by the user, not saved yet
     saveElsewhere();
     filesHaveChanged();
     filesHaveChanged(); // nothing is new

@@ -1,8 +1,7 @@
 // The ways back: to the saved settings, to the administrator's, to the built-in defaults.
 
 #include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/ConfigurationObject.h>
-#include <ConfigurationFramework/ConfigurationValue.h>
+#include <ConfigurationFramework/Settings.h>
 
 #include <iostream>
 #include <memory>
@@ -12,30 +11,22 @@ using namespace Orvant;
 
 namespace {
 
-class Editor : public ConfigurationObject {
-public:
-    Editor() : ConfigurationObject("Editor", "The drawing editor", LoadAndSave, AllProducts) {
-        for (const std::string name : {"UndoSteps", "GridSpacing", "MaxDrawings"})
-            addConfigurationValue(
-                new ConfigurationValue<int>(name, "", 10, Visible, LoadAndSave, AllProducts));
-    }
-    ConfigurationObject* createConfigurationObject() const override { return new Editor; }
+struct Editor : Settings<Editor> {
+    Editor() : Settings("Editor", "The drawing editor") {}
 
-    ConfigurationValue<int>& value(const std::string& name) const {
-        return dynamic_cast<ConfigurationValue<int>&>(*getConfigurationValue(name));
-    }
+    Setting<int> undoSteps{this, "UndoSteps", "Steps that can be taken back", 10};
+    Setting<int> gridSpacing{this, "GridSpacing", "Grid spacing in mm", 10};
+    Setting<int> maxDrawings{this, "MaxDrawings", "Drawings open at a time", 10};
 };
 
-/// A value, and whether resets leave it alone.
-std::string text(const Editor& editor, const std::string& name) {
-    const auto& value = editor.value(name);
-    const bool editable = editor.isEditable() && value.isEditable();
-    return name + ' ' + std::to_string(value.getValue()) + (editable ? "" : " (locked)");
+/// A setting, and whether resets leave it alone.
+std::string text(const Setting<int>& setting) {
+    return setting.name() + ' ' + std::to_string(setting) + (setting.isLocked() ? " (locked)" : "");
 }
 
 void print(const std::string& when, const Editor& editor) {
-    std::cout << when << ": " << text(editor, "UndoSteps") << ", " << text(editor, "GridSpacing")
-              << ", " << text(editor, "MaxDrawings") << '\n';
+    std::cout << when << ": " << text(editor.undoSteps) << ", " << text(editor.gridSpacing) << ", "
+              << text(editor.maxDrawings) << '\n';
 }
 
 } // namespace
@@ -49,8 +40,8 @@ int main() {
     manager.addConfigurationObjects({{editor, "Editor"}});
     print("At start", *editor);
 
-    editor->value("UndoSteps").setValue(30);
-    editor->value("GridSpacing").setValue(30);
+    editor->undoSteps = 30;
+    editor->gridSpacing = 30;
     print("Changed", *editor);
 
     //! [reset]
@@ -63,7 +54,7 @@ int main() {
     editor->setDefaultValues(); // what the application was built with
     print("Built-in", *editor);
 
-    editor->value("GridSpacing").resetValue(); // one value to its built-in default
+    editor->gridSpacing.reset(); // one setting to its built-in default
     //! [reset]
 
     if (!manager.saveConfiguration("1.0"))
