@@ -54,9 +54,9 @@ public:
     ///         allow or that is declared twice, and for a default that the options do not allow:
     ///         Clang, and an optimising GCC, refuse to compile one that is out of its Range
     template <typename... Options>
-    Setting(SettingsBase* owner, const char* name, const char* description, T defaultValue,
+    Setting(SettingsBase* owner, const char* name, const char* description, const T& defaultValue,
             Options... options)
-        : SettingHandle(*owner, declareValue<T>(*owner, name, description, std::move(defaultValue),
+        : SettingHandle(*owner, declareValue<T>(*owner, name, description, defaultValue,
                                                 std::move(options)...)) {}
     /// Like the above, with the range first.
     template <typename Number, typename... Options>

@@ -22,7 +22,9 @@
 // A default that is out of its range is found by the compiler where that can tell: Clang always,
 // GCC when it optimises. It is an exception at construction everywhere.
 #if defined(__clang__)
-#define ORVANT_REFUSE_IF(condition, text) __attribute__((diagnose_if(condition, text, "error")))
+#define ORVANT_REFUSE_IF(condition, text)                                                          \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")          \
+        __attribute__((diagnose_if(condition, text, "error"))) _Pragma("clang diagnostic pop")
 #else
 #define ORVANT_REFUSE_IF(condition, text)
 #endif
@@ -215,7 +217,7 @@ throwNotAllowed(const SettingsBase& owner, const ConfigurationValueBase& value,
 ///         other or the default
 template <typename T, typename... Options>
 std::unique_ptr<ConfigurationValueBase> declareValue(const SettingsBase& owner, const char* name,
-                                                     const char* description, T defaultValue,
+                                                     const char* description, const T& defaultValue,
                                                      Options... options) {
     using Type = SettingType<T>;
     using Stored = typename Type::Stored;

@@ -56,7 +56,10 @@ public:
         return new Derived;
     }
 
-protected:
+private:
+    friend Derived; // nobody else makes one: Settings of another class would be a mistake
+
+    /// For the constructor of Derived.
     /// @param name        tag of the object's element; empty for a child that is stored inline
     /// @param description comment before the element of a child
     /// @param persistence whether the object is loaded and saved

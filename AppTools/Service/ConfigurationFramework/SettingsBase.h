@@ -94,8 +94,7 @@ protected:
                  ProductType productType);
 
     /// @throws std::logic_error when the values are of other classes: an object of another class
-    /// was
-    ///         assigned
+    ///         was assigned
     void onItemsReplaced() override;
 
 private:
