@@ -1,6 +1,5 @@
 // The smallest application with settings: it counts how often it was started.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <iostream>

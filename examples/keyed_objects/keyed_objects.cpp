@@ -1,7 +1,5 @@
 // Several objects of one kind: the printers that the files name, and one that the user adds.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/KeyedSettings.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <iostream>
@@ -32,7 +30,7 @@ int main() {
     printers.add("Basement");                 // a new one: starts as the default entry says
 
     for (const auto& [key, printer] : printers)
-        std::cout << key << ": " << printer->paper.get() << ", copies " << printer->copies << '\n';
+        std::cout << key << ": " << printer.paper.get() << ", copies " << printer.copies << '\n';
     //! [register]
 
     //! [remove]

@@ -1,6 +1,5 @@
 // The administrator's system file under the user's file: whose value counts, and what is locked.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <iostream>

@@ -1,7 +1,6 @@
 // Settings in settings: a camera with an element of its own, units that several objects share, and
 // lights that come and go.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <iostream>

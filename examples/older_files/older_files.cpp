@@ -1,7 +1,6 @@
 // Settings of earlier versions: an element with another name and unit, and a file that was no XML.
 
 #include <ConfigurationFramework/ConfigReader.h>
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <filesystem>

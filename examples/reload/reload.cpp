@@ -1,6 +1,5 @@
 // Two windows of one application: what the other saves is taken over, what is changed here stays.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <fstream>

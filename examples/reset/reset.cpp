@@ -1,6 +1,5 @@
 // The ways back: to the saved settings, to the administrator's, to the built-in defaults.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <iostream>

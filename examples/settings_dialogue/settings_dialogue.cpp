@@ -1,8 +1,6 @@
 // What a settings dialogue shows, whatever toolkit draws it: a row for each visible value.
 
 #include <ConfigurationFramework/ConfigurationConstraint.h>
-#include <ConfigurationFramework/ConfigurationManager.h>
-#include <ConfigurationFramework/SettingVisitor.h>
 #include <ConfigurationFramework/Settings.h>
 
 #include <algorithm>

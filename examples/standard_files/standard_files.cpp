@@ -1,9 +1,7 @@
 // Where the files of an application belong: settings in the standard places, what the application
 // notes for itself in a file beside them.
 
-#include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/Settings.h>
-#include <ConfigurationFramework/StandardConfigurationFiles.h>
 
 #include <algorithm>
 #include <filesystem>
