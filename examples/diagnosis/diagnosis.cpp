@@ -12,6 +12,7 @@ using namespace Orvant;
 
 namespace {
 
+//! [declare]
 class Camera : public ConfigurationObject {
 public:
     Camera() : ConfigurationObject("Camera", "The camera", LoadAndSave, AllProducts) {
@@ -34,6 +35,7 @@ public:
     }
     ConfigurationObject* createConfigurationObject() const override { return new View; }
 };
+//! [declare]
 
 //! [explain]
 std::string describe(const ConfigurationOrigin& origin) {

@@ -23,16 +23,17 @@ struct Orvant::EnumTexts<Unit> {
 
 struct Network : Settings<Network> {
     Network() : Settings("Network", "Servers") {}
-    Setting<std::string> server{this, "Server", "Licence server", "localhost"};
+    Setting<std::string> server{
+        this, "Server", "Licence server", "localhost",
+        Check{[](const std::string& name) { return !name.empty(); }, "the name of a computer"}};
 };
 
 struct Editor : Settings<Editor> {
     Editor() : Settings("Editor", "Editor") {}
     Setting<bool> showGrid{this, "ShowGrid", "Draw the grid", true};
     Setting<bool> snapToGrid{this, "SnapToGrid", "Snap to the grid", false};
-    Setting<double> gridSpacing{
-        this, "GridSpacing",    "Spacing of the grid, in the unit of lengths",
-        10.0, Label{"Spacing"}, Range{0.1, 1000.0}};
+    Setting<double> gridSpacing{this, "GridSpacing", "Spacing of the grid in mm", 10.0,
+                                Range{0.1, 1000.0}, Label{"Spacing"}};
     Setting<Unit> unit{this, "LengthUnit", "Unit of lengths", Unit::Millimetre};
     Setting<int> sheets{this, "Sheets", "Sheets of a drawing", 1, OneOf{1, 2, 4}};
     Setting<int> lastTab{this, "LastTab", "Tab shown last", 0, hidden};

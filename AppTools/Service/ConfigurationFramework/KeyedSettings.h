@@ -59,6 +59,7 @@ public:
         }
         Iterator operator++(int) { return Iterator(m_place++); }
         /// @}
+        /// @return whether both stand at the same object
         bool operator==(const Iterator& other) const = default;
 
     private:
