@@ -32,9 +32,8 @@ struct Editor : Settings<Editor> {
     Editor() : Settings("Editor", "Editor") {}
     Setting<bool> showGrid{this, "ShowGrid", "Draw the grid", true};
     Setting<bool> snapToGrid{this, "SnapToGrid", "Snap to the grid", false};
-    Setting<double> gridSpacing{this, "GridSpacing", "Spacing of the grid in mm", 10.0,
-                                Range{0.1, 1000.0}, Label{"Spacing"}};
-    Setting<Unit> unit{this, "LengthUnit", "Unit of lengths", Unit::Millimetre};
+    Setting<double> gridSpacing{this, "GridSpacing", "Grid spacing in mm", 10.0, Range{0.1, 1e3}};
+    Setting<Unit> unit{this, "LengthUnit", "Unit of lengths", Unit::Millimetre, Label{"Unit"}};
     Setting<int> sheets{this, "Sheets", "Sheets of a drawing", 1, OneOf{1, 2, 4}};
     Setting<int> lastTab{this, "LastTab", "Tab shown last", 0, hidden};
     Child<Network> network{this};
