@@ -21,6 +21,12 @@ bool SettingVisitor::enterKind(ConfigurationObject& /*prototype*/) {
 
 void SettingVisitor::leaveKind(ConfigurationObject& /*prototype*/) {}
 
+bool SettingVisitor::enterInline(ConfigurationObject& /*child*/) {
+    return true;
+}
+
+void SettingVisitor::leaveInline(ConfigurationObject& /*child*/) {}
+
 void visitSettings(ConfigurationObject& object, SettingVisitor& visitor) {
     for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
         visitor.visitValue(**value);
@@ -32,7 +38,10 @@ void visitSettings(ConfigurationObject& object, SettingVisitor& visitor) {
     for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i) {
         ConfigurationObject& child = *object.beginObjectIterator()[static_cast<std::ptrdiff_t>(i)];
         if (child.getName().empty()) {
-            visitSettings(child, visitor);
+            if (visitor.enterInline(child)) {
+                visitSettings(child, visitor);
+                visitor.leaveInline(child);
+            }
         } else if (visitor.enterObject(child, object.getChildKey(i))) {
             visitSettings(child, visitor);
             visitor.leaveObject(child);

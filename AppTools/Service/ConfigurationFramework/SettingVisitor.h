@@ -31,8 +31,7 @@ public:
 
     /// Is called for each value.
     virtual void visitValue(ConfigurationValueBase& value) = 0;
-    /// Is called before what is in a child with an element of its own. What is in a child that is
-    /// stored inline is visited as if it was its parent's.
+    /// Is called before what is in a child with an element of its own.
     /// @param child the child
     /// @param key   its key, if it has one
     /// @return whether to visit what is in it; by default it is
@@ -46,6 +45,12 @@ public:
     virtual bool enterKind(ConfigurationObject& prototype);
     /// Is called after a kind that was entered.
     virtual void leaveKind(ConfigurationObject& prototype);
+    /// Is called before what is in a child that is stored inline, in the element of its parent: it
+    /// may be locked by itself, and watched by others than its parent.
+    /// @return whether to visit what is in it; by default it is
+    virtual bool enterInline(ConfigurationObject& child);
+    /// Is called after what is in a child that is stored inline and was entered.
+    virtual void leaveInline(ConfigurationObject& child);
 };
 
 /// Has a visitor visit what is declared in an object, in order: values, then children.
