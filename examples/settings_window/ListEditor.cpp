@@ -40,6 +40,7 @@ ListEditor::ListEditor(QWidget* parent, std::function<void(std::vector<std::stri
     addButton("Down", "down", [this] { move(1); });
     buttons->addStretch();
 
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_list->setObjectName("items");
     m_list->setMinimumHeight(visibleItems * fontMetrics().lineSpacing());
     connect(m_list, &QListWidget::itemChanged, this, [this] { tell(); });

@@ -78,7 +78,8 @@ SettingRowView::SettingRowView(std::shared_ptr<SettingRow> row, QGridLayout& gri
 
     const int line = grid.rowCount();
     grid.addWidget(label, line, LabelColumn);
-    grid.addWidget(m_editor.widget, line, EditorColumn);
+    const bool isWide = (m_editor.widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
+    grid.addWidget(m_editor.widget, line, EditorColumn, isWide ? Qt::Alignment() : Qt::AlignLeft);
     grid.addWidget(m_origin, line, OriginColumn);
     grid.addWidget(m_reset, line, ResetColumn);
     grid.addLayout(notes, line + 1, EditorColumn, 1, -1);

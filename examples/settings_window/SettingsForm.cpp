@@ -59,6 +59,7 @@ void SettingsForm::rebuild(const SettingsGroup* group, const SettingRows& rows) 
     for (const auto& row : rows)
         m_views.push_back(std::make_unique<SettingRowView>(row, *grid, m_reset));
     grid->setRowStretch(grid->rowCount(), 1);
+    widget()->show();
 }
 
 } // namespace Ui

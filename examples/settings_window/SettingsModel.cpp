@@ -168,7 +168,8 @@ std::map<std::string, SettingValue> systemValues(const ConfigurationManager& man
         if (origin.systemValue)
             inSystemFile.insert(origin.path);
     std::map<std::string, SettingValue> values;
-    for (const auto& row : SettingsModel(copy).rows())
+    const SettingsModel model(copy);
+    for (const auto& row : model.rows())
         if (inSystemFile.contains(row->path()))
             values.emplace(row->path(), row->value());
     return values;

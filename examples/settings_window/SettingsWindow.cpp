@@ -60,7 +60,8 @@ void SettingsWindow::makeWidgets() {
     auto* const splitter = new QSplitter(this);
     layout->addWidget(splitter, 1);
     m_tree = new SettingsTree(splitter, [this] { showSelected(); });
-    m_form = new SettingsForm(splitter, [this](const auto& row) { reset({row}); });
+    m_form =
+        new SettingsForm(splitter, [this](const auto& row) { attempt([&] { reset({row}); }); });
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 3);
 
@@ -75,11 +76,11 @@ void SettingsWindow::makeWidgets() {
     m_status->setWordWrap(true);
     buttons->addWidget(m_status, 1);
     m_firstButton = makeButton("&Reset all", "resetAll", [this] { reset(m_model.rows()); });
-    QPushButton* const saveButton = makeButton("&Save", "save", [this] { save(); });
-    saveButton->setShortcut(QKeySequence::Save);
     buttons->addWidget(m_firstButton);
     buttons->addWidget(makeButton("&Apply", "apply", [this] { apply(); }));
-    buttons->addWidget(saveButton);
+    buttons->addWidget(makeButton("&Save", "save", [this] { save(); }));
+    connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this,
+            [this] { attempt([this] { save(); }); });
 }
 
 QPushButton* SettingsWindow::makeButton(const QString& text, const char* name,
