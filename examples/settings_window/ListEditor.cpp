@@ -11,8 +11,6 @@ namespace Ui {
 
 namespace {
 
-constexpr int visibleItems = 4;
-
 QListWidgetItem* makeItem(const QString& text) {
     auto* const item = new QListWidgetItem(text);
     item->setFlags(item->flags() | Qt::ItemIsEditable);
@@ -40,9 +38,9 @@ ListEditor::ListEditor(QWidget* parent, std::function<void(std::vector<std::stri
     addButton("Down", "down", [this] { move(1); });
     buttons->addStretch();
 
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
     m_list->setObjectName("items");
-    m_list->setMinimumHeight(visibleItems * fontMetrics().lineSpacing());
+    m_list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored); // as high as the buttons
     connect(m_list, &QListWidget::itemChanged, this, [this] { tell(); });
     setFocusProxy(m_list);
 }

@@ -46,6 +46,8 @@ struct View : Orvant::Settings<View> {
                        Label{"Unit of lengths"}};
     Setting<int> undoSteps{this, "UndoSteps",    "How many changes can be taken back",
                            50,   Range{0, 1000}, Label{"Undo steps"}};
+    Setting<std::vector<std::string>> toolbars{
+        this, "Toolbars", "Toolbars above the drawing", {"File", "Edit"}, Label{"Toolbars"}};
     Setting<int> starts{this, "Starts", "Number of starts so far", 0, Orvant::hidden};
     Orvant::Child<Camera> camera{this};
 };

@@ -27,6 +27,7 @@ ProblemsPanel::ProblemsPanel(QWidget* parent)
     setObjectName("problems");
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(m_list);
+    m_list->setObjectName("problemList");
     m_list->setAccessibleName(title());
     m_list->setWordWrap(true);
     m_list->setFixedHeight((visibleLines + 1) * fontMetrics().lineSpacing());

@@ -14,9 +14,11 @@ namespace {
 
 enum Column { LabelColumn, EditorColumn, OriginColumn, ResetColumn };
 
+constexpr const char* notApplied = "not applied";
+
 QString originText(const SettingRow& row) {
     if (row.isEdited())
-        return "not applied";
+        return notApplied;
     switch (row.layer()) {
     case Orvant::ConfigurationOrigin::Default:
         return "default";
@@ -58,6 +60,7 @@ SettingRowView::SettingRowView(std::shared_ptr<SettingRow> row, QGridLayout& gri
 
     m_origin = new QLabel(parent);
     m_origin->setObjectName(path + ".origin");
+    m_origin->setMinimumWidth(m_origin->fontMetrics().horizontalAdvance(notApplied));
     m_reset = new QToolButton(parent);
     m_reset->setObjectName(path + ".reset");
     m_reset->setText("Reset");
@@ -73,15 +76,19 @@ SettingRowView::SettingRowView(std::shared_ptr<SettingRow> row, QGridLayout& gri
     m_note->setObjectName(path + ".note");
     m_note->setTextFormat(Qt::PlainText);
     m_note->setWordWrap(true);
+    notes->setSpacing(4);
     notes->addWidget(m_padlock);
     notes->addWidget(m_note, 1);
 
+    const QSizePolicy size = m_editor.widget->sizePolicy();
+    const bool isWide = (size.expandingDirections() & Qt::Horizontal) != 0;
+    const bool isTall = size.verticalPolicy() != QSizePolicy::Fixed;
+    const Qt::Alignment beside = isTall ? Qt::AlignTop : Qt::AlignVCenter;
     const int line = grid.rowCount();
-    grid.addWidget(label, line, LabelColumn);
-    const bool isWide = (m_editor.widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
+    grid.addWidget(label, line, LabelColumn, beside);
     grid.addWidget(m_editor.widget, line, EditorColumn, isWide ? Qt::Alignment() : Qt::AlignLeft);
-    grid.addWidget(m_origin, line, OriginColumn);
-    grid.addWidget(m_reset, line, ResetColumn);
+    grid.addWidget(m_origin, line, OriginColumn, beside);
+    grid.addWidget(m_reset, line, ResetColumn, beside);
     grid.addLayout(notes, line + 1, EditorColumn, 1, -1);
     refresh();
 }

@@ -46,7 +46,7 @@ void SettingsForm::rebuild(const SettingsGroup* group, const SettingRows& rows) 
     m_views.clear();
     auto* const grid = new QGridLayout(widget());
     grid->setColumnStretch(1, 1);
-    grid->setVerticalSpacing(4);
+    grid->setHorizontalSpacing(12);
     auto* const heading = new QLabel(widget());
     heading->setObjectName("heading");
     heading->setTextFormat(Qt::PlainText);

@@ -19,6 +19,9 @@ namespace Ui {
 
 namespace {
 
+constexpr int treeWidth = 220;
+constexpr int formWidth = 600;
+
 QString refusedText(const SettingRows& refused) {
     QString text = "Not applied: ";
     for (const auto& row : refused)
@@ -62,8 +65,8 @@ void SettingsWindow::makeWidgets() {
     m_tree = new SettingsTree(splitter, [this] { showSelected(); });
     m_form =
         new SettingsForm(splitter, [this](const auto& row) { attempt([&] { reset({row}); }); });
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, 3);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({treeWidth, formWidth});
 
     m_problems = new ProblemsPanel(this);
     layout->addWidget(m_problems);
