@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include <cstddef>
 #include <utility>
 
 namespace Ui {
@@ -78,6 +79,7 @@ void ListEditor::move(int offset) {
 
 void ListEditor::tell() {
     std::vector<std::string> items;
+    items.reserve(static_cast<std::size_t>(m_list->count()));
     for (int i = 0; i < m_list->count(); ++i)
         items.push_back(m_list->item(i)->text().toStdString());
     m_edited(std::move(items));

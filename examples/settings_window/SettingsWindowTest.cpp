@@ -72,12 +72,16 @@ public:
 };
 
 class SettingsWindowTest : public testing::Test {
-protected:
+public:
+    SettingsWindowTest() = default;
+    SettingsWindowTest(const SettingsWindowTest&) = delete;
+    SettingsWindowTest& operator=(const SettingsWindowTest&) = delete;
     ~SettingsWindowTest() override {
         m_window.reset();
         manager.reset();
     }
 
+protected:
     /// Opens a window for the example's files.
     void open() {
         open(Orvant::Support::readFile(EXAMPLE_DIR "/data/system.xml"),
