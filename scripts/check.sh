@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/bootstrap.sh build test check
+scripts/bootstrap.sh build test window check
 
 echo "== clang-format"
 git ls-files '*.h' '*.cpp' | xargs clang-format-19 --dry-run --Werror
