@@ -112,7 +112,7 @@ public:
     }
 
     /// @return whether the value that applies is the default
-    bool isDefault() const { return stored().effectiveValue() == stored().getDefaultValue(); }
+    bool isDefault() const { return isSame(stored().effectiveValue(), stored().getDefaultValue()); }
     /// @return the default
     Value defaultValue() const {
         if constexpr (std::is_enum_v<T>)
@@ -168,17 +168,19 @@ private:
         }
 
     private:
-        static bool isSame(const T& first, const T& second) {
-            if constexpr (std::is_floating_point_v<T>)
-                return first == second || (std::isnan(first) && std::isnan(second));
-            else
-                return first == second;
-        }
-
         const Setting& m_setting;
         T m_told;
         Callback m_callback;
     };
+
+    /// Not-a-number is the same as itself.
+    template <typename Any>
+    static bool isSame(const Any& first, const Any& second) {
+        if constexpr (std::is_floating_point_v<Any>)
+            return first == second || (std::isnan(first) && std::isnan(second));
+        else
+            return first == second;
+    }
 
     ConfigurationValue<Stored>& stored() const {
         return static_cast<ConfigurationValue<Stored>&>(value());
