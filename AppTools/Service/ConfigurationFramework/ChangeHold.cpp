@@ -2,53 +2,51 @@
 
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/SettingsBase.h>
-#include <ConfigurationFramework/xml/PlaceRestorer.h>
-
-#include <utility>
 
 namespace Orvant {
 
 namespace {
 
-thread_local int holds = 0;
+thread_local const ChangeHold* innermost = nullptr;
 
 void collect(const ConfigurationObject& object, ChangeObservers& observers) {
     if (const auto* const settings = dynamic_cast<const SettingsBase*>(&object))
-        observers.insert(observers.end(), settings->observers().begin(),
-                         settings->observers().end());
+        settings->collectObservers(observers);
     for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child)
         collect(**child, observers);
 }
 
 } // namespace
 
-ChangeHold::ChangeHold(const ConfigurationObject& object) : m_object(object) {
-    ++holds;
+ChangeHold::ChangeHold(const ConfigurationObject& object) : m_object(&object), m_outer(innermost) {
+    innermost = this;
 }
 
 ChangeHold::~ChangeHold() {
-    if (!m_isReleased)
-        --holds;
+    innermost = m_outer;
 }
 
-void ChangeHold::release() {
-    if (std::exchange(m_isReleased, true))
-        return;
-    if (--holds != 0)
-        return;
-    ChangeObservers observers;
-    collect(m_object, observers);
-    tellAll(std::move(observers));
+bool ChangeHold::covers(const ConfigurationObject& object) {
+    for (const ChangeHold* hold = innermost; hold != nullptr; hold = hold->m_outer)
+        for (const auto* held = &object; held != nullptr; held = held->getParent())
+            if (held == hold->m_object)
+                return true;
+    return false;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a copy that callbacks cannot change
-void tellAll(ChangeObservers observers) {
-    const PlaceRestorer restorer(holds);
-    holds = 0;
+void tellAll(const ChangeObservers& observers) {
     FirstException exception;
     for (const auto& observer : observers)
         exception.run([&] { observer->tell(); });
     exception.rethrow();
+}
+
+void tellAllIn(const ConfigurationObject& object) {
+    if (ChangeHold::covers(object))
+        return;
+    ChangeObservers observers;
+    collect(object, observers);
+    tellAll(observers);
 }
 
 } // namespace Orvant

@@ -12,24 +12,22 @@ class ConfigurationObject;
 
 using ChangeObservers = std::vector<std::shared_ptr<ChangeObserver>>;
 
-/// While it lives, what an object is set to is not yet told to those who watch its settings: a load
-/// or more defaults follow.
+/// While it lives, those who watch settings in an object wait for the end of something that changes
+/// them more than once, such as a reset with a load after it.
 class ChangeHold {
 public:
-    /// @param object must outlive this
+    /// @param object is not used after this
     explicit ChangeHold(const ConfigurationObject& object);
     ChangeHold(const ChangeHold&) = delete;
     ChangeHold& operator=(const ChangeHold&) = delete;
     ~ChangeHold();
 
-    /// Ends the hold and, unless it is inside another, tells of everything in the object and its
-    /// children that changed.
-    /// @throws the first exception of a callback, when all have been called
-    void release();
+    /// @return whether an object, or one that it is in, is held
+    static bool covers(const ConfigurationObject& object);
 
 private:
-    const ConfigurationObject& m_object;
-    bool m_isReleased = false;
+    const ConfigurationObject* m_object;
+    const ChangeHold* m_outer;
 };
 
 /// Runs several steps, whatever they throw.
@@ -54,9 +52,29 @@ private:
     std::exception_ptr m_first;
 };
 
-/// Tells observers. What they do meanwhile is told at once, even within a hold.
-/// @param observers a copy: callbacks may subscribe, end subscriptions, and delete settings
+/// Tells observers.
+/// @param observers keeps them alive: callbacks may subscribe, end subscriptions, and delete
+///                  settings
 /// @throws the first exception of a callback, when all have been called
-void tellAll(ChangeObservers observers);
+void tellAll(const ChangeObservers& observers);
+
+/// Tells everybody who watches settings in an object or its children, unless the object is held.
+/// @param object callbacks may delete it
+/// @throws the first exception of a callback, when all have been called
+void tellAllIn(const ConfigurationObject& object);
+
+/// Runs what changes an object, however often. Those who watch settings in it are told at its end,
+/// even when it throws.
+/// @throws what the step throws, or else the first exception of a callback
+template <typename Step>
+void tellAfter(const ConfigurationObject& object, Step step) {
+    FirstException exception;
+    exception.run([&] {
+        const ChangeHold hold(object);
+        step();
+    });
+    exception.run([&] { tellAllIn(object); });
+    exception.rethrow();
+}
 
 } // namespace Orvant

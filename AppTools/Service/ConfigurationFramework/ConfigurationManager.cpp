@@ -126,11 +126,13 @@ void ConfigurationManager::addConfigurationObjects(
             hasSource = addSourceToConfigReader(reader.emplace());
             layers = m_known.layers;
         }
-        if (hasSource)
-            ElementAddress(registration).load(*reader, *registration.object);
-        if (isRegistered && layers != nullptr)
-            setKnown(registration,
-                     {.loaded = layers, .layers = layers, .isLoadRefused = !layers->mayLoad()});
+        tellAfter(*registration.object, [&] {
+            if (hasSource)
+                ElementAddress(registration).load(*reader, *registration.object);
+            if (isRegistered && layers != nullptr)
+                setKnown(registration,
+                         {.loaded = layers, .layers = layers, .isLoadRefused = !layers->mayLoad()});
+        });
     }
 }
 
@@ -362,7 +364,12 @@ void ConfigurationManager::resetConfigurationObject(const std::string& name, con
 void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromUserFile) {
     if (found == m_objects.end())
         return;
-    const ConfigurationRegistration& registration = found->second;
+    const ConfigurationRegistration registration = found->second; // callbacks may unregister it
+    tellAfter(*registration.object, [&] { resetObject(registration, fromUserFile); });
+}
+
+void ConfigurationManager::resetObject(const ConfigurationRegistration& registration,
+                                       bool fromUserFile) {
     const bool fromSystemFile = m_fileMode == SystemAndUserFile && !fromUserFile;
     AdvancedConfigReader unused;
     if (m_systemFileRequired && !readLayers(unused).mayLoad())
@@ -371,15 +378,10 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     const bool keepsLocks = m_fileMode == SystemAndUserFile && fromUserFile;
     const std::shared_ptr<ConfigurationObject> former(keepsLocks ? registration.object->clone()
                                                                  : nullptr);
-    // Shared: callbacks may unregister it.
-    const std::shared_ptr<ConfigurationObject> object = registration.object;
-    ChangeHold hold(*object);
-    object->setDefaultValues();
+    registration.object->setDefaultValues();
 
-    if (m_fileMode == NoFiles) {
-        hold.release();
+    if (m_fileMode == NoFiles)
         return;
-    }
     AdvancedConfigReader reader;
     const LayerDocument document =
         fromSystemFile ? readSystemFile(reader) : readUserFile(reader, targetFile());
@@ -404,8 +406,7 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     // A load that succeeds tells the observers itself; after one that finds nothing, they are told
     // of the defaults here.
     if (loaded == ConfigurationAccessResult::Failure)
-        object->emitSignalsAfterConfigLoading();
-    hold.release();
+        registration.object->emitSignalsAfterConfigLoading();
 }
 
 bool ConfigurationManager::haveFilesChanged() const {
@@ -431,13 +432,19 @@ bool ConfigurationManager::reloadConfiguration() {
     changes.addTo(reader);
     m_known.layers = layers;
     m_known.takenOver = layers;
+    FirstException exception;
     // A copy: an object may register others, or reset the manager, while it is loaded.
     for (const ConfigurationRegistration& registration : getRegistrations())
-        guard(registration, [&] {
-            if (!isUpToDate(registration, reader))
-                loadAnew(registration, reader);
-            setKnown(registration, {.loaded = layers, .layers = layers});
+        exception.run([&] {
+            tellAfter(*registration.object, [&] {
+                guard(registration, [&] {
+                    if (!isUpToDate(registration, reader))
+                        loadAnew(registration, reader);
+                    setKnown(registration, {.loaded = layers, .layers = layers});
+                });
+            });
         });
+    exception.rethrow();
     return true;
 }
 

@@ -219,6 +219,8 @@ public:
     /// objects meanwhile.
     /// @return false when a file is there but cannot be read or is not accepted, or a required
     ///         system file is missing; then nothing is taken over
+    /// @throws the first exception of a callback of Setting::onChange(), when everything is taken
+    ///         over and all have been called
     bool reloadConfiguration();
     /// Tells what in the files, as they were at the last load or save, does not take effect when
     /// the registered objects are loaded. The files' text is searched by this call; loads do not
@@ -343,6 +345,7 @@ private:
                                  const std::optional<std::string>& key) const;
     bool removeObject(Objects::const_iterator found);
     void resetObject(Objects::const_iterator found, bool fromUserFile);
+    void resetObject(const ConfigurationRegistration& registration, bool fromUserFile);
 
     FileName targetFile() const;
     LayerDocument readSystemFile(AdvancedConfigReader& reader) const;

@@ -1,7 +1,6 @@
 #include <ConfigurationFramework/ConfigurationManagerReloading.h>
 
 #include <ConfigurationFramework/AdvancedConfigReader.h>
-#include <ConfigurationFramework/ChangeHold.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
 #include <ConfigurationFramework/ObjectWriter.h>
@@ -91,7 +90,6 @@ bool isUpToDate(const ConfigurationRegistration& registration, AdvancedConfigRea
 
 void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReader& reader) {
     ConfigurationObject& object = *registration.object;
-    ChangeHold hold(object);
     const std::unique_ptr<const ConfigurationObject> former(object.clone());
     object.restoreLocks(*makeFresh(object));
     object.setDefaultValues();
@@ -100,7 +98,6 @@ void loadAnew(const ConfigurationRegistration& registration, AdvancedConfigReade
     keepExact(object, *former);
     if (loaded == ConfigurationAccessResult::Failure)
         object.emitSignalsAfterConfigLoading();
-    hold.release();
 }
 
 } // namespace Orvant

@@ -88,20 +88,16 @@ SettingsBase::SettingsBase(const std::string& name, const std::string& descripti
 
 SettingsBase::~SettingsBase() {
     for (const auto& observer : m_observers)
-        observer->end();
+        if (const auto active = observer.lock())
+            active->end();
 }
 
 void SettingsBase::setDefaultValues() {
-    ChangeHold hold(*this);
-    ConfigurationObject::setDefaultValues();
-    hold.release();
+    tellAfter(*this, [this] { ConfigurationObject::setDefaultValues(); });
 }
 
 void SettingsBase::emitSignalsAfterConfigLoading() {
-    FirstException exception;
-    exception.run([&] { ConfigurationObject::emitSignalsAfterConfigLoading(); });
-    exception.run([&] { tellChanges(); });
-    exception.rethrow();
+    tellAfter(*this, [this] { ConfigurationObject::emitSignalsAfterConfigLoading(); });
 }
 
 bool SettingsBase::isLocked() const {
@@ -137,14 +133,21 @@ std::size_t SettingsBase::declare(std::unique_ptr<ConfigurationObject> child) {
     return getConfigurationObjectsSize() - 1;
 }
 
-void SettingsBase::observe(std::shared_ptr<ChangeObserver> observer) {
-    std::erase_if(m_observers, [](const auto& former) { return !former->isActive(); });
-    m_observers.push_back(std::move(observer));
+void SettingsBase::observe(const std::shared_ptr<ChangeObserver>& observer) {
+    std::erase_if(m_observers, [](const auto& former) { return former.expired(); });
+    m_observers.push_back(observer);
 }
 
 void SettingsBase::tellChanges() const {
-    if (!m_observers.empty())
-        tellAll(m_observers);
+    ChangeObservers observers;
+    collectObservers(observers);
+    tellAll(observers);
+}
+
+void SettingsBase::collectObservers(ChangeObservers& observers) const {
+    for (const auto& observer : m_observers)
+        if (auto active = observer.lock())
+            observers.push_back(std::move(active));
 }
 
 } // namespace Orvant

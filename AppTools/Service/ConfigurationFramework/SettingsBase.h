@@ -76,13 +76,13 @@ public:
     /// @throws std::logic_error like declare() of a value; for a child that is stored inline, with
     ///         any name in it
     std::size_t declare(std::unique_ptr<ConfigurationObject> child);
-    /// Adds somebody who is told of changes.
-    void observe(std::shared_ptr<ChangeObserver> observer);
+    /// Adds somebody who is told of changes as long as it lives.
+    void observe(const std::shared_ptr<ChangeObserver>& observer);
     /// Tells of changes to the object's own values.
     /// @throws the first exception of a callback, when all have been called
     void tellChanges() const;
-    /// @return all who are told
-    const std::vector<std::shared_ptr<ChangeObserver>>& observers() const { return m_observers; }
+    /// Appends all who are told.
+    void collectObservers(std::vector<std::shared_ptr<ChangeObserver>>& observers) const;
 
 protected:
     /// @param name        tag of the object's element; empty for a child that is stored inline
@@ -100,7 +100,7 @@ protected:
 private:
     friend class SettingHandle;
 
-    std::vector<std::shared_ptr<ChangeObserver>> m_observers;
+    std::vector<std::weak_ptr<ChangeObserver>> m_observers; ///< their subscriptions own them
     SettingHandle* m_handles = nullptr; ///< the last one made, which knows the others
 };
 
