@@ -2,6 +2,8 @@
 
 #include <ConfigurationFramework/Settings.h>
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <string>
 #include <vector>

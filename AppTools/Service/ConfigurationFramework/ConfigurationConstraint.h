@@ -15,7 +15,7 @@ struct ConfigurationChoice {
 };
 
 /// What a dialogue calls a value, and which values a load and Setting::set() take. Texts are as
-/// files hold them, numbers with all their digits.
+/// files hold them, but numbers have all their digits, and unsigned ones no sign.
 ///
 /// @code
 /// const ConfigurationConstraint constraint = value.getConstraint();

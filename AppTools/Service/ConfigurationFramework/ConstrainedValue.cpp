@@ -1,7 +1,7 @@
 #include <ConfigurationFramework/ConstrainedValue.h>
 
-#include <array>
-#include <charconv>
+#include <ConfigurationFramework/ValueText.h>
+
 #include <stdexcept>
 #include <utility>
 
@@ -9,23 +9,10 @@ namespace Orvant {
 
 namespace {
 
-std::string textOf(bool value) {
-    return value ? "true" : "false";
-}
-std::string textOf(const std::string& value) {
-    return value;
-}
-template <typename Number>
-std::string textOf(Number value) {
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    return {digits.data(), end};
-}
-
 template <typename T>
 std::optional<std::string> limitText(const std::optional<T>& limit) {
     if constexpr (std::is_arithmetic_v<T>)
-        return limit ? std::optional(textOf(*limit)) : std::nullopt;
+        return limit ? std::optional(exactText(*limit)) : std::nullopt;
     else
         return std::nullopt;
 }
@@ -59,7 +46,7 @@ ConfigurationConstraint ConstrainedValue<T>::getConstraint() const {
     constraint.minimum = limitText(m_rule->minimum);
     constraint.maximum = limitText(m_rule->maximum);
     for (const auto& [value, label] : m_rule->choices)
-        constraint.choices.push_back({textOf(value), label.empty() ? textOf(value) : label});
+        constraint.choices.push_back({exactText(value), label.empty() ? exactText(value) : label});
     if (m_rule->condition)
         constraint.condition =
             m_rule->conditionText.empty() ? "what its condition allows" : m_rule->conditionText;

@@ -60,7 +60,7 @@ public:
                                                 std::move(options)...)) {}
     /// Like the above, with the range first.
     template <typename Number, typename... Options>
-        requires std::is_arithmetic_v<T>
+        requires(std::is_arithmetic_v<T> && !std::same_as<T, bool>)
     ORVANT_ALWAYS_INLINE Setting(SettingsBase* owner, const char* name, const char* description,
                                  T defaultValue, Range<Number> range, Options... options)
         ORVANT_REFUSE_IF(!range.contains(defaultValue),
@@ -87,6 +87,9 @@ public:
     bool set(const T& value) {
         if (isLocked())
             return false;
+        if constexpr (std::is_enum_v<T>)
+            if (!Type::isListed(value))
+                throwNotAllowed(owner(), stored(), nullptr);
         const Stored& text = Type::toStored(value);
         if (!stored().isAllowed(text))
             refuse(text);
@@ -191,13 +194,13 @@ private:
     [[noreturn]] void refuse(const Stored& value) const {
         ConfigurationValue<Stored> refused(stored());
         refused.setValue(value);
-        throwNotAllowed(owner(), stored(), refused);
+        throwNotAllowed(owner(), stored(), &refused);
     }
 };
 
 template <typename T>
 template <typename Number, typename... Options>
-    requires std::is_arithmetic_v<T>
+    requires(std::is_arithmetic_v<T> && !std::same_as<T, bool>)
 ORVANT_ALWAYS_INLINE Setting<T>::Setting(SettingsBase* owner, const char* name,
                                          const char* description, T defaultValue,
                                          Range<Number> range, Options... options)

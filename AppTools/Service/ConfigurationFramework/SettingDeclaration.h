@@ -5,8 +5,10 @@
 #include <ConfigurationFramework/SettingRules.h>
 
 #include <algorithm>
+#include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -77,6 +79,11 @@ struct SettingType<E> {
         }(),
         "Orvant::EnumTexts lists each enumerator once, each with a text of its own");
 
+    /// @return whether the enumerator has a text
+    static constexpr bool isListed(E value) {
+        return std::ranges::any_of(EnumTexts<E>::texts,
+                                   [&](const auto& entry) { return entry.value == value; });
+    }
     /// @return what is listed of an enumerator
     /// @throws std::out_of_range when it is not
     static const auto& entryOf(E value) {
@@ -108,7 +115,8 @@ public:
     ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
 
     /// Takes one option.
-    /// @throws std::logic_error for a limit that the type of the setting does not hold exactly
+    /// @throws std::logic_error for a second range, list of choices or condition, and for a limit
+    ///         or choice that is not of the setting's type
     /// @{
     void add(HiddenSetting /*option*/) { visibility = ConfigurationItemBase::Hidden; }
     void add(ConfigurationItemBase::Persistence option) { persistence = option; }
@@ -118,19 +126,23 @@ public:
     void add(Range<Number> option) {
         static_assert(isNumber, "only a Setting of numbers has a range");
         if constexpr (isNumber) {
-            rule().minimum = exactly(option.minimum);
-            rule().maximum = exactly(option.maximum);
+            takeOnce(m_hasRange, "ranges");
+            rule().minimum = toNumber(option.minimum);
+            rule().maximum = toNumber(option.maximum);
             if (!(*rule().minimum <= *rule().maximum))
                 throw std::logic_error("the smallest number of a range is larger than the largest");
         }
     }
     template <typename Value, std::size_t N>
     void add(const OneOf<Value, N>& option) {
+        takeOnce(m_hasChoices, "lists of choices");
         rule().choices.clear();
         rule().codes.clear();
         for (const Value& value : option.values) {
             if constexpr (std::is_enum_v<T>)
                 addChoice(rule(), Type::entryOf(value));
+            else if constexpr (isNumber)
+                rule().choices.emplace_back(toNumber(value), "");
             else
                 rule().choices.emplace_back(value, "");
         }
@@ -142,6 +154,7 @@ public:
     }
     template <std::predicate<const T&> Condition>
     void add(Condition condition) {
+        takeOnce(m_hasCondition, "conditions");
         if constexpr (std::is_enum_v<T>)
             rule().condition = [condition](const std::string& text) {
                 for (const auto& entry : EnumTexts<T>::texts)
@@ -182,15 +195,27 @@ private:
         }();
         return texts;
     }
+    static void takeOnce(bool& isTaken, const char* what) {
+        if (std::exchange(isTaken, true))
+            throw std::logic_error(std::string("it has two ") + what);
+    }
+    /// Whether a number is one of the setting's type, perhaps rounded.
     template <typename Number>
-    static Stored exactly(Number limit) {
-        const auto converted = static_cast<Stored>(limit);
-        const bool isExact =
-            std::is_floating_point_v<Stored> || (static_cast<Number>(converted) == limit &&
-                                                 (converted < Stored{}) == (limit < Number{}));
-        if (!isExact)
-            throw std::logic_error("a limit of the range is not a value of the setting's type");
-        return converted;
+    static bool isOfType(Number number) {
+        using Limits = std::numeric_limits<Stored>;
+        if constexpr (std::is_integral_v<Number> && std::is_integral_v<Stored>)
+            return std::in_range<Stored>(number);
+        const auto wide = static_cast<double>(number);
+        if constexpr (std::is_integral_v<Stored>)
+            return wide == std::trunc(wide) && wide >= Limits::min() && wide <= Limits::max();
+        else
+            return !std::isfinite(wide) || std::abs(wide) <= Limits::max();
+    }
+    template <typename Number>
+    static Stored toNumber(Number number) {
+        if (!isOfType(number))
+            throw std::logic_error("a limit or choice is not a value of the setting's type");
+        return static_cast<Stored>(number);
     }
     static void addChoice(Rule& rule, const auto& entry) {
         rule.choices.emplace_back(entry.text, entry.label);
@@ -198,6 +223,9 @@ private:
     }
 
     std::shared_ptr<Rule> m_rule;
+    bool m_hasRange = false;
+    bool m_hasChoices = false;
+    bool m_hasCondition = false;
 };
 
 /// @throws std::logic_error with the names of object and setting
@@ -206,11 +234,11 @@ throwBadDeclaration(const SettingsBase& owner, const char* name, const std::stri
 
 /// @param owner   the object of the setting
 /// @param value   the setting
-/// @param refused a value of its type that is not allowed
+/// @param refused a value of its type that is not allowed; null: an enumerator without a text
 /// @throws std::out_of_range with the path of the setting, the refused value, and what is allowed
 [[noreturn]] ORVANT_CONFIGURATIONFRAMEWORK_EXPORT void
 throwNotAllowed(const SettingsBase& owner, const ConfigurationValueBase& value,
-                const ConfigurationValueBase& refused);
+                const ConfigurationValueBase* refused);
 
 /// @return the value of a Setting
 /// @throws std::logic_error, with the names of object and setting, for options that contradict each

@@ -7,7 +7,6 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -61,7 +60,7 @@ concept EnumWithTexts = std::is_enum_v<E> && requires {
 };
 
 /// Smallest and largest number that a setting may have, both included.
-/// @tparam T type of the numbers; they have to be exact in the setting's type
+/// @tparam T type of the numbers; those of a setting of integers have to be integers of its type
 template <typename T>
 struct Range {
     T minimum; ///< smallest
@@ -70,34 +69,31 @@ struct Range {
     /// @return whether a number is in the range; not-a-number is not
     template <typename Number>
     constexpr bool contains(Number number) const {
-        return number >= static_cast<Number>(minimum) && number <= static_cast<Number>(maximum);
+        if constexpr (std::is_floating_point_v<Number>)
+            return number >= static_cast<Number>(minimum) && number <= static_cast<Number>(maximum);
+        else if constexpr (std::is_floating_point_v<T>)
+            return static_cast<double>(number) >= minimum && static_cast<double>(number) <= maximum;
+        else
+            return std::cmp_greater_equal(number, minimum) && std::cmp_less_equal(number, maximum);
     }
 };
 
-template <typename T>
-Range(T, T) -> Range<T>;
+template <typename Minimum, typename Maximum>
+Range(Minimum, Maximum) -> Range<std::common_type_t<Minimum, Maximum>>;
 
 /// The only values that a setting may have; of a list, that each item may have.
 template <typename T, std::size_t N>
 struct OneOf {
     /// @param first,others the values
     template <typename... Others>
-    constexpr explicit OneOf(T first, Others... others) : values{first, T(others)...} {}
+    constexpr explicit OneOf(T first, Others... others)
+        : values{first, static_cast<T>(others)...} {}
 
     std::array<T, N> values; ///< all of them
-
-    /// @return whether a value is one of them
-    template <typename Value>
-    constexpr bool contains(const Value& value) const {
-        for (const T& allowed : values)
-            if (value == static_cast<Value>(allowed))
-                return true;
-        return false;
-    }
 };
 
 template <typename T, typename... Others>
-OneOf(T, Others...) -> OneOf<T, 1 + sizeof...(Others)>;
+OneOf(T, Others...) -> OneOf<std::common_type_t<T, Others...>, 1 + sizeof...(Others)>;
 
 /// A condition that a setting's values have to meet, with words for those who break it.
 /// @tparam Condition takes a value and returns whether it is allowed

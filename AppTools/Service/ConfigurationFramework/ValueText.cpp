@@ -4,6 +4,8 @@
 #include <ConfigurationFramework/xml/NumberText.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <optional>
 #include <string_view>
@@ -65,6 +67,13 @@ Result visitTyped(const ConfigurationValueBase& value, const Result& otherwise, 
         return visitAs<std::vector<std::string>>(value, otherwise, visit);
     }
     return otherwise;
+}
+
+template <typename Number>
+std::string withAllDigits(Number number) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return {digits.data(), end};
 }
 
 Conversion conversionOf(NumberMatch match, const std::string& result) {
@@ -192,6 +201,36 @@ std::string textOf(const ConfigurationValueBase& value) {
 std::string defaultTextOf(const ConfigurationValueBase& value) {
     return visitTyped(value, std::string(),
                       [](const auto& typed) { return format(typed.getDefaultValue()); });
+}
+
+std::string exactText(bool value) {
+    return format(value);
+}
+std::string exactText(int value) {
+    return withAllDigits(value);
+}
+std::string exactText(unsigned int value) {
+    return withAllDigits(value);
+}
+std::string exactText(float value) {
+    return withAllDigits(value);
+}
+std::string exactText(double value) {
+    return withAllDigits(value);
+}
+std::string exactText(const std::string& value) {
+    return value;
+}
+
+std::string exactTextOf(const ConfigurationValueBase& value) {
+    return visitTyped(value, std::string(), []<typename T>(const ConfigurationValue<T>& typed) {
+        if constexpr (std::is_same_v<T, std::vector<std::string>>)
+            return typed.getValue().empty() ? "(empty)" : joined(typed.getValue());
+        else if constexpr (std::is_same_v<T, std::string>)
+            return '"' + typed.getValue() + '"';
+        else
+            return exactText(typed.getValue());
+    });
 }
 
 std::string textIn(DocumentTree& tree, DocumentTree::Element element, bool isList) {

@@ -18,6 +18,18 @@ std::string textOf(const ConfigurationValueBase& value);
 /// @return the built-in default, as a save writes it
 std::string defaultTextOf(const ConfigurationValueBase& value);
 
+/// @return a value with all its digits
+/// @{
+std::string exactText(bool value);
+std::string exactText(int value);
+std::string exactText(unsigned int value);
+std::string exactText(float value);
+std::string exactText(double value);
+std::string exactText(const std::string& value);
+/// @}
+/// @return what applies, with all its digits, as it stands in a sentence
+std::string exactTextOf(const ConfigurationValueBase& value);
+
 /// What an element holds for a value.
 /// @param isList whether it is a list
 std::string textIn(DocumentTree& tree, DocumentTree::Element element, bool isList);
