@@ -51,8 +51,9 @@ public:
     ///                     ConfigurationItemBase::Persistence and
     ///                     ConfigurationItemBase::ProductType
     /// @throws std::logic_error, with the names of object and setting, for a name that XML does not
-    ///         allow or that is declared twice, and for a default that the options do not allow:
-    ///         Clang, and an optimising GCC, refuse to compile one that is out of its Range
+    ///         allow or that is declared twice, and for a default that the options do not allow.
+    ///         Clang, and an optimising GCC, refuse to compile one that is out of its Range, if that
+    ///         is the first option.
     template <typename... Options>
     Setting(SettingsBase* owner, const char* name, const char* description, const T& defaultValue,
             Options... options)
