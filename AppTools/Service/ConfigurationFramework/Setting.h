@@ -52,8 +52,8 @@ public:
     ///                     ConfigurationItemBase::ProductType
     /// @throws std::logic_error, with the names of object and setting, for a name that XML does not
     ///         allow or that is declared twice, and for a default that the options do not allow.
-    ///         Clang, and an optimising GCC, refuse to compile one that is out of its Range, if that
-    ///         is the first option.
+    ///         Clang, and an optimising GCC, refuse to compile one that is out of its Range, if
+    ///         that is the first option.
     template <typename... Options>
     Setting(SettingsBase* owner, const char* name, const char* description, const T& defaultValue,
             Options... options)
@@ -64,7 +64,7 @@ public:
         requires(std::is_arithmetic_v<T> && !std::same_as<T, bool>)
     ORVANT_ALWAYS_INLINE Setting(SettingsBase* owner, const char* name, const char* description,
                                  T defaultValue, Range<Number> range, Options... options)
-        ORVANT_REFUSE_IF(!range.contains(defaultValue),
+        ORVANT_REFUSE_IF(isOutOf(range, defaultValue),
                          "the default of the setting is out of its range");
     Setting(const Setting&) = delete;
     Setting& operator=(const Setting&) = delete;

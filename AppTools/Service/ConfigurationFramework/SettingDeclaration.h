@@ -63,21 +63,24 @@ struct SettingType<T> {
     static const T& toStored(const T& value) { return value; }
 };
 
+/// @return whether each enumerator is listed once, with a text of its own
+template <EnumWithTexts E>
+constexpr bool areTextsDistinct() {
+    const auto& texts = EnumTexts<E>::texts;
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            if (texts[i].value == texts[j].value || texts[i].text == texts[j].text)
+                return false;
+    return true;
+}
+
 /// Stored as its text.
 template <EnumWithTexts E>
 struct SettingType<E> {
     using Stored = std::string; ///< type of the ConfigurationValue
 
-    static_assert(
-        [] {
-            const auto& texts = EnumTexts<E>::texts;
-            for (std::size_t i = 0; i < texts.size(); ++i)
-                for (std::size_t j = 0; j < i; ++j)
-                    if (texts[i].value == texts[j].value || texts[i].text == texts[j].text)
-                        return false;
-            return true;
-        }(),
-        "Orvant::EnumTexts lists each enumerator once, each with a text of its own");
+    static_assert(areTextsDistinct<E>(),
+                  "Orvant::EnumTexts lists each enumerator once, each with a text of its own");
 
     /// @return whether the enumerator has a text
     static constexpr bool isListed(E value) {
@@ -266,12 +269,20 @@ std::unique_ptr<ConfigurationValueBase> declareValue(const SettingsBase& owner, 
 }
 
 /// @cond
+template <typename Number, typename T>
+constexpr bool isOutOf(const Range<Number>& range, const T& value) {
+    if constexpr (std::is_arithmetic_v<T> && !std::is_same_v<T, bool>)
+        return !range.contains(value);
+    else
+        return false; // another message follows
+}
+
 #if defined(__GNUC__) && !defined(__clang__) && defined(__OPTIMIZE__)
 [[gnu::error("the default of the setting is out of its range")]] void refuseDefault();
 
 template <typename Number, typename T>
 [[gnu::always_inline]] inline Range<Number> checkedAtBuild(Range<Number> range, T defaultValue) {
-    const bool isOutside = !range.contains(defaultValue);
+    const bool isOutside = isOutOf(range, defaultValue);
     if (__builtin_constant_p(isOutside) && isOutside)
         refuseDefault();
     return range;
