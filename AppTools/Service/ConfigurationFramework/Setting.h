@@ -153,6 +153,12 @@ public:
     {
         return setting.get() == value;
     }
+    /// @return whether the same value applies
+    friend bool operator==(const Setting& first, const Setting& second)
+        requires(!std::is_scalar_v<T>)
+    {
+        return first.get() == second.get();
+    }
 
 private:
     template <typename Callback>
