@@ -253,11 +253,14 @@ TEST(SettingChanges, EndWithASubscriptionThatIsEndedByAnotherCallback) {
     View view;
     std::vector<std::string> calls;
     ChangeSubscription second;
+    ChangeSubscription third;
     const auto first = view.zoom.onChange([&](int) {
         calls.push_back("first");
         second.end();
+        third = ChangeSubscription();
     });
     second = view.zoom.onChange([&](int) { calls.push_back("second"); });
+    third = view.zoom.onChange([&](int) { calls.push_back("third"); });
     view.zoom = 2;
     EXPECT_THAT(calls, ElementsAre("first"));
 }
