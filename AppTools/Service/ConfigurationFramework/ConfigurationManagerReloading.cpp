@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/AdvancedConfigReader.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/KeyedGroup.h>
 #include <ConfigurationFramework/ObjectWriter.h>
 #include <ConfigurationFramework/ValueText.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -15,6 +16,13 @@ namespace Orvant {
 
 namespace {
 
+/// Whether children with keys come from the same files.
+bool haveSameOrigins(const ConfigurationObject& first, const ConfigurationObject& second) {
+    const auto* const group = dynamic_cast<const KeyedGroup*>(&first);
+    const auto* const other = dynamic_cast<const KeyedGroup*>(&second);
+    return group == nullptr || other == nullptr || group->hasSameOrigins(*other);
+}
+
 /// Whether what is loaded has the same locks in both objects and, where asked for, the same values.
 bool isSame(const ConfigurationObject& first, const ConfigurationObject& second,
             bool compareValues) {
@@ -22,6 +30,8 @@ bool isSame(const ConfigurationObject& first, const ConfigurationObject& second,
         return !mine->isLoadable() || (mine->isEditable() == others->isEditable() &&
                                        (!compareValues || mine->comapreValue(others)));
     };
+    const auto* const prototype = first.getChildPrototype();
+    const auto* const otherPrototype = second.getChildPrototype();
     const auto isSameObject = [&](const auto* mine, const auto* others) {
         return isSame(*mine, *others, compareValues);
     };
@@ -29,7 +39,10 @@ bool isSame(const ConfigurationObject& first, const ConfigurationObject& second,
            std::equal(first.beginValueIterator(), first.endValueIterator(),
                       second.beginValueIterator(), second.endValueIterator(), isSameValue) &&
            std::equal(first.beginObjectIterator(), first.endObjectIterator(),
-                      second.beginObjectIterator(), second.endObjectIterator(), isSameObject);
+                      second.beginObjectIterator(), second.endObjectIterator(), isSameObject) &&
+           (prototype == nullptr || otherPrototype == nullptr ||
+            isSame(*prototype, *otherPrototype, true)) &&
+           haveSameOrigins(first, second);
 }
 
 /// Calls back with each child and its counterpart in a former state of the object.

@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ConstrainedValue.h>
+#include <ConfigurationFramework/KeyedGroup.h>
 #include <ConfigurationFramework/ReaderBelow.h>
 #include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -175,6 +176,10 @@ public:
         const auto* const prototype = other.getChildPrototype();
         if (auto* const own = object.getChildPrototype(); own != nullptr && prototype != nullptr)
             run(*own, *prototype, prototype->isEditable() ? values : Values::All);
+        auto* const group = dynamic_cast<KeyedGroup*>(&object);
+        if (const auto* const source = dynamic_cast<const KeyedGroup*>(&other);
+            group != nullptr && source != nullptr)
+            group->takeOrigins(*source);
     }
 
 private:

@@ -1,9 +1,13 @@
 #include <ConfigurationFramework/KeyedGroup.h>
 
+#include <ConfigurationFramework/ChangeHold.h>
 #include <ConfigurationFramework/ConfigReader.h>
 #include <ConfigurationFramework/ConfigWriter.h>
+#include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/LoadedLayer.h>
+#include <ConfigurationFramework/ReaderBelow.h>
 #include <ConfigurationFramework/model/FreshObject.h>
+#include <ConfigurationFramework/model/ValueCopy.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <algorithm>
@@ -11,6 +15,22 @@
 #include <utility>
 
 namespace Orvant {
+
+namespace {
+
+/// A key that no element has: asked for it, a reader finds the default entry.
+std::string keyOfNone(const std::set<std::string>& keys) {
+    std::string key = "-";
+    for (const std::string& taken : keys)
+        key.resize(std::max(key.size(), taken.size() + 1), '-');
+    return key;
+}
+
+} // namespace
+
+bool KeyedGroup::isKey(const std::string& text) {
+    return !text.empty() && throughDocument(text) == text;
+}
 
 KeyedGroup::KeyedGroup(std::unique_ptr<ConfigurationObject> prototype)
     : ConfigurationObject("", "", LoadAndSave, AllProducts), m_prototype(std::move(prototype)) {
@@ -23,7 +43,7 @@ KeyedGroup::~KeyedGroup() = default;
 ConfigurationObject& KeyedGroup::add(const std::string& key) {
     if (ConfigurationObject* const child = find(key))
         return *child;
-    if (key.empty() || throughDocument(key) != key)
+    if (!isKey(key))
         throw std::invalid_argument("\"" + key + "\" cannot be the key of \"" +
                                     m_prototype->getName() + '"');
     if (isInLockedObject())
@@ -38,6 +58,7 @@ void KeyedGroup::remove(const std::string& key) {
         return;
     if (m_keysOfSystem.contains(key))
         m_removed.insert(key);
+    m_keysWithLocks.erase(key);
     take(key);
 }
 
@@ -54,24 +75,28 @@ void KeyedGroup::loadContent(ConfigReader& reader) {
     if (!isLoadable() || !isEditable())
         return;
     if (std::exchange(m_isReset, false))
-        parkAllThatMayGo();
+        startAnew();
     bool editable = true;
     reader.getEditable(editable);
     setEditable(editable);
 
     const std::string& kind = m_prototype->getName();
+    const bool isSystem = LoadedLayer::isSystem();
     std::set<std::string> found;
     reader.getKeys(kind, found);
     const bool hasDefaultEntry = found.erase("") != 0;
+    if (!isSystem)
+        loadRemoved(reader, found);
     for (const std::string& key : found)
         findOrMake(key);
     // A child that this source does not have gets what its default entry says.
     for (std::size_t i = 0; i < m_keys.size(); ++i)
         reader.getClassContents(kind, m_keys[i], child(i));
-    if (hasDefaultEntry) // last: a new child above starts as the sources before say
-        reader.getClassContents(kind, "", *m_prototype);
+    if (hasDefaultEntry) { // last: a new child above starts as the sources before say
+        reader.getClassContents(kind, keyOfNone(found), *m_prototype);
+        m_hasDefaultEntry = true;
+    }
 
-    const bool isSystem = LoadedLayer::isSystem();
     if (isSystem)
         m_keysOfSystem = found;
     if (isSystem || !m_isSystemLoaded) {
@@ -82,24 +107,39 @@ void KeyedGroup::loadContent(ConfigReader& reader) {
         m_keysWithLocks.insert(found.begin(), found.end());
     }
     m_isSystemLoaded = isSystem;
+}
 
+/// Removes what the user removed, before a lock in the user's file could keep it.
+void KeyedGroup::loadRemoved(ConfigReader& reader, const std::set<std::string>& found) {
     m_removed.clear();
     reader.getKeys(removedTag(), m_removed);
-    std::erase_if(m_removed, [&](const std::string& key) { return found.contains(key); });
+    std::erase_if(m_removed,
+                  [&](const std::string& key) { return key.empty() || found.contains(key); });
     for (const std::string& key : m_removed)
         if (find(key) != nullptr && mayGo(key))
             park(key);
 }
 
 void KeyedGroup::saveContent(ConfigWriter& writer) const {
+    if (m_hasDefaultEntry && m_prototype->writesContent()) // first: it replaces all of the name
+        writer.putClassContents(m_prototype->getName(), *m_prototype,
+                                m_prototype->getDescription());
     ConfigurationObject::saveContent(writer);
     saveRemoved(writer);
 }
 
 void KeyedGroup::saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const {
+    if (onlyDifferent)
+        saveDifferentDefaultEntry(writer, reader);
     ConfigurationObject::saveContent(writer, reader, onlyDifferent);
     if (onlyDifferent)
         saveRemoved(writer);
+}
+
+void KeyedGroup::overwriteInvalidConfigValues(const ConfigurationObject* other) {
+    ConfigurationObject::overwriteInvalidConfigValues(other);
+    if (const auto* const group = dynamic_cast<const KeyedGroup*>(other))
+        takeOrigins(*group);
 }
 
 ConfigurationObject* KeyedGroup::createConfigurationObject() const {
@@ -114,6 +154,7 @@ ConfigurationObject* KeyedGroup::clone() const {
     group.m_keysOfSystem = m_keysOfSystem;
     group.m_keysWithLocks = m_keysWithLocks;
     group.m_removed = m_removed;
+    group.m_hasDefaultEntry = m_hasDefaultEntry;
     return copy.release();
 }
 
@@ -123,11 +164,17 @@ void KeyedGroup::setDefaultValues() {
 }
 
 void KeyedGroup::emitSignalsAfterConfigLoading() {
-    if (std::exchange(m_isReset, false))
-        parkAllThatMayGo(); // the load found nothing for the object
+    if (m_isReset && ChangeHold::isHeld()) { // the load found nothing for the object
+        m_isReset = false;
+        startAnew();
+    }
     m_parked.clear();
     m_isSystemLoaded = false;
-    ConfigurationObject::emitSignalsAfterConfigLoading();
+    m_prototype->emitSignalsAfterConfigLoading();
+    const std::vector<std::string> keys = m_keys; // callbacks may add and remove children
+    for (const std::string& key : keys)
+        if (ConfigurationObject* const child = find(key))
+            child->emitSignalsAfterConfigLoading();
 }
 
 const ConfigurationObject* KeyedGroup::getCounterpart(const ConfigurationObject& /*child*/,
@@ -175,7 +222,11 @@ void KeyedGroup::park(const std::string& key) {
     m_parked.insert_or_assign(key, take(key));
 }
 
-void KeyedGroup::parkAllThatMayGo() {
+/// Forgets what earlier loads found.
+void KeyedGroup::startAnew() {
+    m_prototype = makeFresh(*m_prototype);
+    m_hasDefaultEntry = false;
+    m_removed.clear();
     const std::vector<std::string> keys = m_keys;
     for (const std::string& key : keys)
         if (mayGo(key))
@@ -198,8 +249,68 @@ ConfigurationObject& KeyedGroup::findOrMake(const std::string& key) {
         return insert(key, std::unique_ptr<ConfigurationObject>(m_prototype->clone()));
     ConfigurationObject& child = insert(key, std::move(parked->second));
     m_parked.erase(parked);
-    child.restoreLocks(*m_prototype);
+    startAs(child, *m_prototype);
     return child;
+}
+
+/// Makes an object what a clone of another would be, except for what is not loaded.
+void KeyedGroup::startAs(ConfigurationObject& object, const ConfigurationObject& start) {
+    object.setEditable(start.isEditable());
+    auto startValue = start.beginValueIterator();
+    for (auto value = object.beginValueIterator();
+         value != object.endValueIterator() && startValue != start.endValueIterator();
+         ++value, ++startValue) {
+        if ((*value)->isLoadable())
+            adoptState(**value, **startValue);
+        (*value)->setEditable((*startValue)->isEditable());
+    }
+    auto* const group = dynamic_cast<KeyedGroup*>(&object);
+    if (group != nullptr) {
+        group->startAs(static_cast<const KeyedGroup&>(start));
+        return;
+    }
+    for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i) {
+        ConfigurationObject& child = *object.beginObjectIterator()[static_cast<std::ptrdiff_t>(i)];
+        if (const auto* const counterpart = object.getCounterpart(child, i, start))
+            startAs(child, *counterpart);
+    }
+}
+
+void KeyedGroup::startAs(const KeyedGroup& start) {
+    m_isReset = false;
+    m_keysWithLocks.clear();
+    startAnew();
+    m_prototype.reset(start.m_prototype->clone());
+    for (std::size_t i = 0; i < start.m_keys.size(); ++i)
+        startAs(findOrMake(start.m_keys[i]), start.child(i));
+    takeOrigins(start);
+    m_removed = start.m_removed;
+    m_hasDefaultEntry = start.m_hasDefaultEntry;
+}
+
+void KeyedGroup::takeOrigins(const KeyedGroup& other) {
+    m_keysOfSystem = other.m_keysOfSystem;
+    m_keysWithLocks = other.m_keysWithLocks;
+}
+
+bool KeyedGroup::hasSameOrigins(const KeyedGroup& other) const {
+    return m_keysOfSystem == other.m_keysOfSystem && m_hasDefaultEntry == other.m_hasDefaultEntry &&
+           std::ranges::all_of(m_keys, [&](const std::string& key) {
+               return m_keysWithLocks.contains(key) == other.m_keysWithLocks.contains(key);
+           });
+}
+
+/// Keeps a default entry of the user's file there.
+void KeyedGroup::saveDifferentDefaultEntry(ConfigWriter& writer, ConfigReader& reader) const {
+    const auto* const below = ReaderBelow::madeFor(*this, reader);
+    const auto* const other =
+        below == nullptr ? nullptr : dynamic_cast<const KeyedGroup*>(below->reference());
+    const auto fresh = other == nullptr ? makeFresh(*m_prototype) : nullptr;
+    if (m_prototype->writesContent())
+        writer.putElementUnlessEmpty(m_prototype->getName(), m_prototype->getDescription(), [&] {
+            m_prototype->saveDifferentConfigurationValues(
+                writer, other == nullptr ? fresh.get() : other->m_prototype.get());
+        });
 }
 
 void KeyedGroup::saveRemoved(ConfigWriter& writer) const {

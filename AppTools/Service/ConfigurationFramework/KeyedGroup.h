@@ -23,6 +23,8 @@ public:
     KeyedGroup& operator=(const KeyedGroup&) = delete;
     ~KeyedGroup() override;
 
+    /// @return whether a text can be a key: not empty, and XML can hold it
+    static bool isKey(const std::string& text);
     /// @return the child of a key; a copy of the prototype if there is none
     /// @throws std::invalid_argument for an empty key or one that XML cannot hold;
     ///         std::logic_error for a new one when the group or an object that it is in is locked
@@ -41,6 +43,7 @@ public:
     void loadContent(ConfigReader& reader) override;
     void saveContent(ConfigWriter& writer) const override;
     void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const override;
+    void overwriteInvalidConfigValues(const ConfigurationObject* other) override;
     ConfigurationObject* createConfigurationObject() const override;
     ConfigurationObject* clone() const override;
     /// Resets the children. Those that the next load does not find go then, unless they have locks.
@@ -53,6 +56,10 @@ public:
     std::optional<std::string> getChildKey(std::size_t position) const override;
     ConfigurationObject* getChildPrototype() const override { return m_prototype.get(); }
 
+    /// Takes over which children the system file has, and whose locks count.
+    void takeOrigins(const KeyedGroup& other);
+    /// @return whether both were loaded from files with the same keys and default entries
+    bool hasSameOrigins(const KeyedGroup& other) const;
     /// @return tag of the elements that name what the user removed of the system file's
     std::string removedTag() const;
 
@@ -64,9 +71,13 @@ private:
     std::size_t positionOf(const std::string& key) const;
     std::unique_ptr<ConfigurationObject> take(const std::string& key);
     void park(const std::string& key);
-    void parkAllThatMayGo();
+    void startAnew();
     ConfigurationObject& insert(const std::string& key, std::unique_ptr<ConfigurationObject> child);
     ConfigurationObject& findOrMake(const std::string& key);
+    static void startAs(ConfigurationObject& object, const ConfigurationObject& start);
+    void startAs(const KeyedGroup& start);
+    void loadRemoved(ConfigReader& reader, const std::set<std::string>& found);
+    void saveDifferentDefaultEntry(ConfigWriter& writer, ConfigReader& reader) const;
     void saveRemoved(ConfigWriter& writer) const;
 
     std::unique_ptr<ConfigurationObject> m_prototype;
@@ -77,8 +88,9 @@ private:
     /// Not found yet by the load that goes on: another file may have them. The child of a key stays
     /// the same object, so that references and subscriptions survive a reload.
     Children m_parked;
-    bool m_isReset = false;        ///< a load has to find the children again
-    bool m_isSystemLoaded = false; ///< by the load that goes on
+    bool m_hasDefaultEntry = false; ///< in one of the files
+    bool m_isReset = false;         ///< a load has to find the children again
+    bool m_isSystemLoaded = false;  ///< by the load that goes on
 };
 
 } // namespace Orvant
