@@ -22,12 +22,20 @@ std::string toUtf8(const XmlString& text) {
     return XercesHelperFunctions::xmlChToString(text.c_str());
 }
 
-/// The element of a document that a written one is loaded from.
-Element find(DocumentTree& tree, Element parent, const WrittenElement& written) {
+bool hasKey(const DocumentTree& tree, Element element, const WrittenElement& written) {
+    return !written.id.key || tree.key(element) == toUtf8(*written.id.key);
+}
+
+/// The element of a document whose locks hold for a written one.
+/// @param isTarget whether it is written to that document: then a child of an object gets an
+///                 element of its own there, which the locks of the default entry are not for
+Element find(DocumentTree& tree, Element parent, const WrittenElement& written, bool isTarget) {
     const std::string name = toUtf8(written.id.tag);
     if (written.id.key) {
         const Element keyed = tree.findChild(parent, name, toUtf8(*written.id.key));
-        return keyed != DocumentTree::none ? keyed : tree.findChildWithoutKey(parent, name);
+        const bool inherits = !isTarget || parent == DocumentTree::root;
+        return keyed != DocumentTree::none || !inherits ? keyed
+                                                        : tree.findChildWithoutKey(parent, name);
     }
     const Element child = tree.findChild(parent, name);
     const bool isList = written.isList() && !written.children.empty();
@@ -41,26 +49,30 @@ bool isLocked(const DocumentTree& tree, Element element, const WrittenElement& w
 }
 
 /// Replaces what is locked in a document below an element.
+/// @param isTarget whether it is the document that is written to
 /// @param replacementOf returns what takes the place of a child, given that and its counterpart in
 ///                      the former element (null: none); nothing to remove it
 template <typename Replace>
 void replaceLocked(DocumentTree& tree, Element parent, WrittenElement& written,
-                   const WrittenElement* former, Replace replacementOf) {
+                   const WrittenElement* former, bool isTarget, Replace replacementOf) {
     const ChildrenById formers(former);
     std::erase_if(written.children, [&](WrittenElement& child) {
-        const Element element = find(tree, parent, child);
+        const Element element = find(tree, parent, child, isTarget);
         if (element == DocumentTree::none || child.isLocked)
             return false;
         const WrittenElement* const formerChild = formers.find(child.id);
         if (isLocked(tree, element, child)) {
             auto replacement = replacementOf(formerChild);
+            // What a child inherits from the default entry is locked, but not that it is there.
+            if (!replacement && parent != DocumentTree::root && !hasKey(tree, element, child))
+                replacement = WrittenElement{.id = child.id, .comment = child.comment};
             if (replacement)
                 child = std::move(*replacement);
             return !replacement.has_value();
         }
         // A value is locked as a whole; locks of a list's items are for nobody.
         if (child.isGroup())
-            replaceLocked(tree, element, child, formerChild, replacementOf);
+            replaceLocked(tree, element, child, formerChild, isTarget, replacementOf);
         return false;
     });
 }
@@ -131,7 +143,7 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
         isUnchanged || base == nullptr ? DocumentTree::none : fallbackOf(registration);
     WrittenElement current = *now;
     if (former != DocumentTree::none && m_system == nullptr) {
-        replaceLocked(m_user.document()->tree, former, current, base.get(), lockedAsBefore);
+        replaceLocked(m_user.document()->tree, former, current, base.get(), true, lockedAsBefore);
         stored = current;
     }
     if (base != nullptr && former == DocumentTree::none)
@@ -200,9 +212,10 @@ std::size_t ConfigurationManagerChanges::mergeInto(xercesc::DOMElement& root) co
     WrittenElement base = m_base;
     WrittenElement now = m_now;
     WrittenElement stored = m_stored;
+    const bool isTarget = m_system == nullptr;
     forEachLocking([&](DocumentTree& tree) {
         for (WrittenElement* element : {&base, &now, &stored})
-            replaceLocked(tree, DocumentTree::root, *element, nullptr, removed);
+            replaceLocked(tree, DocumentTree::root, *element, nullptr, isTarget, removed);
     });
     return mergeChanges(root, {&base, &now, &stored});
 }
@@ -216,6 +229,7 @@ void ConfigurationManagerChanges::forEachLocking(Visit visit) const {
 }
 
 std::vector<ConfigurationManagerChanges::State> ConfigurationManagerChanges::takeStates() {
+    const bool isTarget = m_system == nullptr;
     for (State& state : m_states) {
         if (state.base == nullptr)
             continue;
@@ -223,7 +237,7 @@ std::vector<ConfigurationManagerChanges::State> ConfigurationManagerChanges::tak
         WrittenElement known = inRoot(*state.written);
         const WrittenElement base = inRoot(*state.base);
         forEachLocking([&](DocumentTree& tree) {
-            replaceLocked(tree, DocumentTree::root, known, &base, asBefore);
+            replaceLocked(tree, DocumentTree::root, known, &base, isTarget, asBefore);
         });
         if (!known.children.empty())
             state.written =

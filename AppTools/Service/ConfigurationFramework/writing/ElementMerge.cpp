@@ -212,11 +212,15 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
         present = &append(parent, *change.stored);
         siblings.add(*present);
     }
-    const std::size_t count = mergeChanges(*present, change);
+    const bool tellsOfChild = idOf(change).key && !isRoot(parent);
+    // Where others added a child of the same key, only what differs from its start is a change.
+    const bool isAddedTwice = !isNew && tellsOfChild && change.base == nullptr;
+    const ElementChange added{nullptr, change.stored, change.stored};
+    const std::size_t count = mergeChanges(*present, isAddedTwice ? added : change);
     if (count != 0)
         keepListsReadable(*present, change);
-    // Without contents, an element with a key still tells an object that it has such a child.
-    if (change.stored != nullptr && change.stored->id.key && !isRoot(parent))
+    // Without contents, its element still tells the object of the child.
+    if (change.stored != nullptr && tellsOfChild)
         return count + (isNew ? 1 : 0);
     // Any other that was emptied, or was made and stayed empty, is removed.
     if ((isNew || count != 0) && !present->hasChildNodes()) {
