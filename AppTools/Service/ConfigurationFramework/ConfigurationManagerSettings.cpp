@@ -119,11 +119,25 @@ struct ConfigurationManagerSettings::Group {
 
     /// @return the next written child of a name; null when there is none
     const WrittenElement* take(const std::string& name) {
+        return takeFirst(name, [](const WrittenElement*) { return true; });
+    }
+    /// @return the next written child of a name and key, or without a key; null when there is none
+    const WrittenElement* take(const std::string& name, const std::optional<std::string>& key) {
+        return takeFirst(name, [&](const WrittenElement* child) { return keyOf(child) == key; });
+    }
+
+private:
+    template <typename IsMeant>
+    const WrittenElement* takeFirst(const std::string& name, IsMeant isMeant) {
         const auto found = untaken.find(XercesHelperFunctions::stringToXmlCh(name));
-        if (found == untaken.end() || found->second.empty())
+        if (found == untaken.end())
             return nullptr;
-        const WrittenElement* const child = found->second.back();
-        found->second.pop_back();
+        auto& children = found->second; // in reverse order
+        const auto next = std::ranges::find_if(children | std::views::reverse, isMeant);
+        if (next == children.rend())
+            return nullptr;
+        const WrittenElement* const child = *next;
+        children.erase(std::next(next).base());
         taken.insert(child);
         return child;
     }
@@ -201,12 +215,31 @@ void ConfigurationManagerSettings::addObject(const ConfigurationObject& object, 
     restrictBy(object, inherited);
     for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
         addValue(**value, group, inherited);
-    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
-        if ((*child)->getName().empty())
-            addObject(**child, group, inherited);
+    if (const ConfigurationObject* const prototype = object.getChildPrototype())
+        addDefaultEntry(*prototype, group, inherited);
+    for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i) {
+        const ConfigurationObject& child =
+            *object.beginObjectIterator()[static_cast<std::ptrdiff_t>(i)];
+        if (child.getName().empty())
+            addObject(child, group, inherited);
         else
-            addChild(**child, group, inherited);
+            addChild(child, object.getChildKey(i), group, inherited);
     }
+}
+
+/// Adds what children that have no element of their own are loaded from, if there is such a thing.
+void ConfigurationManagerSettings::addDefaultEntry(const ConfigurationObject& prototype,
+                                                   Group& group, PlacedSetting inherited) {
+    PlacedSetting setting = std::move(inherited);
+    setting.tag = prototype.getName();
+    setting.key.reset();
+    setting.path += '/' + setting.tag;
+    setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
+        return tree.findChildWithoutKey(parent, setting.tag);
+    });
+    if (std::ranges::any_of(setting.elements,
+                            [](Element element) { return element != DocumentTree::none; }))
+        addGroup(prototype, group.take(setting.tag, std::nullopt), std::move(setting));
 }
 
 void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value, Group& group,
@@ -227,13 +260,16 @@ void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value,
     m_settings.push_back(std::move(setting));
 }
 
-void ConfigurationManagerSettings::addChild(const ConfigurationObject& child, Group& group,
+/// @param key nothing: it has the key that it is written with
+void ConfigurationManagerSettings::addChild(const ConfigurationObject& child,
+                                            const std::optional<std::string>& key, Group& group,
                                             PlacedSetting inherited) {
-    const WrittenElement* const written =
-        child.writesContent() ? group.take(child.getName()) : nullptr;
+    const WrittenElement* const written = !child.writesContent() ? nullptr
+                                          : key ? group.take(child.getName(), throughDocument(*key))
+                                                : group.take(child.getName());
     PlacedSetting setting = std::move(inherited);
     setting.tag = child.getName();
-    setting.key = keyOf(written);
+    setting.key = key ? key : keyOf(written);
     setting.path += '/' + pathOf(setting.tag, setting.key);
     setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
         return findGroup(tree, parent, setting.tag, setting.key);

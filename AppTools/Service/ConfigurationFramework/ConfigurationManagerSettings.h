@@ -91,7 +91,10 @@ private:
 
     void addObject(const ConfigurationObject& object, Group& group, PlacedSetting inherited);
     void addValue(const ConfigurationValueBase& value, Group& group, PlacedSetting inherited);
-    void addChild(const ConfigurationObject& child, Group& group, PlacedSetting inherited);
+    void addDefaultEntry(const ConfigurationObject& prototype, Group& group,
+                         PlacedSetting inherited);
+    void addChild(const ConfigurationObject& child, const std::optional<std::string>& key,
+                  Group& group, PlacedSetting inherited);
     void addOthers(Group& group, const PlacedSetting& inherited);
     void addOther(const WrittenElement& written, std::size_t occurrence, const Group& group,
                   PlacedSetting inherited);
