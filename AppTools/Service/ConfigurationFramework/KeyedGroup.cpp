@@ -50,7 +50,11 @@ ConfigurationObject& KeyedGroup::add(const std::string& key) {
         throw std::logic_error("\"" + m_prototype->getName() + '[' + key +
                                "]\" cannot be added to an object that is locked");
     m_removed.erase(key);
-    return insert(key, std::unique_ptr<ConfigurationObject>(m_prototype->clone()));
+    ConfigurationObject& child =
+        insert(key, std::unique_ptr<ConfigurationObject>(m_prototype->clone()));
+    if (m_keysOfSystem.contains(key)) // its element there inherits no locks
+        child.restoreLocks(*makeFresh(*m_prototype));
+    return child;
 }
 
 void KeyedGroup::remove(const std::string& key) {
@@ -94,7 +98,7 @@ void KeyedGroup::loadContent(ConfigReader& reader) {
         reader.getClassContents(kind, m_keys[i], child(i));
     if (hasDefaultEntry) { // last: a new child above starts as the sources before say
         reader.getClassContents(kind, keyOfNone(found), *m_prototype);
-        m_hasDefaultEntry = true;
+        (isSystem ? m_hasSystemEntry : m_hasUserEntry) = true;
     }
 
     if (isSystem)
@@ -121,7 +125,8 @@ void KeyedGroup::loadRemoved(ConfigReader& reader, const std::set<std::string>& 
 }
 
 void KeyedGroup::saveContent(ConfigWriter& writer) const {
-    if (m_hasDefaultEntry && m_prototype->writesContent()) // first: it replaces all of the name
+    if ((m_hasSystemEntry || m_hasUserEntry) &&
+        m_prototype->writesContent()) // first: it replaces all of the name
         writer.putClassContents(m_prototype->getName(), *m_prototype,
                                 m_prototype->getDescription());
     ConfigurationObject::saveContent(writer);
@@ -129,7 +134,7 @@ void KeyedGroup::saveContent(ConfigWriter& writer) const {
 }
 
 void KeyedGroup::saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const {
-    if (onlyDifferent)
+    if (onlyDifferent && m_hasUserEntry)
         saveDifferentDefaultEntry(writer, reader);
     ConfigurationObject::saveContent(writer, reader, onlyDifferent);
     if (onlyDifferent)
@@ -154,7 +159,8 @@ ConfigurationObject* KeyedGroup::clone() const {
     group.m_keysOfSystem = m_keysOfSystem;
     group.m_keysWithLocks = m_keysWithLocks;
     group.m_removed = m_removed;
-    group.m_hasDefaultEntry = m_hasDefaultEntry;
+    group.m_hasSystemEntry = m_hasSystemEntry;
+    group.m_hasUserEntry = m_hasUserEntry;
     return copy.release();
 }
 
@@ -225,7 +231,8 @@ void KeyedGroup::park(const std::string& key) {
 /// Forgets what earlier loads found.
 void KeyedGroup::startAnew() {
     m_prototype = makeFresh(*m_prototype);
-    m_hasDefaultEntry = false;
+    m_hasSystemEntry = false;
+    m_hasUserEntry = false;
     m_removed.clear();
     const std::vector<std::string> keys = m_keys;
     for (const std::string& key : keys)
@@ -285,7 +292,8 @@ void KeyedGroup::startAs(const KeyedGroup& start) {
         startAs(findOrMake(start.m_keys[i]), start.child(i));
     takeOrigins(start);
     m_removed = start.m_removed;
-    m_hasDefaultEntry = start.m_hasDefaultEntry;
+    m_hasSystemEntry = start.m_hasSystemEntry;
+    m_hasUserEntry = start.m_hasUserEntry;
 }
 
 void KeyedGroup::takeOrigins(const KeyedGroup& other) {
@@ -294,7 +302,8 @@ void KeyedGroup::takeOrigins(const KeyedGroup& other) {
 }
 
 bool KeyedGroup::hasSameOrigins(const KeyedGroup& other) const {
-    return m_keysOfSystem == other.m_keysOfSystem && m_hasDefaultEntry == other.m_hasDefaultEntry &&
+    return m_keysOfSystem == other.m_keysOfSystem && m_hasSystemEntry == other.m_hasSystemEntry &&
+           m_hasUserEntry == other.m_hasUserEntry &&
            std::ranges::all_of(m_keys, [&](const std::string& key) {
                return m_keysWithLocks.contains(key) == other.m_keysWithLocks.contains(key);
            });

@@ -88,9 +88,10 @@ private:
     /// Not found yet by the load that goes on: another file may have them. The child of a key stays
     /// the same object, so that references and subscriptions survive a reload.
     Children m_parked;
-    bool m_hasDefaultEntry = false; ///< in one of the files
-    bool m_isReset = false;         ///< a load has to find the children again
-    bool m_isSystemLoaded = false;  ///< by the load that goes on
+    bool m_hasSystemEntry = false; ///< whether the system file has a default entry
+    bool m_hasUserEntry = false;   ///< whether the user's or the only file has one
+    bool m_isReset = false;        ///< a load has to find the children again
+    bool m_isSystemLoaded = false; ///< by the load that goes on
 };
 
 } // namespace Orvant
