@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
+#include <ConfigurationFramework/KeyedGroup.h>
 
 #include <concepts>
 #include <cstddef>
@@ -25,7 +26,9 @@ namespace Orvant {
 ///     offer(key, plotter.paper);
 /// @endcode
 ///
-/// The objects stay registered when this is destroyed.
+/// The objects stay registered when this is destroyed; another one for the same manager and class
+/// has the same objects. With two files, an object that does not differ from what the system file
+/// says, or from its defaults, has no element in the user's file: the next start does not find it.
 /// @tparam C class of the objects, made without arguments, with a name
 template <std::derived_from<ConfigurationObject> C>
 class KeyedSettings {
@@ -68,8 +71,8 @@ public:
 
     /// Registers an object for each key in the files, and loads them.
     /// @param manager must outlive this; its files and accepted versions are set
-    /// @throws std::logic_error for a class without a name, and whatever an object throws while it
-    ///         is loaded
+    /// @throws std::logic_error for a class without a name, or when an object of another class is
+    ///         registered under the name, and whatever an object throws while it is loaded
     explicit KeyedSettings(ConfigurationManager& manager = ConfigurationManager::getInstance())
         : m_manager(manager), m_name(C().getName()) {
         if (m_name.empty())
@@ -83,8 +86,9 @@ public:
     /// Registers objects for keys that are new in the files, after
     /// ConfigurationManager::reloadConfiguration(). Objects whose elements are gone stay: what was
     /// changed in them is not lost.
-    /// @throws whatever an object throws while it is loaded
+    /// @throws whatever an object throws while it is loaded; std::logic_error like the constructor
     void update() {
+        adoptRegistered();
         std::vector<ConfigurationRegistration> found;
         for (const std::string& key : m_manager.getKeys(m_name)) {
             if (key.empty() || m_objects.contains(key))
@@ -97,11 +101,12 @@ public:
     }
     /// @return the object of a key; a new one, registered and loaded from the element without a
     ///         key, if there is none
-    /// @throws std::invalid_argument for an empty key, and whatever the object throws while it is
-    ///         loaded
+    /// @throws std::invalid_argument for an empty key or one that XML cannot hold, and whatever the
+    ///         object throws while it is loaded; std::logic_error like the constructor
     C& add(const std::string& key) {
-        if (key.empty())
-            throw std::invalid_argument("an object of several needs a key");
+        if (!KeyedGroup::isKey(key))
+            throw std::invalid_argument("\"" + key + "\" cannot be the key of \"" + m_name + '"');
+        adoptRegistered();
         if (C* const object = find(key))
             return *object;
         auto object = std::make_shared<C>();
@@ -134,6 +139,18 @@ public:
     Iterator end() const { return Iterator(m_objects.end()); }
 
 private:
+    /// Takes over the objects that are registered: only these are saved.
+    void adoptRegistered() {
+        for (const auto& [object, name, key] : m_manager.getRegistrations()) {
+            if (name != m_name)
+                continue;
+            auto own = std::dynamic_pointer_cast<C>(object);
+            if (own == nullptr || !key)
+                throw std::logic_error("another object is registered as \"" + m_name + '"');
+            m_objects.try_emplace(*key, std::move(own));
+        }
+    }
+
     ConfigurationManager& m_manager;
     std::string m_name;
     std::map<std::string, std::shared_ptr<C>> m_objects;
