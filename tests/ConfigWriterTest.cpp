@@ -570,6 +570,42 @@ TEST(ConfigWriter, FindsAnElementThatACallbackFilledAmongMany) {
     EXPECT_THAT(textOf(writer), HasSubstr("<e99><n>99</n></e99><e50><n>-1</n><m>1</m></e50></C"));
 }
 
+TEST(ConfigWriter, PutsAnElementWithAKeyInPlaceOfTheOneWithThatKey) {
+    LoadedWriter writer("<a/><!--old--><a key=\"k\">old</a><a key=\"l\"/>");
+    writer.putKeyedElement("a", "k", "new", [&] { writer.putInt("b", 1, ""); });
+    writer.putKeyedElement("a", "m", "", [] {});
+    writer.putInt("c", 2, "");
+    EXPECT_EQ(document("<a/><a key=\"l\"/><!--new--><a key=\"k\"><b>1</b></a><a key=\"m\"/>"
+                       "<c>2</c>"),
+              textOf(writer));
+}
+
+TEST(ConfigWriter, ComesBackFromAnElementWithAKeyThatThrows) {
+    LoadedWriter writer("");
+    EXPECT_THROW(writer.putKeyedElement("a", "k", "", [] { throw std::runtime_error("no"); }),
+                 std::runtime_error);
+    EXPECT_THROW(writer.putKeyedElementUnlessEmpty("a", "k", "",
+                                                   [&] {
+                                                       writer.putInt("b", 1, "");
+                                                       throw std::runtime_error("no");
+                                                   }),
+                 std::runtime_error);
+    writer.putInt("c", 2, "");
+    EXPECT_EQ(document("<a key=\"k\"/><c>2</c>"), textOf(writer));
+}
+
+TEST(ConfigWriter, PutsAnElementWithAKeyOnlyWhereACallbackWritesSomething) {
+    LoadedWriter writer("<!--kept--><a key=\"k\">old</a><a key=\"l\">old</a><a/>");
+    writer.putKeyedElementUnlessEmpty("a", "k", "never seen", [] {});
+    writer.putKeyedElementUnlessEmpty("a", "l", "new", [&] {
+        writer.putKeyedElementUnlessEmpty("b", "1", "never seen", [] {});
+        writer.putKeyedElementUnlessEmpty("b", "2", "", [&] { writer.putString("text"); });
+    });
+    EXPECT_EQ(document("<!--kept--><a key=\"k\">old</a><a/><!--new--><a key=\"l\"><b key=\"2\">text"
+                       "</b></a>"),
+              textOf(writer));
+}
+
 TEST(ConfigWriter, PutsTextsHoweverTheyAreGiven) {
     ConfigWriter writer("1.0");
     char buffer[] = "buffer";
@@ -752,6 +788,13 @@ const Naming namings[] = {
     {"PutElementUnlessEmpty",
      [](auto& writer, auto& name) {
          writer.putElementUnlessEmpty(name, "comment", [&] { writer.putInt("x", 1, ""); });
+     }},
+    {"PutKeyedElement",
+     [](auto& writer, auto& name) { writer.putKeyedElement(name, "k", "comment", [] {}); }},
+    {"PutKeyedElementUnlessEmpty",
+     [](auto& writer, auto& name) {
+         writer.putKeyedElementUnlessEmpty(name, "k", "comment",
+                                           [&] { writer.putInt("x", 1, ""); });
      }},
     {"PutClassContents",
      [](auto& writer, auto& name) { writer.putClassContents(name, Support::TestObject(), ""); }},

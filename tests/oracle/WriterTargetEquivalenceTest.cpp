@@ -178,9 +178,14 @@ void Session::runWithCallback(Random& random, unsigned int depth) {
         if (oneIn(8, random))
             throw std::runtime_error("thrown by a callback");
     };
-    switch (random() % 4) {
+    const std::string& key = anyOf(m_words.keys, random);
+    switch (random() % 6) {
     case 0:
         return m_writer->putElement(name, comment, operateBelow);
+    case 2:
+        return m_writer->putKeyedElement(name, key, comment, operateBelow);
+    case 3:
+        return m_writer->putKeyedElementUnlessEmpty(name, key, comment, operateBelow);
     case 1:
         return m_writer->putInFront(name, operateBelow);
     default:
