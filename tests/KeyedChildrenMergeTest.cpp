@@ -627,6 +627,9 @@ TEST_P(KeyedChildrenSaving, AReloadTellsOnceAndSubscriptionsStay) {
     writeSystem("<View3D/>");
     ASSERT_TRUE(m_manager.reloadConfiguration());
     EXPECT_TRUE(view->plotters.empty());
+    writeSystem("<View3D><Plotter key='a'><Copies>9</Copies></Plotter></View3D>");
+    ASSERT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ(9, view->plotters.find("a")->copies);
     EXPECT_THAT(told, ElementsAre(3, 7)) << "it ended with its plotter";
 }
 
@@ -666,6 +669,18 @@ TEST_P(KeyedChildrenSaving, AReloadTakesOverTheDefaultEntry) {
     ASSERT_TRUE(m_manager.reloadConfiguration());
     EXPECT_EQ(1, view->plotters.add("b").copies);
     EXPECT_TRUE(view->plotters.add("b").trays.empty());
+}
+
+TEST_P(KeyedChildrenSaving, AReloadTakesOverTheLocksOfTheDefaultEntry) {
+    writeSystem("<View3D><Plotter><Paper>A3</Paper></Plotter></View3D>");
+    const auto view = start();
+    writeSystem("<View3D><Plotter><Paper editable='false'>A3</Paper></Plotter></View3D>");
+    ASSERT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_TRUE(view->plotters.add("a").paper.isLocked());
+    writeSystem("<View3D><Plotter><Paper>A3</Paper></Plotter></View3D>");
+    ASSERT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_FALSE(view->plotters.add("a").paper.isLocked());
+    EXPECT_FALSE(view->plotters.add("b").paper.isLocked());
 }
 
 TEST_P(KeyedChildrenSaving, AfterAReloadAllIsAsAfterAStart) {

@@ -213,7 +213,7 @@ private:
 INSTANTIATE_TEST_SUITE_P(, RandomKeyedChildren, Support::anySaveMode, Support::nameOfMode);
 
 TEST_P(RandomKeyedChildren, AreNeitherLostNorUnlockedNorBack) {
-    for (unsigned int seed = 1; seed <= 12 && !HasFatalFailure(); ++seed)
+    for (unsigned int seed = 1; seed <= 5 && !HasFatalFailure(); ++seed)
         run(seed);
 }
 
