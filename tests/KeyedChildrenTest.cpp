@@ -329,6 +329,18 @@ TEST(KeyedChildrenInMemory, CallbacksMayAddAndRemove) {
     EXPECT_EQ(nullptr, view.plotters.find("p0"));
 }
 
+TEST(KeyedChildrenInMemory, AllAreToldThoughACallbackThrows) {
+    View3D view;
+    const auto throwing =
+        view.plotters.add("a").copies.onChange([](int) { throw std::runtime_error("no"); });
+    int told = 0;
+    const auto watch = view.plotters.add("b").copies.onChange([&](int copies) { told = copies; });
+    auto reader = readerOf("<View3D><Plotter><Copies>2</Copies></Plotter></View3D>");
+    reader.getClassContents("View3D", view);
+    EXPECT_THROW(view.emitSignalsAfterConfigLoading(), std::runtime_error);
+    EXPECT_EQ(2, told);
+}
+
 TEST(KeyedChildrenInMemory, GetParentLeadsToTheOwner) {
     View3D view;
     EXPECT_EQ(nullptr, view.getParent());

@@ -176,11 +176,13 @@ void KeyedGroup::emitSignalsAfterConfigLoading() {
     }
     m_parked.clear();
     m_isSystemLoaded = false;
-    m_prototype->emitSignalsAfterConfigLoading();
+    FirstException exception;
+    exception.run([&] { m_prototype->emitSignalsAfterConfigLoading(); });
     const std::vector<std::string> keys = m_keys; // callbacks may add and remove children
     for (const std::string& key : keys)
         if (ConfigurationObject* const child = find(key))
-            child->emitSignalsAfterConfigLoading();
+            exception.run([&] { child->emitSignalsAfterConfigLoading(); });
+    exception.rethrow();
 }
 
 const ConfigurationObject* KeyedGroup::getCounterpart(const ConfigurationObject& /*child*/,

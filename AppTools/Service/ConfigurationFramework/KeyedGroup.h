@@ -48,6 +48,8 @@ public:
     ConfigurationObject* clone() const override;
     /// Resets the children. Those that the next load does not find go then, unless they have locks.
     void setDefaultValues() override;
+    /// Tells the children, which callbacks may add and remove meanwhile.
+    /// @throws the first exception of a callback, when all have been called
     void emitSignalsAfterConfigLoading() override;
     /// @return the child of the same key or, without one, what it would start as there
     const ConfigurationObject* getCounterpart(const ConfigurationObject& child,
