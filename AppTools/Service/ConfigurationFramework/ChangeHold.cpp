@@ -18,7 +18,8 @@ void collect(const ConfigurationObject& object, ChangeObservers& observers) {
 
 } // namespace
 
-ChangeHold::ChangeHold(const ConfigurationObject& object) : m_object(&object), m_outer(innermost) {
+ChangeHold::ChangeHold(const ConfigurationObject& object, Cause cause)
+    : m_object(&object), m_cause(cause), m_outer(innermost) {
     innermost = this;
 }
 
@@ -26,12 +27,22 @@ ChangeHold::~ChangeHold() {
     innermost = m_outer;
 }
 
-bool ChangeHold::covers(const ConfigurationObject& object) {
+template <typename Matches>
+bool ChangeHold::anyCovers(const ConfigurationObject& object, Matches matches) {
     for (const ChangeHold* hold = innermost; hold != nullptr; hold = hold->m_outer)
-        for (const auto* held = &object; held != nullptr; held = held->getParent())
+        for (const auto* held = &object; held != nullptr && matches(*hold);
+             held = held->getParent())
             if (held == hold->m_object)
                 return true;
     return false;
+}
+
+bool ChangeHold::covers(const ConfigurationObject& object) {
+    return anyCovers(object, [](const ChangeHold& /*hold*/) { return true; });
+}
+
+bool ChangeHold::coversForLoad(const ConfigurationObject& object) {
+    return anyCovers(object, [](const ChangeHold& hold) { return hold.m_cause == Cause::Load; });
 }
 
 void tellAll(const ChangeObservers& observers) {

@@ -16,17 +16,29 @@ using ChangeObservers = std::vector<std::shared_ptr<ChangeObserver>>;
 /// them more than once, such as a reset with a load after it.
 class ChangeHold {
 public:
+    /// Why they wait.
+    enum class Cause {
+        Change, ///< the object sets or tells something
+        Load    ///< a manager loads the object, perhaps after a reset
+    };
+
     /// @param object is not used after this
-    explicit ChangeHold(const ConfigurationObject& object);
+    ChangeHold(const ConfigurationObject& object, Cause cause);
     ChangeHold(const ChangeHold&) = delete;
     ChangeHold& operator=(const ChangeHold&) = delete;
     ~ChangeHold();
 
     /// @return whether an object, or one that it is in, is held
     static bool covers(const ConfigurationObject& object);
+    /// @return whether an object, or one that it is in, is held for a load
+    static bool coversForLoad(const ConfigurationObject& object);
 
 private:
+    template <typename Matches>
+    static bool anyCovers(const ConfigurationObject& object, Matches matches);
+
     const ConfigurationObject* m_object;
+    Cause m_cause;
     const ChangeHold* m_outer;
 };
 
@@ -67,14 +79,21 @@ void tellAllIn(const ConfigurationObject& object);
 /// even when it throws.
 /// @throws what the step throws, or else the first exception of a callback
 template <typename Step>
-void tellAfter(const ConfigurationObject& object, Step step) {
+void tellAfter(const ConfigurationObject& object, Step step,
+               ChangeHold::Cause cause = ChangeHold::Cause::Change) {
     FirstException exception;
     exception.run([&] {
-        const ChangeHold hold(object);
+        const ChangeHold hold(object, cause);
         step();
     });
     exception.run([&] { tellAllIn(object); });
     exception.rethrow();
+}
+
+/// tellAfter() of a load by a manager.
+template <typename Step>
+void tellAfterLoad(const ConfigurationObject& object, Step step) {
+    tellAfter(object, step, ChangeHold::Cause::Load);
 }
 
 } // namespace Orvant

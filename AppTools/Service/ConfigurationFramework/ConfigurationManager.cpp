@@ -126,7 +126,7 @@ void ConfigurationManager::addConfigurationObjects(
             hasSource = addSourceToConfigReader(reader.emplace());
             layers = m_known.layers;
         }
-        tellAfter(*registration.object, [&] {
+        tellAfterLoad(*registration.object, [&] {
             if (hasSource)
                 ElementAddress(registration).load(*reader, *registration.object);
             if (isRegistered && layers != nullptr)
@@ -365,7 +365,7 @@ void ConfigurationManager::resetObject(Objects::const_iterator found, bool fromU
     if (found == m_objects.end())
         return;
     const ConfigurationRegistration registration = found->second; // callbacks may unregister it
-    tellAfter(*registration.object, [&] { resetObject(registration, fromUserFile); });
+    tellAfterLoad(*registration.object, [&] { resetObject(registration, fromUserFile); });
 }
 
 void ConfigurationManager::resetObject(const ConfigurationRegistration& registration,
@@ -436,7 +436,7 @@ bool ConfigurationManager::reloadConfiguration() {
     // A copy: an object may register others, or reset the manager, while it is loaded.
     for (const ConfigurationRegistration& registration : getRegistrations())
         exception.run([&] {
-            tellAfter(*registration.object, [&] {
+            tellAfterLoad(*registration.object, [&] {
                 guard(registration, [&] {
                     if (!isUpToDate(registration, reader))
                         loadAnew(registration, reader);

@@ -170,7 +170,7 @@ void KeyedGroup::setDefaultValues() {
 }
 
 void KeyedGroup::emitSignalsAfterConfigLoading() {
-    if (m_isReset && ChangeHold::isHeld()) { // the load found nothing for the object
+    if (m_isReset && ChangeHold::coversForLoad(*this)) { // the load found nothing for the object
         m_isReset = false;
         startAnew();
     }

@@ -110,12 +110,12 @@ private:
 /// @endcode
 ///
 /// A new child starts as the element without a key says, the default entry; saves leave that in its
-/// file. What the system file has and the user removes is remembered in the user's file, in elements
-/// named "Removed" and the class's name: it stays removed unless the administrator locks something
-/// in it, or the user adds or changes it again. After a reset to the user's file alone, what only
-/// the system file has is back with the next load. Of two processes that add the same key, both
-/// keep in two files what they set. References stay valid until the child is removed or no longer
-/// found by a load.
+/// file. What the system file has and the user removes is remembered in the user's file, in
+/// elements named "Removed" and the class's name: it stays removed unless the administrator locks
+/// something in it, or the user adds or changes it again. After a reset to the user's file alone,
+/// what only the system file has is back with the next load. Of two processes that add the same
+/// key, both keep in two files what they set. References stay valid until the child is removed or
+/// no longer found by a load.
 /// @tparam C class of the children, made without arguments, with a name
 template <std::derived_from<ConfigurationObject> C>
 class KeyedChildren {
