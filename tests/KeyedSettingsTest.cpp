@@ -79,6 +79,47 @@ TEST_P(KeyedSettingsOfFiles, AddsAndSaves) {
     EXPECT_EQ(1U, restart().find("Hall 1")->trays.size());
 }
 
+TEST_P(KeyedSettingsOfFiles, WhatTheUserAddedIsKeptThoughItDiffersInNothing) {
+    using Support::Scanner;
+    writeSystem("<Scanner><Resolution>600</Resolution></Scanner><Scanner key='s'/>");
+    std::optional<KeyedSettings<Scanner>> scanners;
+    const auto startAgain = [&]() -> KeyedSettings<Scanner>& {
+        m_manager.reset();
+        useTwoFiles();
+        return scanners.emplace(m_manager);
+    };
+    startAgain().add("u");
+    save();
+    ASSERT_NE(nullptr, startAgain().find("u"));
+    EXPECT_EQ(600, scanners->find("u")->resolution) << "from the default entry";
+    save();
+    ASSERT_NE(nullptr, startAgain().find("u")) << "after a save without a change";
+    scanners->find("u")->resolution = 300;
+    save();
+    EXPECT_EQ(300, startAgain().find("u")->resolution);
+    scanners->find("u")->resolution = 600;
+    save();
+    ASSERT_NE(nullptr, startAgain().find("u")) << "after the last difference is gone";
+    EXPECT_THAT(userText(), Not(HasSubstr("key=\"s\""))) << "the system file has it";
+    scanners->remove("u");
+    save();
+    EXPECT_EQ(nullptr, startAgain().find("u"));
+    EXPECT_NE(nullptr, scanners->find("s"));
+}
+
+TEST_P(KeyedSettingsOfFiles, WhatTheUserAddedIsKeptInOneFile) {
+    using Support::Scanner;
+    std::optional<KeyedSettings<Scanner>> scanners;
+    const auto startAgain = [&]() -> KeyedSettings<Scanner>& {
+        m_manager.reset();
+        m_manager.setConfigurationFile(m_userFile);
+        return scanners.emplace(m_manager);
+    };
+    startAgain().add("u");
+    save();
+    EXPECT_NE(nullptr, startAgain().find("u"));
+}
+
 TEST_P(KeyedSettingsOfFiles, RefusesKeysThatNoFileHolds) {
     Plotters& plotters = restart();
     for (const std::string key : {"", "\x01", "\xff"})
@@ -198,6 +239,21 @@ TEST_F(MergedKeyedSettings, KeepWhatOthersAdded) {
     ASSERT_TRUE(m_manager.reloadConfiguration());
     plotters.update();
     EXPECT_THAT(keysOf(plotters), ElementsAre("a", "mine", "theirs"));
+}
+
+TEST_F(MergedKeyedSettings, DoNotBringBackWhatOthersRemoved) {
+    using Support::Scanner;
+    writeUser("<Scanner key='u'/>");
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    useTwoFiles();
+    ConfigurationManager other = m_manager;
+    KeyedSettings<Scanner> scanners(m_manager);
+    KeyedSettings<Scanner> others(other);
+    ASSERT_NE(nullptr, others.find("u"));
+    others.remove("u");
+    ASSERT_TRUE(other.saveConfiguration("1.0"));
+    save();
+    EXPECT_THAT(userText(), Not(HasSubstr("Scanner")));
 }
 
 class ConfigurationManagerKeys : public Support::KeyedFixture {};

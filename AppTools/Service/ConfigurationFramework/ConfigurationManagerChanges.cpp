@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/ConfigurationManagerChanges.h>
 
 #include <ConfigurationFramework/ConfigWriterImpl.h>
+#include <ConfigurationFramework/SettingsBase.h>
 #include <ConfigurationFramework/model/FreshObject.h>
 #include <ConfigurationFramework/reading/ParsedDocument.h>
 #include <ConfigurationFramework/writing/ElementMerge.h>
@@ -92,6 +93,23 @@ std::optional<WrittenElement> lockedAsBefore(const WrittenElement* former) {
     return locked;
 }
 
+bool isElementKept(const ConfigurationRegistration& registration) {
+    const auto* const settings = dynamic_cast<const SettingsBase*>(registration.object.get());
+    return settings != nullptr && settings->isElementKept() && registration.key;
+}
+
+/// Whether one of the files has the element of an object.
+bool hasElement(const ConfigurationManagerLayers& layers,
+                const ConfigurationRegistration& registration) {
+    const auto has = [&](const LayerDocument& layer) {
+        const auto document = layer.document();
+        return document != nullptr &&
+               document->tree.findChild(DocumentTree::root, registration.name,
+                                        throughDocument(*registration.key)) != DocumentTree::none;
+    };
+    return has(layers.system) || has(layers.user);
+}
+
 /// Puts an element into a root of its own.
 WrittenElement inRoot(const WrittenElement& element) {
     return {.id = {u"Configuration", std::nullopt}, .children = {element}};
@@ -109,7 +127,10 @@ ConfigurationManagerChanges::ConfigurationManagerChanges(const LayerDocument* sy
 
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
                                       const ConfigurationManager::KnownState* known) {
-    add(registration, baseOf(registration, known), known != nullptr && known->writesNoMore);
+    const bool isNew = isElementKept(registration) && known != nullptr &&
+                       !hasElement(*known->layers, registration);
+    add(registration, isNew ? nullptr : baseOf(registration, known),
+        known != nullptr && known->writesNoMore);
 }
 
 void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
@@ -138,6 +159,8 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
     }
     if (isUnchanged && m_states.back().writesNoMore)
         return;
+    if (stored)
+        stored->isKept = isElementKept(registration);
     // What was loaded from the element without a key has to move to the one with the key.
     const Element former =
         isUnchanged || base == nullptr ? DocumentTree::none : fallbackOf(registration);

@@ -3,6 +3,7 @@
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/KeyedGroup.h>
+#include <ConfigurationFramework/SettingsBase.h>
 
 #include <concepts>
 #include <cstddef>
@@ -27,8 +28,8 @@ namespace Orvant {
 /// @endcode
 ///
 /// The objects stay registered when this is destroyed; another one for the same manager and class
-/// has the same objects. With two files, an object that does not differ from what the system file
-/// says, or from its defaults, has no element in the user's file: the next start does not find it.
+/// has the same objects. With two files, an object that only the user has is in the user's file
+/// even if nothing in it differs from a new one, provided that its class derives from Settings.
 /// @tparam C class of the objects, made without arguments, with a name
 template <std::derived_from<ConfigurationObject> C>
 class KeyedSettings {
@@ -89,11 +90,12 @@ public:
     /// @throws whatever an object throws while it is loaded; std::logic_error like the constructor
     void update() {
         adoptRegistered();
+        const std::set<std::string> keysOfSystem = m_manager.getKeys(m_name, true);
         std::vector<ConfigurationRegistration> found;
         for (const std::string& key : m_manager.getKeys(m_name)) {
             if (key.empty() || m_objects.contains(key))
                 continue;
-            found.push_back({std::make_shared<C>(), m_name, key});
+            found.push_back({make(!keysOfSystem.contains(key)), m_name, key});
         }
         m_manager.addConfigurationObjects(found);
         for (const ConfigurationRegistration& registration : found)
@@ -109,7 +111,7 @@ public:
         adoptRegistered();
         if (C* const object = find(key))
             return *object;
-        auto object = std::make_shared<C>();
+        auto object = make(!m_manager.getKeys(m_name, true).contains(key));
         m_manager.addConfigurationObject(object, m_name, key);
         return *m_objects.emplace(key, std::move(object)).first->second;
     }
@@ -139,6 +141,13 @@ public:
     Iterator end() const { return Iterator(m_objects.end()); }
 
 private:
+    static std::shared_ptr<C> make(bool isOfUser) {
+        auto object = std::make_shared<C>();
+        if constexpr (std::derived_from<C, SettingsBase>)
+            if (isOfUser)
+                object->keepElement();
+        return object;
+    }
     /// Takes over the objects that are registered: only these are saved.
     void adoptRegistered() {
         for (const auto& [object, name, key] : m_manager.getRegistrations()) {

@@ -100,6 +100,10 @@ void SettingsBase::emitSignalsAfterConfigLoading() {
     tellAfter(*this, [this] { ConfigurationObject::emitSignalsAfterConfigLoading(); });
 }
 
+bool SettingsBase::canBeSavedToUserConfig(ConfigReader& reader) const {
+    return m_isElementKept || ConfigurationObject::canBeSavedToUserConfig(reader);
+}
+
 bool SettingsBase::isLocked() const {
     const ConfigurationObject* object = this;
     while (object != nullptr && object->isEditable())

@@ -61,6 +61,14 @@ public:
     /// @throws the first exception of a callback, when all have been called
     void emitSignalsAfterConfigLoading() override;
 
+    /// Has the object an element of its own in the user's file even if nothing in it differs: one
+    /// of several that the user added is there at the next start, too.
+    void keepElement() { m_isElementKept = true; }
+    /// @return whether keepElement() was called
+    bool isElementKept() const { return m_isElementKept; }
+    /// @return true also when keepElement() was called
+    bool canBeSavedToUserConfig(ConfigReader& reader) const override;
+
     /// @return true when the object or one that it is in is locked
     bool isLocked() const;
 
@@ -101,6 +109,7 @@ private:
     friend class SettingHandle;
 
     std::vector<std::weak_ptr<ChangeObserver>> m_observers; ///< their subscriptions own them
+    bool m_isElementKept = false;
     SettingHandle* m_handles = nullptr; ///< the last one made, which knows the others
 };
 

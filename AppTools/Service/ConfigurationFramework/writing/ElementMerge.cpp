@@ -212,7 +212,9 @@ std::size_t mergeGroup(DOMElement& parent, Siblings& siblings, DOMElement* prese
         present = &append(parent, *change.stored);
         siblings.add(*present);
     }
-    const bool tellsOfChild = idOf(change).key && !isRoot(parent);
+    const bool tellsOfChild =
+        idOf(change).key &&
+        (!isRoot(parent) || (change.stored != nullptr && change.stored->isKept));
     // Where others added a child of the same key, only what differs from its start is a change.
     const bool isAddedTwice = !isNew && tellsOfChild && change.base == nullptr;
     const ElementChange added{nullptr, change.stored, change.stored};

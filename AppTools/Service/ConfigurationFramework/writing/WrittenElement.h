@@ -33,6 +33,7 @@ struct WrittenElement {
     bool hasText = false;   ///< whether a text was put into it, be that empty; unknown to a copy
     bool isStrings = false; ///< whether it was put as a list
     bool isLocked = false;  ///< whether it gets the lock of the element that it is a copy of
+    bool isKept = false;    ///< whether it stays when it is empty
 
     /// Whether both hold the same. Comments do not count.
     bool operator==(const WrittenElement& other) const;
