@@ -612,6 +612,40 @@ TEST_F(SettingChangesOfLoads, ThrowAtWhoReloadsWhenAllObjectsAreLoaded) {
     EXPECT_FALSE(m_manager.haveFilesChanged());
 }
 
+TEST_F(SettingChangesOfLoads, MaySetAnotherObjectThatIsReloaded) {
+    const auto acting = add(std::make_shared<Acting>());
+    const auto view = addView("<Zoom>2</Zoom><Name>left</Name>");
+    const auto watch = acting->size.onChange([&](int size) { view->zoom = 10 * size; });
+    writeFile(m_file, document("<Acting><Size>4</Size></Acting>"
+                               "<View><Zoom>2</Zoom><Name>right</Name></View>"));
+    EXPECT_TRUE(m_manager.reloadConfiguration());
+    EXPECT_EQ("right", view->name.get());
+    EXPECT_EQ(40, view->zoom);
+}
+
+TEST_F(SettingChangesOfLoads, MaySetAnotherObjectThatIsRegisteredWithTheirs) {
+    writeFile(m_file, document("<Acting><Size>4</Size></Acting><View><Zoom>2</Zoom></View>"));
+    useOneFile();
+    const auto acting = std::make_shared<Acting>();
+    const auto view = std::make_shared<View>();
+    const auto watch = acting->size.onChange([&](int size) { view->zoom = 10 * size; });
+    m_manager.addConfigurationObjects({{acting, "Acting"}, {view, "View"}});
+    EXPECT_EQ(40, view->zoom);
+}
+
+TEST_F(SettingChangesOfLoads, ThrowAtWhoRegistersWhenAllObjectsAreLoaded) {
+    writeFile(m_file, document("<Acting><Size>4</Size></Acting><View><Zoom>2</Zoom></View>"));
+    useOneFile();
+    const auto acting = std::make_shared<Acting>();
+    const auto view = std::make_shared<View>();
+    const auto watch = acting->size.onChange(throwing("size"));
+    EXPECT_EQ("size", messageOf<std::runtime_error>([&] {
+                  m_manager.addConfigurationObjects({{acting, "Acting"}, {view, "View"}});
+              }));
+    EXPECT_EQ(2, view->zoom);
+    EXPECT_EQ(view.get(), m_manager.getConfigurationObject("View"));
+}
+
 TEST_F(SettingChangesOfLoads, MayResetTheObjectThatIsLoaded) {
     const auto view = addView("<Zoom>2</Zoom><Name>left</Name>");
     Told zoom(view->zoom);

@@ -23,6 +23,11 @@ ChangeHold::ChangeHold(const ConfigurationObject& object, Cause cause)
     innermost = this;
 }
 
+ChangeHold::ChangeHold(const Objects& objects, Cause cause)
+    : m_objects(&objects), m_cause(cause), m_outer(innermost) {
+    innermost = this;
+}
+
 ChangeHold::~ChangeHold() {
     innermost = m_outer;
 }
@@ -32,9 +37,13 @@ bool ChangeHold::anyCovers(const ConfigurationObject& object, Matches matches) {
     for (const ChangeHold* hold = innermost; hold != nullptr; hold = hold->m_outer)
         for (const auto* held = &object; held != nullptr && matches(*hold);
              held = held->getParent())
-            if (held == hold->m_object)
+            if (hold->holds(held))
                 return true;
     return false;
+}
+
+bool ChangeHold::holds(const ConfigurationObject* object) const {
+    return m_objects == nullptr ? object == m_object : m_objects->contains(object);
 }
 
 bool ChangeHold::covers(const ConfigurationObject& object) {

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 namespace Orvant {
@@ -22,8 +23,13 @@ public:
         Load    ///< a manager loads the object, perhaps after a reset
     };
 
+    /// Objects that wait together.
+    using Objects = std::unordered_set<const ConfigurationObject*>;
+
     /// @param object is not used after this
     ChangeHold(const ConfigurationObject& object, Cause cause);
+    /// @param objects must outlive this; what is in it is not used after this
+    ChangeHold(const Objects& objects, Cause cause);
     ChangeHold(const ChangeHold&) = delete;
     ChangeHold& operator=(const ChangeHold&) = delete;
     ~ChangeHold();
@@ -36,8 +42,10 @@ public:
 private:
     template <typename Matches>
     static bool anyCovers(const ConfigurationObject& object, Matches matches);
+    bool holds(const ConfigurationObject* object) const;
 
-    const ConfigurationObject* m_object;
+    const ConfigurationObject* m_object = nullptr;
+    const Objects* m_objects = nullptr;
     Cause m_cause;
     const ChangeHold* m_outer;
 };
@@ -91,9 +99,28 @@ void tellAfter(const ConfigurationObject& object, Step step,
 }
 
 /// tellAfter() of a load by a manager.
+/// @{
 template <typename Step>
 void tellAfterLoad(const ConfigurationObject& object, Step step) {
     tellAfter(object, step, ChangeHold::Cause::Load);
 }
+/// @param objects those that are loaded: nobody is told before all are, since what a callback sets
+///                in another one would be lost when that is loaded; null is ignored
+template <typename Step>
+void tellAfterLoad(const std::vector<std::shared_ptr<ConfigurationObject>>& objects, Step step) {
+    ChangeHold::Objects held;
+    for (const auto& object : objects)
+        held.insert(object.get());
+    FirstException exception;
+    exception.run([&] {
+        const ChangeHold hold(held, ChangeHold::Cause::Load);
+        step();
+    });
+    for (const auto& object : objects)
+        if (object != nullptr)
+            exception.run([&] { tellAllIn(*object); });
+    exception.rethrow();
+}
+/// @}
 
 } // namespace Orvant

@@ -27,6 +27,15 @@ namespace Orvant {
 
 namespace {
 
+std::vector<std::shared_ptr<ConfigurationObject>>
+objectsOf(const std::vector<ConfigurationRegistration>& registrations) {
+    std::vector<std::shared_ptr<ConfigurationObject>> objects;
+    objects.reserve(registrations.size());
+    for (const ConfigurationRegistration& registration : registrations)
+        objects.push_back(registration.object);
+    return objects;
+}
+
 const Logging s_log("ConfigurationManager");
 
 void logProblem(const ConfigurationRegistration& registration, const std::string& problem) {
@@ -118,7 +127,7 @@ void ConfigurationManager::addConfigurationObjects(
     unsigned int readRevision = 0;
     bool hasSource = false;
     std::shared_ptr<const ConfigurationManagerLayers> layers;
-    for (const ConfigurationRegistration& registration : registrations) {
+    const auto addAndLoad = [&](const ConfigurationRegistration& registration) {
         const bool isRegistered = registerObject(registration);
         // An object may set other files, or save, while it is loaded.
         if (!reader || readRevision != m_revision.number()) {
@@ -126,14 +135,16 @@ void ConfigurationManager::addConfigurationObjects(
             hasSource = addSourceToConfigReader(reader.emplace());
             layers = m_known.layers;
         }
-        tellAfterLoad(*registration.object, [&] {
-            if (hasSource)
-                ElementAddress(registration).load(*reader, *registration.object);
-            if (isRegistered && layers != nullptr)
-                setKnown(registration,
-                         {.loaded = layers, .layers = layers, .isLoadRefused = !layers->mayLoad()});
-        });
-    }
+        if (hasSource)
+            ElementAddress(registration).load(*reader, *registration.object);
+        if (isRegistered && layers != nullptr)
+            setKnown(registration,
+                     {.loaded = layers, .layers = layers, .isLoadRefused = !layers->mayLoad()});
+    };
+    tellAfterLoad(objectsOf(registrations), [&] {
+        for (const ConfigurationRegistration& registration : registrations)
+            addAndLoad(registration);
+    });
 }
 
 void ConfigurationManager::addConfigurationObject(std::shared_ptr<ConfigurationObject> object,
@@ -432,19 +443,16 @@ bool ConfigurationManager::reloadConfiguration() {
     changes.addTo(reader);
     m_known.layers = layers;
     m_known.takenOver = layers;
-    FirstException exception;
     // A copy: an object may register others, or reset the manager, while it is loaded.
-    for (const ConfigurationRegistration& registration : getRegistrations())
-        exception.run([&] {
-            tellAfterLoad(*registration.object, [&] {
-                guard(registration, [&] {
-                    if (!isUpToDate(registration, reader))
-                        loadAnew(registration, reader);
-                    setKnown(registration, {.loaded = layers, .layers = layers});
-                });
+    const std::vector<ConfigurationRegistration> registrations = getRegistrations();
+    tellAfterLoad(objectsOf(registrations), [&] {
+        for (const ConfigurationRegistration& registration : registrations)
+            guard(registration, [&] {
+                if (!isUpToDate(registration, reader))
+                    loadAnew(registration, reader);
+                setKnown(registration, {.loaded = layers, .layers = layers});
             });
-        });
-    exception.rethrow();
+    });
     return true;
 }
 

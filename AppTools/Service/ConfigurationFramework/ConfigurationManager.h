@@ -89,7 +89,8 @@ public:
     /// effect on the objects after it; what it writes to the files in other ways they may not see.
     /// @param registrations objects with the names and keys of their elements
     /// @throws std::invalid_argument for a null object, and whatever an object throws while it is
-    ///         loaded; those before it are registered, those after it are not
+    ///         loaded; those before it are registered, those after it are not; the first exception
+    ///         of a callback of Setting::onChange(), when all are registered and loaded
     void addConfigurationObjects(const std::vector<ConfigurationRegistration>& registrations);
     /// Registers an object and loads it from the element of that name. Reads the files again, and
     /// parses those that changed.
