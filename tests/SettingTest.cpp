@@ -277,6 +277,16 @@ static_assert(isTiedToItsPlace<Setting<Unit>>);
 static_assert(isTiedToItsPlace<Child<Leaf<int>>>);
 static_assert(isTiedToItsPlace<KeyedChildren<Leaf<int>>>);
 
+TEST(Setting, StaysWhenAnObjectOfAnotherClassIsAssigned) {
+    Leaf<int> leaf;
+    leaf.value = 7;
+    ConfigurationObject& object = leaf;
+    EXPECT_THROW(object = Leaf<double>(), std::logic_error);
+    EXPECT_EQ(7, leaf.value);
+    leaf.value = 8;
+    EXPECT_EQ(8, leaf.value);
+}
+
 struct Widths : Settings<Widths> {
     Widths() : Settings("Widths") {}
     Setting<double> line{this, "Line", "", 0.5};

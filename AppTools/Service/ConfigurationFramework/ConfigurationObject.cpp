@@ -205,10 +205,16 @@ ConfigurationObject::ConfigurationObject(const ConfigurationObject& other)
 ConfigurationObject& ConfigurationObject::operator=(const ConfigurationObject& other) {
     // The copies are complete before anything is deleted: one of the two may be inside the other.
     OwnedItems items(other);
+    items.swapWith(*this);
+    try {
+        onItemsReplaced();
+    } catch (...) {
+        items.swapWith(*this); // pointers to the former items stay right
+        onItemsReplaced();
+        throw;
+    }
     m_userWarningMessages = other.m_userWarningMessages;
     ConfigurationItemBase::operator=(other);
-    items.swapWith(*this);
-    onItemsReplaced();
     return *this;
 }
 
