@@ -1,5 +1,7 @@
 #include <ConfigurationFramework/Settings.h>
 
+#include <ConfigurationFramework/ConfigReader.h>
+#include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
 
 #include <ManagerFixture.h>
@@ -606,6 +608,35 @@ TEST(Setting, HasANameThatXmlAllows) {
                 AllOf(HasSubstr("\"not one\""), HasSubstr("\"Parent\"")));
     EXPECT_THAT(messageOf<std::logic_error>([] { ParentOf<UnspeakableInside>(); }),
                 AllOf(HasSubstr("\"7th\""), HasSubstr("\"Parent\"")));
+}
+
+/// Writes a note to the user's file only.
+struct Noted : Settings<Noted> {
+    Noted() : Settings("Noted") {}
+    using Settings::saveContent;
+    void saveContent(ConfigWriter& writer, ConfigReader& reader,
+                     bool onlyDifferent) const override {
+        Settings::saveContent(writer, reader, onlyDifferent);
+        if (onlyDifferent && !note.empty())
+            writer.putString("Note", note, "");
+    }
+    Setting<int> size{this, "Size", "", 1};
+    std::string note;
+};
+
+class MergeOfNotes : public ManagerFixture {};
+
+TEST_F(MergeOfNotes, SavesANoteThatIsAllThatChanged) {
+    writeFile(m_systemFile, document(""));
+    writeFile(m_userFile, document("<Noted><Size>2</Size></Noted>"));
+    useTwoFiles();
+    m_manager.setSaveMode(ConfigurationManager::Merge);
+    const auto noted = std::make_shared<Noted>();
+    m_manager.addConfigurationObject(noted, "Noted");
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    noted->note = "mine";
+    EXPECT_TRUE(m_manager.saveConfiguration("1.0"));
+    EXPECT_THAT(readFile(m_userFile), HasSubstr("<Note>mine</Note>"));
 }
 
 } // namespace

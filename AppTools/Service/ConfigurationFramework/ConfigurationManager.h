@@ -185,9 +185,7 @@ public:
         /// from others, replace what the file holds for them, as in the other modes. An object that
         /// is loaded from the element without its key is copied to one with the key; with one file,
         /// what is locked there stays as it is and locked. A change that a lock kept out of the
-        /// file stays a change. What a class writes only to the user's file of two, and not in
-        /// full, counts if it wrote such a thing at the last save, or if the object changed
-        /// otherwise.
+        /// file stays a change.
         Merge = 2
     };
     /// @param mode how saves work from now on; InPlace at first

@@ -147,7 +147,7 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
                         .written = now,
                         .base = isUnchanged ? nullptr : base,
                         .writesNoMore = writesNoMore});
-    if (isUnchanged && (m_system == nullptr || writesNoMore))
+    if (isUnchanged && m_system == nullptr)
         return;
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
