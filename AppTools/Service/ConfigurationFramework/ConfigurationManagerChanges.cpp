@@ -129,35 +129,30 @@ void ConfigurationManagerChanges::add(const ConfigurationRegistration& registrat
                                       const ConfigurationManager::KnownState* known) {
     const bool isNew = isElementKept(registration) && known != nullptr &&
                        !hasElement(*known->layers, registration);
-    add(registration, isNew ? nullptr : baseOf(registration, known),
-        known != nullptr && known->writesNoMore);
+    add(registration, isNew ? nullptr : baseOf(registration, known));
 }
 
 void ConfigurationManagerChanges::addAll(const ConfigurationRegistration& registration) {
-    add(registration, Written(), false);
+    add(registration, Written());
 }
 
-/// @param base         the object as it was last known; null: it was not
-/// @param writesNoMore whether what differs is known to be a part of what is written in full
+/// @param base the object as it was last known; null: it was not
 void ConfigurationManagerChanges::add(const ConfigurationRegistration& registration,
-                                      const Written& base, bool writesNoMore) {
+                                      const Written& base) {
     const Written now = writtenNow(registration, base);
     const bool isUnchanged = base != nullptr && now == base;
-    m_states.push_back({.registration = registration,
-                        .written = now,
-                        .base = isUnchanged ? nullptr : base,
-                        .writesNoMore = writesNoMore});
+    m_states.push_back({registration, now, isUnchanged ? nullptr : base});
     if (isUnchanged && m_system == nullptr)
         return;
     std::optional<WrittenElement> stored;
     if (m_system != nullptr) {
         m_reference.setCompared(registration);
         stored = m_writer.writeDifferences(registration, *registration.object, m_reference);
-        m_states.back().writesNoMore = !stored || !hasMore(*stored, *now);
     } else {
         stored = *now;
     }
-    if (isUnchanged && m_states.back().writesNoMore)
+    // A class may write more into the user's file than in full.
+    if (isUnchanged && (!stored || !hasMore(*stored, *now)))
         return;
     if (stored)
         stored->isKept = isElementKept(registration);

@@ -49,14 +49,13 @@ public:
         ConfigurationRegistration registration;
         std::shared_ptr<const WrittenElement> written; ///< as the file has it with the changes
         std::shared_ptr<const WrittenElement> base = nullptr; ///< that it differs from; null: none
-        bool writesNoMore = false; ///< what differs is a part of what is written in full
     };
     std::vector<State> takeStates();
 
 private:
     using Written = std::shared_ptr<const WrittenElement>; ///< null: nothing
 
-    void add(const ConfigurationRegistration& registration, const Written& base, bool writesNoMore);
+    void add(const ConfigurationRegistration& registration, const Written& base);
     Written writtenNow(const ConfigurationRegistration& registration, const Written& base);
     Written baseOf(const ConfigurationRegistration& registration,
                    const ConfigurationManager::KnownState* known);

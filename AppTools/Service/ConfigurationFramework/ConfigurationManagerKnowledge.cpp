@@ -37,12 +37,11 @@ ConfigurationManager::Knowledge::Knowledge(const Knowledge& other) {
     layers = copy.of(other.layers);
     takenOver = copy.of(other.takenOver);
     for (const auto& [address, state] : other.objects)
-        objects.emplace(address,
-                        state == nullptr
-                            ? nullptr
-                            : std::make_shared<const KnownState>(
-                                  copy.of(state->loaded), copy.of(state->layers), state->written,
-                                  state->writesNoMore, state->keptLocks, state->isLoadRefused));
+        objects.emplace(address, state == nullptr
+                                     ? nullptr
+                                     : std::make_shared<const KnownState>(
+                                           copy.of(state->loaded), copy.of(state->layers),
+                                           state->written, state->keptLocks, state->isLoadRefused));
 }
 
 void ConfigurationManager::Knowledge::releaseTrees() const {

@@ -17,9 +17,6 @@ struct ConfigurationManager::KnownState {
     std::shared_ptr<const ConfigurationManagerLayers> layers;
     /// The object as it was then, if it is not what a load from these files gives; null: it is.
     std::shared_ptr<const WrittenElement> written = nullptr;
-    /// What differed was a part of what was written in full when the object was last saved: as long
-    /// as that is unchanged, there is nothing to save.
-    bool writesNoMore = false;
     /// The object before a reset from the user's file alone, whose locks stayed; null: there was
     /// none.
     std::shared_ptr<const ConfigurationObject> keptLocks = nullptr;

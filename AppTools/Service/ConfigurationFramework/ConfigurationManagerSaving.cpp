@@ -235,7 +235,7 @@ void ConfigurationManager::Saving::storeAll(const ConfigWriter& writer) {
     const auto known = setSeen(layers);
     for (const auto& [name, registration] : m_manager.m_objects)
         if (registration.object->writesContent())
-            setSaved(registration, known, nullptr, false);
+            setSaved(registration, known, nullptr);
 }
 
 /// Keeps what the files hold after a save.
@@ -251,11 +251,11 @@ std::shared_ptr<const ConfigurationManagerLayers> ConfigurationManager::Saving::
 void ConfigurationManager::Saving::setSaved(
     const ConfigurationRegistration& registration,
     std::shared_ptr<const ConfigurationManagerLayers> layers,
-    std::shared_ptr<const WrittenElement> written, bool writesNoMore) const {
+    std::shared_ptr<const WrittenElement> written) const {
     const KnownState* const known = m_manager.knownOf(registration);
     const auto loaded =
         known == nullptr ? std::make_shared<const ConfigurationManagerLayers>() : known->loaded;
-    m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written), writesNoMore});
+    m_manager.setKnown(registration, {loaded, std::move(layers), std::move(written)});
 }
 
 /// Calls back with what was known at the load of the objects that write something: once for all
@@ -361,7 +361,7 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
         if (wasTakenOver) // else it holds what others wrote meanwhile
             m_manager.takeOverSaved();
         for (const auto& state : states)
-            setSaved(state.registration, known, state.written, state.writesNoMore);
+            setSaved(state.registration, known, state.written);
     }
     Report& report = m_manager.m_saveReport;
     if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)

@@ -70,7 +70,7 @@ private:
     setSeen(const std::shared_ptr<const ConfigurationManagerLayers>& saved) const;
     void setSaved(const ConfigurationRegistration& registration,
                   std::shared_ptr<const ConfigurationManagerLayers> layers,
-                  std::shared_ptr<const WrittenElement> written, bool writesNoMore) const;
+                  std::shared_ptr<const WrittenElement> written) const;
 
     template <typename Check>
     void forEachKnown(Check check) const;

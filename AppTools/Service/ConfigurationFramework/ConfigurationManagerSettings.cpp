@@ -237,9 +237,11 @@ void ConfigurationManagerSettings::addDefaultEntry(const ConfigurationObject& pr
     setting.elements = findAll(setting.parents, [&](DocumentTree& tree, Element parent) {
         return tree.findChildWithoutKey(parent, setting.tag);
     });
-    if (std::ranges::any_of(setting.elements,
-                            [](Element element) { return element != DocumentTree::none; }))
-        addGroup(prototype, group.take(setting.tag, std::nullopt), std::move(setting));
+    if (std::ranges::all_of(setting.elements,
+                            [](Element element) { return element == DocumentTree::none; }))
+        return;
+    const WrittenElement* const written = group.take(setting.tag, std::nullopt);
+    addGroup(prototype, written, std::move(setting));
 }
 
 void ConfigurationManagerSettings::addValue(const ConfigurationValueBase& value, Group& group,

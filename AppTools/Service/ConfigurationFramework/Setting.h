@@ -116,7 +116,12 @@ public:
     }
 
     /// @return whether the value that applies is the default
-    bool isDefault() const { return isSame(stored().effectiveValue(), stored().getDefaultValue()); }
+    bool isDefault() const {
+        if constexpr (std::is_enum_v<T>)
+            return constrained().getCode() == constrained().getDefaultCode();
+        else
+            return isSame(stored().effectiveValue(), stored().getDefaultValue());
+    }
     /// @return the default
     Value defaultValue() const {
         if constexpr (std::is_enum_v<T>)

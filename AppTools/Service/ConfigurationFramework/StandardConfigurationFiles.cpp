@@ -64,7 +64,7 @@ std::vector<std::string> systemFolders() {
 StandardConfigurationFiles standardConfigurationFiles(const std::string& application) {
     if (application.empty() || application == "." || application == ".." ||
         application.find('/') != std::string::npos || application.find('\0') != std::string::npos)
-        throw std::invalid_argument("\"" + std::string(application.c_str()) + // up to a NUL
+        throw std::invalid_argument("\"" + application.substr(0, application.find('\0')) +
                                     "\" cannot be the name of a folder");
     const auto fileIn = [&](const std::string& folder) {
         return FileName(folder + '/' + application + '/' + application + ".xml");
