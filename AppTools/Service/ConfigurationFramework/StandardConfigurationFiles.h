@@ -13,8 +13,8 @@ struct StandardConfigurationFiles {
     FileName user;   ///< the user's
 };
 
-/// Finds the files of an application by the XDG Base Directory Specification, 0.8: "NAME/NAME.xml"
-/// in the first folder of XDG_CONFIG_DIRS that has it ("/etc/xdg" unless set), and in
+/// Finds the files of an application in the XDG base directories (freedesktop.org, version 0.8):
+/// "NAME/NAME.xml" in the first folder of XDG_CONFIG_DIRS that has it ("/etc/xdg" unless set), and in
 /// XDG_CONFIG_HOME ("~/.config" unless set).
 ///
 /// @code
@@ -22,7 +22,8 @@ struct StandardConfigurationFiles {
 /// manager.setSystemAndUserConfigurationFile(files.system, files.user);
 /// @endcode
 ///
-/// Paths in these variables that are not absolute are ignored, as that specification asks.
+/// Paths in these variables that are not absolute are ignored: they would mean another folder in
+/// each process.
 /// @param application name of folder and file, UTF-8
 /// @return absolute paths, UTF-8. Where no folder has the system file: that in the first one, for
 ///         the administrator to put it there. Where there is no home folder: no user file.
