@@ -7,7 +7,7 @@ packages=()
 for group in "$@"; do
     case "$group" in
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
-                      libspdlog-dev xsdcxx libxml2-utils pkg-config) ;;
+                      libspdlog-dev xsdcxx libxml2-utils pkg-config libcli11-dev nlohmann-json3-dev) ;;
     test) packages+=(libgtest-dev libgmock-dev) ;;
     window) packages+=(qt6-base-dev fonts-dejavu-core) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev

@@ -23,37 +23,7 @@ std::string quoted(const std::string& text) {
 
 /// A value as it stands in a sentence.
 std::string shown(const std::string& text, const PlacedSetting& setting) {
-    return setting.value->getValueType() == ConfigurationValueBase::StringValue ? quoted(text)
-           : text.empty()                                                       ? "(empty)"
-                                                                                : text;
-}
-
-/// Everything that an element holds for a value, as it stands in a sentence.
-std::string saidIn(LocatedDocument& document, Element element, bool isList) {
-    if (!isList) {
-        const std::string cutOff = document.textCutOff(element);
-        return quoted(textIn(document.tree(), element, false)) +
-               (cutOff.empty() ? "" : " followed by markup and " + quoted(cutOff));
-    }
-    std::string items;
-    document.tree().forEachBelow(element, "item", [&](Element item) {
-        items += (items.empty() ? "" : ", ") + saidIn(document, item, false);
-        return true;
-    });
-    return items.empty() ? "(empty)" : items;
-}
-
-/// What a text should have been.
-std::string expected(ConfigurationValueBase::ValueType type) {
-    switch (type) {
-    case ConfigurationValueBase::BoolValue:
-        return "neither true nor false";
-    case ConfigurationValueBase::DoubleValue:
-    case ConfigurationValueBase::FloatValue:
-        return "not a number";
-    default:
-        return "not an integer";
-    }
+    return shownText(text, *setting.value);
 }
 
 } // namespace
@@ -176,22 +146,14 @@ void ConfigurationManagerChecking::Document::checkText(Element element,
                 shown(conversion.result, setting) + (isTaken(setting) ? "" : end));
         break;
     case Conversion::OutOfRange:
-        add(ConfigurationProblem::OutOfRange, element,
-            said + " is too large for the type of the value" + end);
-        break;
     case Conversion::NotAllowed:
         add(ConfigurationProblem::OutOfRange, element,
-            said + " is not allowed: it must be " + setting.value->getConstraint().describe() +
-                end);
+            refusalOf(conversion, said, *setting.value) + end);
         break;
     case Conversion::None:
-        add(ConfigurationProblem::NotConverted, element,
-            said + " is " + expected(setting.value->getValueType()) + end);
-        break;
     case Conversion::NoText:
         add(ConfigurationProblem::NotConverted, element,
-            (setting.isList ? "an item" : "the element") +
-                std::string(" has no text at its front") + end);
+            refusalOf(conversion, said, *setting.value) + end);
         break;
     }
 }

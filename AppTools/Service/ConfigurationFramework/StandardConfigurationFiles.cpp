@@ -1,47 +1,24 @@
 #include <ConfigurationFramework/StandardConfigurationFiles.h>
 
+#include <ConfigurationFramework/files/HomeFolder.h>
+
 #include <FileHandling/FileUtilities.h>
 
-#include <array>
-#include <cstdlib>
+#include <algorithm>
 #include <stdexcept>
-#include <string_view>
 #include <vector>
-
-#include <pwd.h>
-#include <unistd.h>
 
 namespace Orvant {
 
 namespace {
-
-bool isAbsolute(std::string_view path) {
-    return path.starts_with('/');
-}
-
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
-    return value == nullptr ? "" : value;
-}
-
-/// What the user database says, for a process without the variable HOME; empty: nothing.
-std::string homeOfUser() {
-    passwd entry{};
-    passwd* found = nullptr;
-    std::array<char, 16384> texts{};
-    const int error = getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found);
-    return error == 0 && found != nullptr ? found->pw_dir : "";
-}
 
 /// Folder of the user's files; empty: there is none.
 std::string userFolder() {
     std::string folder = environment("XDG_CONFIG_HOME");
     if (isAbsolute(folder))
         return folder;
-    std::string home = environment("HOME");
-    if (!isAbsolute(home))
-        home = homeOfUser();
-    return isAbsolute(home) ? home + "/.config" : "";
+    const std::string home = homeFolder();
+    return home.empty() ? "" : home + "/.config";
 }
 
 /// Folders of the administrator's files, the most important one first.

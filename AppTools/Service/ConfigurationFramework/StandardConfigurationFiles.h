@@ -14,8 +14,8 @@ struct StandardConfigurationFiles {
 };
 
 /// Finds the files of an application in the XDG base directories (freedesktop.org, version 0.8):
-/// "NAME/NAME.xml" in the first folder of XDG_CONFIG_DIRS that has it ("/etc/xdg" unless set), and in
-/// XDG_CONFIG_HOME ("~/.config" unless set).
+/// "NAME/NAME.xml" in the first folder of XDG_CONFIG_DIRS that has it ("/etc/xdg" unless set), and
+/// in XDG_CONFIG_HOME ("~/.config" unless set).
 ///
 /// @code
 /// const auto files = Orvant::standardConfigurationFiles("planner");

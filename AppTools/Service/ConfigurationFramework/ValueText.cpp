@@ -178,6 +178,19 @@ Conversion convertSeen(DocumentTree& tree, DocumentTree::Element element,
     }
 }
 
+/// What a text should have been.
+std::string expected(ConfigurationValueBase::ValueType type) {
+    switch (type) {
+    case ConfigurationValueBase::BoolValue:
+        return "neither true nor false";
+    case ConfigurationValueBase::DoubleValue:
+    case ConfigurationValueBase::FloatValue:
+        return "not a number";
+    default:
+        return "not an integer";
+    }
+}
+
 /// Whether markup cuts off a part of the text.
 bool isCut(LocatedDocument& document, DocumentTree::Element element, bool isList) {
     const auto isWhole = [&](auto part) { return document.textCutOff(part).empty(); };
@@ -222,6 +235,16 @@ std::string exactText(const std::string& value) {
     return value;
 }
 
+std::vector<std::string> exactDefaultTextsOf(const ConfigurationValueBase& value) {
+    using Texts = std::vector<std::string>;
+    return visitTyped(value, Texts(), []<typename T>(const ConfigurationValue<T>& typed) {
+        if constexpr (std::is_same_v<T, Texts>)
+            return typed.getDefaultValue();
+        else
+            return Texts{exactText(typed.getDefaultValue())};
+    });
+}
+
 std::string exactTextOf(const ConfigurationValueBase& value) {
     return visitTyped(value, std::string(), []<typename T>(const ConfigurationValue<T>& typed) {
         if constexpr (std::is_same_v<T, std::vector<std::string>>)
@@ -246,6 +269,57 @@ Conversion convert(LocatedDocument& document, DocumentTree::Element element,
     if (conversion.kind == Conversion::Whole && isCut(document, element, isList))
         conversion.kind = Conversion::Partly;
     return conversion;
+}
+
+std::string shownText(const std::string& text, const ConfigurationValueBase& value) {
+    return value.getValueType() == ConfigurationValueBase::StringValue ? '"' + text + '"'
+           : text.empty()                                              ? "(empty)"
+                                                                       : text;
+}
+
+std::string saidIn(LocatedDocument& document, DocumentTree::Element element, bool isList) {
+    if (!isList) {
+        const std::string cutOff = document.textCutOff(element);
+        return '"' + textIn(document.tree(), element, false) + '"' +
+               (cutOff.empty() ? "" : " followed by markup and \"" + cutOff + '"');
+    }
+    std::string items;
+    document.tree().forEachBelow(element, "item", [&](DocumentTree::Element item) {
+        items += (items.empty() ? "" : ", ") + saidIn(document, item, false);
+        return true;
+    });
+    return items.empty() ? "(empty)" : items;
+}
+
+std::string refusalOf(const Conversion& conversion, const std::string& said,
+                      const ConfigurationValueBase& value) {
+    switch (conversion.kind) {
+    case Conversion::OutOfRange:
+        return said + " is too large for the type of the value";
+    case Conversion::NotAllowed:
+        return said + " is not allowed: it must be " + value.getConstraint().describe();
+    case Conversion::NoText:
+        return (value.getValueType() == ConfigurationValueBase::StringVectorValue ? "an item"
+                                                                                  : "the element") +
+               std::string(" has no text at its front");
+    default:
+        return said + " is " + expected(value.getValueType());
+    }
+}
+
+std::string problemIn(LocatedDocument& document, DocumentTree::Element element,
+                      const ConfigurationValueBase& value) {
+    const Conversion conversion = convert(document, element, value);
+    const bool isList = value.getValueType() == ConfigurationValueBase::StringVectorValue;
+    switch (conversion.kind) {
+    case Conversion::Whole:
+        return "";
+    case Conversion::Partly:
+        return saidIn(document, element, isList) + " reads as " +
+               shownText(conversion.result, value);
+    default:
+        return refusalOf(conversion, saidIn(document, element, isList), value);
+    }
 }
 
 } // namespace Orvant

@@ -27,6 +27,9 @@ std::string exactText(float value);
 std::string exactText(double value);
 std::string exactText(const std::string& value);
 /// @}
+/// @return the items of a list, of others one text, with all digits; nothing for a type that the
+///         library does not have
+std::vector<std::string> exactDefaultTextsOf(const ConfigurationValueBase& value);
 /// @return what applies, with all its digits, as it stands in a sentence
 std::string exactTextOf(const ConfigurationValueBase& value);
 
@@ -55,5 +58,20 @@ struct Conversion {
 /// @return what a value makes of an element
 Conversion convert(LocatedDocument& document, DocumentTree::Element element,
                    const ConfigurationValueBase& value);
+
+// How a sentence says that.
+
+/// @param text what a save writes of a value
+std::string shownText(const std::string& text, const ConfigurationValueBase& value);
+/// @return everything that an element holds for a value
+std::string saidIn(LocatedDocument& document, DocumentTree::Element element, bool isList);
+/// @param conversion one that gives nothing
+/// @param said       saidIn()
+/// @return why
+std::string refusalOf(const Conversion& conversion, const std::string& said,
+                      const ConfigurationValueBase& value);
+/// @return what is wrong with what an element holds for a value; empty when nothing is
+std::string problemIn(LocatedDocument& document, DocumentTree::Element element,
+                      const ConfigurationValueBase& value);
 
 } // namespace Orvant

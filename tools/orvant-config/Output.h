@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Options.h"
+
+#include <fmt/color.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace Orvant::Tool {
+
+/// What goes to standard output.
+class Output {
+public:
+    /// @param options must outlive this
+    explicit Output(const Options& options);
+
+    /// @return whether a program reads what is printed
+    bool isJson() const { return m_options.json; }
+    /// @return a text that terminals show in a style, where that is wanted
+    std::string styled(const std::string& text, const fmt::text_style& style) const;
+    /// Prints a text as it is.
+    void print(const std::string& text) const;
+    /// Prints a document, with a line break at its end.
+    void print(const nlohmann::ordered_json& document) const;
+    /// Prints rows with their columns below each other.
+    /// @param rows texts in UTF-8; the last one of a row may be of any width
+    void printTable(const std::vector<std::vector<std::string>>& rows) const;
+
+private:
+    const Options& m_options;
+    bool m_isColored;
+};
+
+/// @return a text without line breaks and tabs, which show as in C
+std::string oneLine(const std::string& text);
+
+/// @return how many columns a terminal needs for a text in UTF-8, as far as characters take one
+std::size_t widthOf(const std::string& text);
+
+} // namespace Orvant::Tool

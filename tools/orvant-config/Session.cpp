@@ -1,0 +1,117 @@
+#include "Session.h"
+
+#include "CatalogueSearch.h"
+#include "ExitCode.h"
+
+#include <FileHandling/FileUtilities.h>
+
+#include <array>
+#include <cstdlib>
+
+#include <pwd.h>
+
+namespace Orvant::Tool {
+
+namespace {
+
+/// Has this process find files as a user does who logs in.
+void actAs(const std::string& user) {
+    passwd entry{};
+    passwd* found = nullptr;
+    std::array<char, 16384> texts{};
+    if (getpwnam_r(user.c_str(), &entry, texts.data(), texts.size(), &found) != 0 ||
+        found == nullptr)
+        throw Failure(ExitCode::Usage, "there is no user \"" + user + '"');
+    // NOLINTBEGIN(concurrency-mt-unsafe)
+    setenv("HOME", found->pw_dir, 1);
+    unsetenv("XDG_CONFIG_HOME");
+    unsetenv("XDG_DATA_HOME");
+    // NOLINTEND(concurrency-mt-unsafe)
+}
+
+bool isOfWholeFile(ConfigurationProblem::Kind kind) {
+    return kind == ConfigurationProblem::Damaged || kind == ConfigurationProblem::OtherVersion ||
+           kind == ConfigurationProblem::Unreadable;
+}
+
+void checkNamed(const std::optional<std::string>& file) {
+    if (file && !file->empty() && !FileUtilities::exists(FileName(*file)))
+        throw Failure(ExitCode::FileError, *file + ": there is no such file");
+}
+
+} // namespace
+
+Session::Session(const Options& options) : m_options(options), m_output(options) {
+    if (options.user)
+        actAs(*options.user);
+}
+
+const ConfigurationCatalogue& Session::catalogue() {
+    if (!m_catalogue) {
+        try {
+            m_catalogue = ConfigurationCatalogue::read(findCatalogue(m_options));
+        } catch (const ConfigurationCatalogueError& e) {
+            throw Failure(ExitCode::NoCatalogue, e.what());
+        }
+    }
+    return *m_catalogue;
+}
+
+const SettingIndex& Session::settings() {
+    if (m_settings == nullptr)
+        m_settings = std::make_unique<const SettingIndex>(catalogue());
+    return *m_settings;
+}
+
+FoundItem Session::find(const std::string& path) {
+    if (auto found = settings().find(path))
+        return *found;
+    const std::string nearest = settings().nearest(path);
+    throw Failure(ExitCode::Usage,
+                  '"' + catalogue().getApplication() + "\" has no setting \"" + path + '"' +
+                      (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?"));
+}
+
+StandardConfigurationFiles Session::files() {
+    StandardConfigurationFiles files = catalogue().findFiles();
+    if (m_options.systemFile)
+        files.system = *m_options.systemFile;
+    if (m_options.userFile)
+        files.user = *m_options.userFile;
+    return files;
+}
+
+FileName Session::administeredFile() {
+    const StandardConfigurationFiles found = files();
+    return found.system.empty() ? found.user : found.system;
+}
+
+ConfigurationManager& Session::load(const StandardConfigurationFiles& files) {
+    auto& manager = ConfigurationManager::getInstance();
+    manager.reset();
+    if (files.system.empty())
+        manager.setConfigurationFile(files.user);
+    else
+        manager.setSystemAndUserConfigurationFile(files.system, files.user);
+    catalogue().registerObjects(manager);
+    return manager;
+}
+
+ConfigurationManager& Session::loadUsable() {
+    checkNamed(m_options.systemFile);
+    checkNamed(m_options.userFile);
+    ConfigurationManager& manager = load(files());
+    for (const ConfigurationProblem& problem : manager.getLoadProblems())
+        if (isOfWholeFile(problem.kind))
+            throw Failure(ExitCode::FileError,
+                          messageAt(problem.file, problem.line, "error", problem.text));
+    return manager;
+}
+
+std::string messageAt(const FileName& file, unsigned int line, const std::string& severity,
+                      const std::string& text) {
+    return file.toString() + ':' + (line == 0 ? "" : std::to_string(line) + ':') + ' ' + severity +
+           ": " + text;
+}
+
+} // namespace Orvant::Tool

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ConfigurationFramework/ConfigurationDescription.h>
+
+#include <string>
+
+namespace Orvant::Tool {
+
+// How people read what a catalogue says.
+
+/// @return "bool", "int", "unsigned", "double", "float", "string" or "list"
+std::string typeText(ConfigurationValueBase::ValueType type);
+/// @return the default: strings and items of lists in quotes
+std::string defaultText(const ConfigurationValueDescription& value);
+/// @return a value that a file holds: strings in quotes
+std::string valueText(const ConfigurationValueDescription& value, const std::string& text);
+
+} // namespace Orvant::Tool

@@ -1,0 +1,82 @@
+#include "Verbs.h"
+
+#include "../CommandLine.h"
+#include "../SettingText.h"
+
+#include <memory>
+
+namespace Orvant::Tool {
+
+namespace {
+
+struct ListOptions {
+    std::string prefix;
+    bool hidden = false;
+    bool names = false;
+};
+
+bool isListed(const CatalogueItem& item, const ListOptions& options) {
+    return item.value != nullptr && item.path.starts_with(options.prefix) &&
+           (options.hidden || item.value->visibility == ConfigurationItemBase::Visible);
+}
+
+nlohmann::ordered_json jsonOf(const CatalogueItem& item) {
+    const ConfigurationValueDescription& value = *item.value;
+    const ConfigurationConstraint& constraint = value.constraint;
+    nlohmann::ordered_json json{{"path", item.path},
+                                {"type", typeText(value.type)},
+                                {"label", constraint.label},
+                                {"description", value.description}};
+    if (value.isList())
+        json["default"] = value.defaultTexts;
+    else
+        json["default"] = value.defaultTexts.front();
+    if (constraint.minimum)
+        json["minimum"] = *constraint.minimum;
+    if (constraint.maximum)
+        json["maximum"] = *constraint.maximum;
+    for (const auto& [text, label] : constraint.choices)
+        json["choices"].push_back({{"text", text}, {"label", label}});
+    if (!constraint.condition.empty())
+        json["condition"] = constraint.condition;
+    json["hidden"] = value.visibility != ConfigurationItemBase::Visible;
+    json["loaded"] = item.isLoaded;
+    return json;
+}
+
+std::vector<std::string> rowOf(const CatalogueItem& item) {
+    return {item.path, typeText(item.value->type), oneLine(defaultText(*item.value)),
+            oneLine(item.value->constraint.describe()), oneLine(item.value->constraint.label)};
+}
+
+ExitCode list(Session& session, const ListOptions& options) {
+    auto json = nlohmann::ordered_json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const CatalogueItem& item : session.settings().items()) {
+        if (!isListed(item, options))
+            continue;
+        if (session.output().isJson())
+            json.push_back(jsonOf(item));
+        else
+            rows.push_back(options.names ? std::vector{item.path} : rowOf(item));
+    }
+    if (session.output().isJson())
+        session.output().print(json);
+    else
+        session.output().printTable(rows);
+    return ExitCode::Clean;
+}
+
+} // namespace
+
+void addList(CommandLine& commandLine) {
+    const auto options = std::make_shared<ListOptions>();
+    CLI::App& verb =
+        commandLine.addVerb("list", "List the settings: path, type, default, rule and label",
+                            [options](Session& session) { return list(session, *options); });
+    verb.add_option("PREFIX", options->prefix, "Only settings whose paths begin with it");
+    verb.add_flag("--hidden", options->hidden, "Also those that no dialogue shows");
+    verb.add_flag("--names", options->names, "Only the paths");
+}
+
+} // namespace Orvant::Tool

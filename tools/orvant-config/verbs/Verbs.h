@@ -1,0 +1,12 @@
+#pragma once
+
+namespace Orvant::Tool {
+
+class CommandLine;
+
+// Each adds a verb to the command line, or several that share their work.
+
+void addList(CommandLine& commandLine);
+void addDescribe(CommandLine& commandLine);
+
+} // namespace Orvant::Tool
