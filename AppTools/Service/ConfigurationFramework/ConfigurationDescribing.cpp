@@ -9,6 +9,7 @@
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
+#include <map>
 #include <set>
 #include <utility>
 
@@ -64,12 +65,14 @@ public:
     explicit ElementDescribing(const WrittenElement* written) : m_written(written) {}
 
     Object describeAll(ConfigurationObject& object) {
+        count(object);
         Object description = describe(object);
         addOthers(description);
         return description;
     }
 
 private:
+    void count(const ConfigurationObject& object);
     Object describe(ConfigurationObject& object);
     void addChild(ConfigurationObject& child, const std::optional<std::string>& key,
                   Object& description);
@@ -81,7 +84,21 @@ private:
     std::set<XmlString> m_values; ///< tags
     std::set<XmlString> m_kinds;  ///< tags
     std::set<ElementId> m_children;
+    std::map<XmlString, std::size_t> m_namesakes; ///< number of items with a tag, whatever key
 };
+
+void ElementDescribing::count(const ConfigurationObject& object) {
+    for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value)
+        ++m_namesakes[toXml((*value)->getName())];
+    if (const ConfigurationObject* const prototype = object.getChildPrototype())
+        ++m_namesakes[toXml(prototype->getName())];
+    for (auto child = object.beginObjectIterator(); child != object.endObjectIterator(); ++child) {
+        if ((*child)->getName().empty())
+            count(**child);
+        else
+            ++m_namesakes[toXml((*child)->getName())];
+    }
+}
 
 Object ElementDescribing::describe(ConfigurationObject& object) {
     Object description{.name = object.getName(),
@@ -96,14 +113,17 @@ Object ElementDescribing::describe(ConfigurationObject& object) {
         m_values.insert(toXml(described->name));
         description.values.push_back(std::move(*described));
     }
-    if (ConfigurationObject* const prototype = object.getChildPrototype()) {
+    ConfigurationObject* const prototype = object.getChildPrototype();
+    if (prototype != nullptr) {
         m_kinds.insert(toXml(prototype->getName()));
         ElementDescribing below(nullptr);
         description.children.push_back({.object = below.describeAll(*prototype), .isKind = true});
     }
-    for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i)
-        addChild(**(object.beginObjectIterator() + static_cast<std::ptrdiff_t>(i)),
-                 object.getChildKey(i), description);
+    for (std::size_t i = 0; i < object.getConfigurationObjectsSize(); ++i) {
+        ConfigurationObject& child = *object.beginObjectIterator()[static_cast<std::ptrdiff_t>(i)];
+        if (prototype == nullptr || child.getName() != prototype->getName()) // not one of the kind
+            addChild(child, object.getChildKey(i), description);
+    }
     return description;
 }
 
@@ -112,16 +132,14 @@ void ElementDescribing::addChild(ConfigurationObject& child, const std::optional
     const XmlString tag = toXml(child.getName());
     if (tag.empty()) {
         Object inlined = describe(child);
-        const bool isOnlyKind = inlined.values.empty() && inlined.children.size() == 1 &&
-                                inlined.children.front().isKind;
+        const bool isOnlyKind = child.getChildPrototype() != nullptr && inlined.values.empty() &&
+                                inlined.children.size() == 1;
         if (isOnlyKind)
             description.children.push_back(std::move(inlined.children.front()));
         else
             description.children.push_back({.object = std::move(inlined)});
         return;
     }
-    if (m_kinds.contains(tag)) // one of them
-        return;
     const WrittenElement* const written =
         find(tag, key ? std::optional(toXml(throughDocument(*key))) : std::nullopt);
     // A class may write the key itself.
