@@ -1028,6 +1028,35 @@ TEST(ConfigurationObject, RepairsChildrenThroughTheirOwnOverride) {
     }
 }
 
+/// Notes whose locks it was told of.
+class LockWatcher : public TestObject {
+public:
+    using TestObject::TestObject;
+    std::vector<const ConfigurationObject*> sources;
+
+protected:
+    void onLocksTransferred(const ConfigurationObject& other) override {
+        sources.push_back(&other);
+    }
+};
+
+TEST(ConfigurationObject, IsToldOfLocksThatItGotWithThoseOfItsValues) {
+    LockWatcher object("Test");
+    auto* const child = new LockWatcher("Child");
+    object.addChild(child);
+    const TestObject system("Test");
+    TestObject withChild("Test");
+    withChild.addChild(new TestObject("Child"));
+    object.overwriteInvalidConfigValues(&system);
+    EXPECT_THAT(object.sources, ElementsAre(&system));
+    EXPECT_THAT(child->sources, IsEmpty());
+    object.restoreLocks(withChild);
+    EXPECT_THAT(object.sources, ElementsAre(&system, &withChild));
+    EXPECT_THAT(child->sources, ElementsAre(&withChild.child("Child")));
+    object.overwriteInvalidConfigValues(nullptr);
+    EXPECT_EQ(2U, object.sources.size());
+}
+
 TEST(ConfigurationObject, LetsAUsersDocumentNeitherLockNorUnlockNorChangeWhatIsLocked) {
     const auto tree = makeTree();
     loadLayered(*tree,

@@ -334,6 +334,26 @@ TEST(Setting, OfAnEnumerationIsTheDefaultWhenItsTextWasChangedToAnother) {
     tree.value = Unit::Inch;
     tree.value.item().setValue("furlong");
     EXPECT_EQ(Unit::Millimetre, tree.value.get());
+    EXPECT_TRUE(tree.value.isDefault());
+}
+
+/// Leaves out the unit that the enumeration lists first.
+struct Ruler : Settings<Ruler> {
+    Ruler() : Settings("Ruler") {}
+    Setting<Unit> unit{this, "Unit", "", Unit::Inch, OneOf(Unit::Inch)};
+};
+
+TEST(Setting, OfAnEnumerationIsTheDefaultWhenItsTextWasChangedToNoneOfItsChoices) {
+    Ruler ruler;
+    for (const char* text : {"mm", "furlong", ""}) {
+        ruler.unit.item().setValue(text);
+        EXPECT_EQ(Unit::Inch, ruler.unit.get());
+        EXPECT_TRUE(ruler.unit.isDefault());
+        const std::unique_ptr<ConfigurationObject> copy(ruler.clone());
+        EXPECT_EQ(Unit::Inch, dynamic_cast<Ruler&>(*copy).unit.get());
+        EXPECT_TRUE(ruler.unit.set(Unit::Inch));
+        EXPECT_EQ("inch", ruler.unit.item().getValue());
+    }
 }
 
 /// Something written by hand around settings that are declared in one line.

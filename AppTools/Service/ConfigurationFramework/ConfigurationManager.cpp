@@ -303,13 +303,14 @@ std::set<std::string> ConfigurationManager::getKeys(const std::string& name,
                                                     bool thatMayLock) const {
     std::set<std::string> keys;
     AdvancedConfigReader both;
-    AdvancedConfigReader system;
-    if (!readLayers(both).mayLoad())
+    const ConfigurationManagerLayers layers = readLayers(both);
+    if (!layers.mayLoad())
         return keys;
     if (m_fileMode != SystemAndUserFile || !thatMayLock) {
         both.getKeys(name, keys);
     } else {
-        readSystemFile(system);
+        AdvancedConfigReader system;
+        layers.system.addTo(system, AdvancedConfigReader::System);
         system.getKeys(name, keys);
     }
     return keys;

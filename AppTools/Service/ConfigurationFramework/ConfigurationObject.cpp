@@ -4,7 +4,6 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/ConfigurationValueBase.h>
 #include <ConfigurationFramework/ConstrainedValue.h>
-#include <ConfigurationFramework/KeyedGroup.h>
 #include <ConfigurationFramework/ReaderBelow.h>
 #include <ConfigurationFramework/SharedReference.h>
 #include <ConfigurationFramework/model/FreshObject.h>
@@ -166,6 +165,7 @@ public:
         for (std::size_t i = 0; i < object.m_values.size(); ++i)
             if (const auto* counterpart = pairs.counterpartOf(i))
                 run(*object.m_values[i], *counterpart, values);
+        object.onLocksTransferred(other);
         // overwriteInvalidConfigValues() is called on each child, since classes override it.
         if (values == Values::LockedOrMissing)
             return;
@@ -176,10 +176,6 @@ public:
         const auto* const prototype = other.getChildPrototype();
         if (auto* const own = object.getChildPrototype(); own != nullptr && prototype != nullptr)
             run(*own, *prototype, prototype->isEditable() ? values : Values::All);
-        auto* const group = dynamic_cast<KeyedGroup*>(&object);
-        if (const auto* const source = dynamic_cast<const KeyedGroup*>(&other);
-            group != nullptr && source != nullptr)
-            group->takeOrigins(*source);
     }
 
 private:
@@ -543,6 +539,8 @@ void ConfigurationObject::adoptChildren() {
 }
 
 void ConfigurationObject::onItemsReplaced() {}
+
+void ConfigurationObject::onLocksTransferred(const ConfigurationObject& /*other*/) {}
 
 void ConfigurationObject::clearConfigurationItems() {
     deleteAll(m_values);

@@ -203,6 +203,11 @@ protected:
     /// Is called when the object got other values or children in place of its own, by clone() or an
     /// assignment: pointers to them are to be renewed. Does nothing by default.
     virtual void onItemsReplaced();
+    /// Is called when the object and its values got the locks of another, by
+    /// overwriteInvalidConfigValues() or restoreLocks(): what a class knows of locks besides is to
+    /// be taken over. Does nothing by default.
+    /// @param other where the locks came from, normally of the same class
+    virtual void onLocksTransferred(const ConfigurationObject& other);
 
 private:
     friend class ConfigWriter; // calls keepListsReadable() when an object has written itself

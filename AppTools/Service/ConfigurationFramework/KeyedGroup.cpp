@@ -7,6 +7,7 @@
 #include <ConfigurationFramework/LoadedLayer.h>
 #include <ConfigurationFramework/ReaderBelow.h>
 #include <ConfigurationFramework/model/FreshObject.h>
+#include <ConfigurationFramework/model/Locks.h>
 #include <ConfigurationFramework/model/ValueCopy.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
@@ -46,7 +47,7 @@ ConfigurationObject& KeyedGroup::add(const std::string& key) {
     if (!isKey(key))
         throw std::invalid_argument("\"" + key + "\" cannot be the key of \"" +
                                     m_prototype->getName() + '"');
-    if (isInLockedObject())
+    if (isInLockedObject(*this))
         throw std::logic_error("\"" + m_prototype->getName() + '[' + key +
                                "]\" cannot be added to an object that is locked");
     m_removed.erase(key);
@@ -58,7 +59,7 @@ ConfigurationObject& KeyedGroup::add(const std::string& key) {
 }
 
 void KeyedGroup::remove(const std::string& key) {
-    if (find(key) == nullptr || isInLockedObject() || !mayGo(key))
+    if (find(key) == nullptr || isInLockedObject(*this) || !mayGo(key))
         return;
     if (m_keysOfSystem.contains(key))
         m_removed.insert(key);
@@ -141,12 +142,6 @@ void KeyedGroup::saveContent(ConfigWriter& writer, ConfigReader& reader, bool on
         saveRemoved(writer);
 }
 
-void KeyedGroup::overwriteInvalidConfigValues(const ConfigurationObject* other) {
-    ConfigurationObject::overwriteInvalidConfigValues(other);
-    if (const auto* const group = dynamic_cast<const KeyedGroup*>(other))
-        takeOrigins(*group);
-}
-
 ConfigurationObject* KeyedGroup::createConfigurationObject() const {
     return new KeyedGroup(makeFresh(*m_prototype));
 }
@@ -203,11 +198,9 @@ std::string KeyedGroup::removedTag() const {
     return "Removed" + m_prototype->getName();
 }
 
-bool KeyedGroup::isInLockedObject() const {
-    const ConfigurationObject* object = this;
-    while (object != nullptr && object->isEditable())
-        object = object->getParent();
-    return object != nullptr;
+void KeyedGroup::onLocksTransferred(const ConfigurationObject& other) {
+    if (const auto* const group = dynamic_cast<const KeyedGroup*>(&other))
+        takeOrigins(*group);
 }
 
 /// Whether a child is not locked. What a new one inherits from the default entry does not keep it.

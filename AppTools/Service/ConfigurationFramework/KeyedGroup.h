@@ -43,7 +43,6 @@ public:
     void loadContent(ConfigReader& reader) override;
     void saveContent(ConfigWriter& writer) const override;
     void saveContent(ConfigWriter& writer, ConfigReader& reader, bool onlyDifferent) const override;
-    void overwriteInvalidConfigValues(const ConfigurationObject* other) override;
     ConfigurationObject* createConfigurationObject() const override;
     ConfigurationObject* clone() const override;
     /// Resets the children. Those that the next load does not find go then, unless they have locks.
@@ -65,10 +64,12 @@ public:
     /// @return tag of the elements that name what the user removed of the system file's
     std::string removedTag() const;
 
+protected:
+    void onLocksTransferred(const ConfigurationObject& other) override;
+
 private:
     using Children = std::map<std::string, std::unique_ptr<ConfigurationObject>>;
 
-    bool isInLockedObject() const;
     bool mayGo(const std::string& key) const;
     std::size_t positionOf(const std::string& key) const;
     std::unique_ptr<ConfigurationObject> take(const std::string& key);

@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/ChangeHold.h>
 #include <ConfigurationFramework/KeyedGroup.h>
+#include <ConfigurationFramework/model/Locks.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <algorithm>
@@ -105,10 +106,7 @@ bool SettingsBase::canBeSavedToUserConfig(ConfigReader& reader) const {
 }
 
 bool SettingsBase::isLocked() const {
-    const ConfigurationObject* object = this;
-    while (object != nullptr && object->isEditable())
-        object = object->getParent();
-    return object != nullptr;
+    return isInLockedObject(*this);
 }
 
 void SettingsBase::onItemsReplaced() {
