@@ -49,6 +49,15 @@ protected:
             lines.push_back(show(origin));
         return lines;
     }
+    /// Where the elements of each value stand: system file, user's file, and what locks it.
+    Lines placed() const {
+        Lines lines;
+        for (const ConfigurationOrigin& origin : m_manager.explain())
+            lines.push_back(origin.path + " " + std::to_string(origin.systemLine) + " " +
+                            std::to_string(origin.userLine) + " | " + origin.lockedBy + " " +
+                            withoutFolder(origin.lockFile) + ":" + std::to_string(origin.lockLine));
+        return lines;
+    }
 };
 
 TEST_F(ConfigurationManagerExplain, SaysNothingWithoutObjects) {
@@ -536,6 +545,111 @@ TEST_F(ConfigurationManagerExplain, TellsLocksOfWhatAClassWritesBesidesItsValues
     add(std::make_shared<Besides>());
     EXPECT_EQ("Besides/Number = '8' system locked by Besides/Number | '8' | - | system.xml:1",
               explained()[1]);
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesWhatEachFileSaysAlsoInVain) {
+    writeTwo("<View>\n<a>2</a>\n<b>x</b></View>",
+             "<View>\n\n<b>4</b><c/>\n<d>x</d><l><item/></l></View>");
+    addView([](TestObject& o) {
+        o.add("a", 1).add("b", 1).add("c", 1).add("d", 1).add("e", 1).add<Strings>("l", {});
+    });
+    EXPECT_EQ((Lines{"View/a 2 0 |  :0", "View/b 3 3 |  :0", "View/c 0 3 |  :0", "View/d 0 4 |  :0",
+                     "View/e 0 0 |  :0", "View/l 0 4 |  :0"}),
+              placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesNothingWithoutFiles) {
+    addView()->setEditable(false);
+    EXPECT_EQ(Lines{"View/Zoom 0 0 | View :0"}, placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesTheLockOfAValueAndOfTheObjectsAroundIt) {
+    writeTwo("<View>\n<a\n editable='false'>2</a>\n<Camera editable='false'>\n<f>3</f>"
+             "<Lens><z editable='false'>4</z></Lens></Camera></View>",
+             "<View>\n\n<a>20</a>\n<Camera>\n<f>30</f></Camera></View>");
+    addView([](TestObject& o) {
+        auto* const camera = new TestObject("Camera");
+        camera->add("f", 1).add("g", 1).addChild(&(new TestObject("Lens"))->add("z", 1));
+        o.add("a", 1).add("b", 1).addChild(camera);
+    });
+    EXPECT_EQ((Lines{"View/a 2 3 | View/a system.xml:2", "View/b 0 0 |  :0",
+                     "View/Camera/f 5 5 | View/Camera system.xml:4",
+                     "View/Camera/g 0 0 | View/Camera system.xml:4",
+                     "View/Camera/Lens/z 5 0 | View/Camera system.xml:4"}),
+              placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesALockThatAKeyInheritsFromTheElementWithoutAKey) {
+    writeTwo("\n<Machine editable='false'><MaxFeed>3</MaxFeed></Machine>"
+             "\n<Machine key='2'>\n<MaxFeed editable='false'>4</MaxFeed></Machine>",
+             "<Machine key='1'><MaxFeed>4</MaxFeed></Machine>");
+    for (const char* key : {"1", "2"})
+        add(TestObject::make("Machine", [](TestObject& o) { o.add("MaxFeed", 1); }), "Machine",
+            key);
+    EXPECT_EQ((Lines{"Machine[1]/MaxFeed 2 1 | Machine system.xml:2",
+                     "Machine[2]/MaxFeed 4 0 | Machine[2]/MaxFeed system.xml:4"}),
+              placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesLocksInTheOnlyFileAndInTheUsersWhereTheyCount) {
+    writeOne("<View>\n<Zoom editable='false'>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom 0 2 | View/Zoom settings.xml:2"}, placed());
+    m_manager.reset();
+    writeTwo("<Other/>", "<View>\n\n<Zoom editable='false'>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom 0 3 | View/Zoom user.xml:3"}, placed());
+    m_manager.reset();
+    writeTwo("<View/>", "<View>\n\n<Zoom editable='false'>3</Zoom></View>");
+    addView();
+    EXPECT_EQ(Lines{"View/Zoom 0 3 |  :0"}, placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesALockInAnEntityAtTheReference) {
+    writeFile(m_file, "<!DOCTYPE Configuration [<!ENTITY e '<l editable=\"false\"/>'>]>\n"
+                      "<Configuration version='1.0'><View>\n&e;</View></Configuration>");
+    useOneFile();
+    addView([](TestObject& o) { o.add<Strings>("l", {}); });
+    EXPECT_EQ(Lines{"View/l 0 3 | View/l settings.xml:3"}, placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesLocksOfWhatAClassWritesBesidesItsValues) {
+    writeTwo("<Besides>\n<Number editable='false'>8</Number>"
+             "\n<Group key='k' editable='false'/></Besides>",
+             "");
+    add(std::make_shared<Besides>());
+    EXPECT_EQ(
+        (Lines{"Besides/a 0 0 |  :0", "Besides/Number 2 0 | Besides/Number system.xml:2",
+               "Besides/List 0 0 |  :0", "Besides/Group[k]/g 0 0 | Besides/Group[k] system.xml:3"}),
+        placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesNoLockThatAClassOrTheApplicationMade) {
+    writeTwo("<View><a>2</a>\n<b editable='false'>2</b><c editable='false'/>"
+             "<d editable='false'>2</d></View>"
+             "<Whole editable='false'><a editable='false'>2</a></Whole>"
+             "\n\n<Mixed editable='false'><a editable='false'>2</a></Mixed>",
+             "<View><a>3</a></View>");
+    const auto view = addView([](TestObject& o) {
+        o.add("a", 1).add("b", 1).add("c", 1).add("d", 1, ConfigurationItemBase::NotPersistent);
+        o.value<int>("b").setEditable(false);
+    });
+    for (const char* name : {"a", "c", "d"})
+        view->value<int>(name).setEditable(false);
+    add(TestObject::make("Whole", [](TestObject& o) { o.add("a", 1).setEditable(false); }));
+    add(TestObject::make("Mixed",
+                         [](TestObject& o) { o.add("a", 1).value<int>("a").setEditable(false); }));
+    EXPECT_EQ((Lines{"Mixed/a 4 0 | Mixed system.xml:4", "View/a 1 1 | View/a :0",
+                     "View/b 2 0 | View/b :0", "View/c 2 0 | View/c :0", "View/d 2 0 | View/d :0",
+                     "Whole/a 2 0 | Whole :0"}),
+              placed());
+}
+
+TEST_F(ConfigurationManagerExplain, LocatesNoLockOfAFileThatTheObjectWasNotLoadedFrom) {
+    addView()->setEditable(false);
+    writeOne("<View editable='false'><Zoom>5</Zoom></View>");
+    add(std::make_shared<TestObject>("Other"));
+    EXPECT_EQ(Lines{"View/Zoom 0 1 | View :0"}, placed());
 }
 
 TEST_F(ConfigurationManagerExplain, LeavesObjectsAndFilesAsTheyAre) {

@@ -57,7 +57,6 @@ private:
     void checkOther(Element element);
     void checkUndeclared(Element element);
     void checkLock(Element element, const std::string& obstacle);
-    std::string obstacleOf(Element element, const PlacedSetting& setting) const;
     bool isTaken(const PlacedSetting& setting) const;
     std::string replacementOf(const PlacedSetting& setting) const;
     std::string takenFrom(FileLayer layer, const PlacedSetting& setting) const;
@@ -129,7 +128,7 @@ void ConfigurationManagerChecking::Document::checkSetting(Element element,
                          setting.path};
     if (setting.value != nullptr && setting.isLoaded)
         checkText(element, setting);
-    checkLock(element, obstacleOf(element, setting));
+    checkLock(element, setting.obstacleToLock(m_layer, m_layers));
 }
 
 void ConfigurationManagerChecking::Document::checkText(Element element,
@@ -227,18 +226,6 @@ void ConfigurationManagerChecking::Document::checkUndeclared(Element element) {
     else if (m_tree.findChildWithoutKey(parent, tag) != element)
         add(ConfigurationProblem::Twice, element,
             "only the last " + quoted(tag) + " without a key is read; this one was ignored");
-}
-
-/// Why a lock on an element of a setting has no effect; empty: it has one.
-std::string ConfigurationManagerChecking::Document::obstacleOf(Element element,
-                                                               const PlacedSetting& setting) const {
-    if (!setting.isLoaded)
-        return "the element is not loaded";
-    if (m_layer == UserLayer && setting.isOfSystem)
-        return "only the system file locks";
-    const bool needsText = setting.value != nullptr && !setting.isList &&
-                           setting.value->getValueType() != ConfigurationValueBase::StringValue;
-    return needsText && !m_tree.text(element) ? "the element has no text" : "";
 }
 
 /// @param obstacle why a lock has no effect; empty: it has one

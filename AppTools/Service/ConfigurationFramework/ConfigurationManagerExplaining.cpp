@@ -1,12 +1,13 @@
 #include <ConfigurationFramework/ConfigurationManagerExplaining.h>
 
 #include <optional>
+#include <unordered_set>
 
 namespace Orvant {
 
 namespace {
 
-/// All but the deciding layer.
+/// All but the deciding layer and what locks in a file.
 ConfigurationOrigin originOf(const PlacedSetting& setting, const LocatedLayers& layers) {
     return {.path = setting.path,
             .value = setting.text,
@@ -16,7 +17,9 @@ ConfigurationOrigin originOf(const PlacedSetting& setting, const LocatedLayers& 
             .systemValue = setting.textIn(SystemLayer, layers),
             .userValue = setting.textIn(UserLayer, layers),
             .file = {},
-            .line = 0};
+            .line = 0,
+            .systemLine = layers.line(SystemLayer, setting.elements[SystemLayer]),
+            .userLine = layers.line(UserLayer, setting.elements[UserLayer])};
 }
 
 } // namespace
@@ -29,6 +32,8 @@ public:
         : m_layers(&layers), m_isLoaded(isLoaded), m_settings(layers) {
         m_settings.addFresh(registration, isLoaded);
         m_pairs.emplace(m_settings.settings());
+        for (const PlacedSetting& setting : m_settings.settings())
+            addIdleLock(setting);
     }
 
     /// @return the setting as these files give it; null when they do not
@@ -42,15 +47,33 @@ public:
         origin.layer =
             *layer == UserLayer ? ConfigurationOrigin::User : ConfigurationOrigin::System;
         origin.file = m_layers->file(*layer).file();
-        origin.line = m_layers->document(*layer)->items()[given.elements[*layer]].place.line;
+        origin.line = m_layers->line(*layer, given.elements[*layer]);
+    }
+    /// Says where a file locks a setting, if one does.
+    void locateLock(const PlacedSetting& setting, ConfigurationOrigin& origin) const {
+        if (!m_isLoaded || setting.lock == DocumentTree::none || m_idleLocks.contains(setting.lock))
+            return;
+        origin.lockFile = m_layers->file(setting.lockingLayer()).file();
+        origin.lockLine = m_layers->line(setting.lockingLayer(), setting.lock);
     }
     const LocatedLayers& layers() const { return *m_layers; }
 
 private:
+    /// Notes a lock in a file that is not loaded, perhaps beside one that its class made.
+    void addIdleLock(const PlacedSetting& setting) {
+        const FileLayer locking = setting.lockingLayer();
+        const DocumentTree::Element element = setting.elements[locking];
+        if (element != DocumentTree::none &&
+            !m_layers->document(locking)->tree().isEditable(element) &&
+            !setting.obstacleToLock(locking, *m_layers).empty())
+            m_idleLocks.insert(element);
+    }
+
     const LocatedLayers* m_layers;
     bool m_isLoaded;
     ConfigurationManagerSettings m_settings;
     std::optional<SettingPairs> m_pairs;
+    std::unordered_set<DocumentTree::Element> m_idleLocks; ///< in the file whose locks count
 };
 
 void ConfigurationManagerExplaining::add(const ConfigurationRegistration& registration,
@@ -78,6 +101,7 @@ void ConfigurationManagerExplaining::add(const ConfigurationRegistration& regist
         if (setting.isGroup)
             continue;
         ConfigurationOrigin origin = originOf(setting, latest);
+        sources.front().locateLock(setting, origin);
         bool isOpen = true;
         for (Source& source : sources) {
             const PlacedSetting* const given =

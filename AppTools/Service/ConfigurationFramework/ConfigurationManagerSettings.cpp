@@ -82,6 +82,10 @@ LocatedLayers::LocatedLayers(const ConfigurationManagerLayers& layers) : m_layer
     }
 }
 
+unsigned int LocatedLayers::line(FileLayer layer, Element element) const {
+    return element == DocumentTree::none ? 0 : document(layer)->items()[element].place.line;
+}
+
 bool PlacedSetting::isReadFrom(FileLayer layer, const LocatedLayers& layers) const {
     LocatedDocument* const document = layers.document(layer);
     if (!isLoaded || document == nullptr || elements[layer] == DocumentTree::none)
@@ -102,6 +106,18 @@ std::optional<std::string> PlacedSetting::textIn(FileLayer layer,
     if (document == nullptr || elements[layer] == DocumentTree::none)
         return std::nullopt;
     return Orvant::textIn(document->tree(), elements[layer], isList);
+}
+
+std::string PlacedSetting::obstacleToLock(FileLayer layer, const LocatedLayers& layers) const {
+    if (!isLoaded)
+        return "the element is not loaded";
+    if (layer == UserLayer && isOfSystem)
+        return "only the system file locks";
+    const bool needsText =
+        value != nullptr && !isList && value->getValueType() != ConfigurationValueBase::StringValue;
+    return needsText && !layers.document(layer)->tree().text(elements[layer])
+               ? "the element has no text"
+               : "";
 }
 
 struct ConfigurationManagerSettings::Group {
@@ -311,7 +327,7 @@ void ConfigurationManagerSettings::addOther(const WrittenElement& written, std::
     // Without items it looks like an empty text, unless a file has some.
     setting.isList = written.isList() && (setting.isList || holdsItems(setting));
     if (setting.lockedBy.empty())
-        setting.lockedBy = pathOfLock(setting).value_or("");
+        takeLockOfFile(setting);
     if (!setting.isGroup)
         setting.text = textOf(written);
     m_settings.push_back(setting);
@@ -333,19 +349,20 @@ bool ConfigurationManagerSettings::holdsItems(const PlacedSetting& setting) cons
 void ConfigurationManagerSettings::restrictBy(const ConfigurationItemBase& item,
                                               PlacedSetting& setting) const {
     setting.isLoaded = setting.isLoaded && item.isLoadable();
-    if (setting.lockedBy.empty() && !item.isEditable())
-        setting.lockedBy = pathOfLock(setting).value_or(setting.path);
+    if (!setting.lockedBy.empty() || item.isEditable())
+        return;
+    setting.lockedBy = setting.path;
+    takeLockOfFile(setting);
 }
 
-/// @return path of the element of a setting in the file whose locks count; nothing: it is not
-///         locked there
-std::optional<std::string>
-ConfigurationManagerSettings::pathOfLock(const PlacedSetting& setting) const {
-    const FileLayer locking = setting.isOfSystem ? SystemLayer : UserLayer;
+/// Has a setting locked by its element in the file whose locks count, if it is locked there.
+void ConfigurationManagerSettings::takeLockOfFile(PlacedSetting& setting) const {
+    const FileLayer locking = setting.lockingLayer();
     const Element element = setting.elements[locking];
     if (element == DocumentTree::none || m_layers.document(locking)->tree().isEditable(element))
-        return std::nullopt;
-    return m_layers.document(locking)->path(element);
+        return;
+    setting.lock = element;
+    setting.lockedBy = m_layers.document(locking)->path(element);
 }
 
 SettingPairs::SettingPairs(const std::vector<PlacedSetting>& settings) {

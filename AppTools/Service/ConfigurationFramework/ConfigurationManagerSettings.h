@@ -35,6 +35,8 @@ public:
     /// @return null when readers did not accept the file
     LocatedDocument* document(FileLayer layer) const { return m_documents[layer].get(); }
     const ConfigurationManagerLayers& layers() const { return m_layers; }
+    /// @return where an element of a file begins, from 1; 0 for none
+    unsigned int line(FileLayer layer, DocumentTree::Element element) const;
 
 private:
     const ConfigurationManagerLayers& m_layers;
@@ -57,6 +59,8 @@ struct PlacedSetting {
     std::string text;                              ///< of no group; as a save writes it
     /// Path of what is locked, in the file or else in the object; empty: nothing is.
     std::string lockedBy;
+    /// What locks, in the file of lockingLayer(); none: nothing is locked, or no file does it.
+    DocumentTree::Element lock = DocumentTree::none;
     LayerElements parents{DocumentTree::none, DocumentTree::none};
     LayerElements elements{DocumentTree::none, DocumentTree::none};
 
@@ -66,6 +70,10 @@ struct PlacedSetting {
     std::optional<FileLayer> decidingLayer(const LocatedLayers& layers) const;
     /// @return what a file says; nothing: it does not have the element
     std::optional<std::string> textIn(FileLayer layer, const LocatedLayers& layers) const;
+    /// @return the file whose locks count
+    FileLayer lockingLayer() const { return isOfSystem ? SystemLayer : UserLayer; }
+    /// @return why a lock on the element of a file has no effect; empty: it has one
+    std::string obstacleToLock(FileLayer layer, const LocatedLayers& layers) const;
 };
 
 /// The settings of registered objects, in the order of saving, and where the files hold them.
@@ -104,7 +112,7 @@ private:
     LayerElements findAll(const LayerElements& parents, Find find) const;
     bool holdsItems(const PlacedSetting& setting) const;
     void restrictBy(const ConfigurationItemBase& item, PlacedSetting& setting) const;
-    std::optional<std::string> pathOfLock(const PlacedSetting& setting) const;
+    void takeLockOfFile(PlacedSetting& setting) const;
 
     const LocatedLayers& m_layers;
     std::vector<PlacedSetting> m_settings;

@@ -39,6 +39,12 @@ struct ConfigurationOrigin {
     std::optional<std::string> userValue;   ///< what the user's file, or the only file, says
     FileName file;                          ///< the deciding element's; empty: not from a file
     unsigned int line;                      ///< the deciding element's, from 1; 0: not from a file
+    unsigned int systemLine = 0; ///< of the system file's element, from 1; 0: it has none
+    unsigned int userLine = 0;   ///< of the element in the user's file, or the only file; 0: none
+    /// Of the locking element in the file whose locks count, from 1; 0: no file locks the value. A
+    /// lock of a class or the application has none, though `lockedBy` has a path.
+    unsigned int lockLine = 0;
+    FileName lockFile = {}; ///< that file; empty: none
 };
 
 } // namespace Orvant
