@@ -81,7 +81,8 @@ void ConfigurationManagerExplaining::add(const ConfigurationRegistration& regist
     std::vector<Source> sources;
     sources.reserve(files.size());
     for (const Layers& layers : files)
-        sources.emplace_back(registration, located(layers), true);
+        if (layers != files.front() || sources.empty()) // the same files say the same
+            sources.emplace_back(registration, located(layers), true);
     add(registration, std::move(sources));
 }
 

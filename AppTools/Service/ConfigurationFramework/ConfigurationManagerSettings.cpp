@@ -192,7 +192,8 @@ void ConfigurationManagerSettings::addFresh(const ConfigurationRegistration& reg
     const ConfigurationManagerLayers noFiles;
     const LocatedLayers nowhere(noFiles);
     ConfigurationManagerSettings unloaded(nowhere);
-    unloaded.add(registration, object);
+    if (object.ConfigurationObject::hasNonEditableEntries()) // whatever the class itself answers
+        unloaded.add(registration, object);
     if (isLoaded) {
         AdvancedConfigReader reader;
         m_layers.layers().addTo(reader);
