@@ -69,7 +69,7 @@ TEST(ConfigurationDescriptionTest, SaysWhatALoadMakesOfATextLikeTheLoad) {
     EXPECT_EQ(number.problemOf({"12.5"}), "");
     EXPECT_EQ(number.problemOf({"60,5"}), "\"60,5\" reads as 60");
     EXPECT_EQ(number.problemOf({"wide"}), "\"wide\" is not a number");
-    EXPECT_EQ(number.problemOf({""}), "\"\" is not a number");
+    EXPECT_EQ(number.problemOf({""}), "the element has no text at its front");
     EXPECT_EQ(number.problemOf({"200"}), "\"200\" is not allowed: it must be from 1 to 170");
     EXPECT_EQ(number.problemOf({}), "one text is needed");
     EXPECT_EQ(number.problemOf({"1", "2"}), "one text is needed");

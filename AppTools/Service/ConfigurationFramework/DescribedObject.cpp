@@ -28,15 +28,16 @@ struct DescribedObject::Blueprint {
 
 std::shared_ptr<const DescribedObject::Blueprint>
 DescribedObject::makeBlueprint(const ConfigurationObjectDescription& description) {
+    if (!description.name.empty() && !isXmlName(description.name))
+        throw std::invalid_argument('"' + description.name + "\" cannot be the name of an element");
     auto blueprint = std::make_shared<Blueprint>(
         Blueprint{description.name, description.description, description.persistence,
                   description.products, description.isEditable});
     for (const ConfigurationValueDescription& value : description.values)
         blueprint->values.push_back(value.makeValue());
     for (const auto& [object, isKind, key] : description.children) {
-        const bool isInline = object.name.empty() && !isKind;
-        if (!isInline && !isXmlName(object.name))
-            throw std::invalid_argument('"' + object.name + "\" cannot be the name of an element");
+        if (isKind && object.name.empty())
+            throw std::invalid_argument("a kind of children needs a name");
         blueprint->children.push_back({makeBlueprint(object), isKind, key});
     }
     return blueprint;
