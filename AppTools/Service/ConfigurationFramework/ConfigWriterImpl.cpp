@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/ConfigWriter.h>
 #include <ConfigurationFramework/reading/ParsedDocument.h>
 #include <ConfigurationFramework/writing/EditedDocumentParser.h>
+#include <ConfigurationFramework/writing/WrittenElement.h>
 #include <ConfigurationFramework/xml/DomWalk.h>
 #include <ConfigurationFramework/xml/IndexThreshold.h>
 #include <ConfigurationFramework/xml/PlaceRestorer.h>
@@ -258,13 +259,7 @@ ConfigurationAccessResult ConfigWriterImpl::moveToFront(const std::string& name)
     DOMElement* const element = findChild(named(name));
     if (element == nullptr)
         return ConfigurationAccessResult::Failure;
-    DOMNode* const comment = commentBefore(*element);
-    DOMNode* const first = m_current->getFirstChild();
-    if (first == element || first == comment)
-        return ConfigurationAccessResult::Success;
-    if (comment != nullptr)
-        m_current->insertBefore(comment, first);
-    m_current->insertBefore(element, first);
+    Orvant::moveToFront(*element);
     return ConfigurationAccessResult::Success;
 }
 

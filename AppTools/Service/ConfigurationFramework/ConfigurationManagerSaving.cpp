@@ -4,10 +4,8 @@
 #include <ConfigurationFramework/ConfigWriterImpl.h>
 #include <ConfigurationFramework/ConfigurationManagerChanges.h>
 #include <ConfigurationFramework/ElementAddress.h>
+#include <ConfigurationFramework/SaveFailure.h>
 #include <ConfigurationFramework/files/FileLinks.h>
-#include <ConfigurationFramework/files/FileLock.h>
-#include <ConfigurationFramework/files/FileReplacing.h>
-#include <ConfigurationFramework/files/FileSaving.h>
 #include <ConfigurationFramework/files/RegularFile.h>
 
 #include <FileHandling/FileUtilities.h>
@@ -15,9 +13,7 @@
 #include <Logging/Logging.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <exception>
-#include <filesystem>
 #include <optional>
 #include <set>
 #include <utility>
@@ -38,10 +34,6 @@ class ObjectNotWritten : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-std::string quoted(const FileName& file) {
-    return '"' + file.toString() + '"';
-}
 
 std::string textOf(const XMLCh* message) {
     return XercesHelperFunctions::xmlChToString(message);
@@ -64,22 +56,6 @@ std::string describe(const std::exception_ptr& exception) {
     } catch (...) {
         return "an exception of unknown type";
     }
-}
-
-Report::Reason reasonOf(const std::error_code& error) {
-    using enum std::errc;
-    if (error == no_such_file_or_directory || error == not_a_directory)
-        return Report::NoFolder;
-    if (error == permission_denied || error == operation_not_permitted ||
-        error == read_only_file_system)
-        return Report::NoPermission;
-    if (error == no_space_on_device || error == file_too_large || error.value() == EDQUOT)
-        return Report::NoSpace;
-    return Report::Failed;
-}
-
-SaveFailure failureOf(const std::error_code& error) {
-    return {reasonOf(error), error.message(), error};
 }
 
 /// What a save that threw reports.
@@ -129,12 +105,6 @@ void forEachWritten(const Objects& objects, Write write) {
     }
 }
 
-void makeFolder(const std::filesystem::path& folder) {
-    std::error_code error;
-    if (!folder.empty() && !std::filesystem::create_directories(folder, error) && error)
-        throw failureOf(error);
-}
-
 } // namespace
 
 ConfigurationManager::Saving::Saving(const ConfigurationManager& manager, const FileName& target,
@@ -154,8 +124,7 @@ bool ConfigurationManager::Saving::run(const std::string& version) {
     } catch (...) {
         report = reportOf(std::current_exception());
     }
-    report.text = quoted(m_target) + " was not saved: " + report.text;
-    std::ranges::replace(report.text, '\n', ' ');
+    report = notSaved(m_target, std::move(report));
     s_log.logERROR(report.text, __FILE__, __func__, __LINE__);
     m_manager.m_saveReport = std::move(report);
     return false;
@@ -334,10 +303,7 @@ LayerDocument ConfigurationManager::Saving::readUserFile() const {
 
 /// Merges what changed into what the file holds now.
 void ConfigurationManager::Saving::merge(const std::string& version) {
-    makeFolder(followLinks(toPath(m_target)).back().parent_path());
-    const FileLock lock(m_target, m_manager.m_lockTimeout);
-    if (lock.state() == FileLock::State::Busy)
-        throw SaveFailure(Report::Busy, "another process is saving it");
+    const SaveLock lock(m_target, m_manager.m_lockTimeout);
     m_user = readUserFile();
     if (m_user.isEmptyFile())
         s_log.logERROR(quoted(m_target) + " is empty and counts as missing", __FILE__, __func__,
@@ -363,10 +329,7 @@ void ConfigurationManager::Saving::merge(const std::string& version) {
         for (const auto& state : states)
             setSaved(state.registration, known, state.written);
     }
-    Report& report = m_manager.m_saveReport;
-    if (lock.state() == FileLock::State::NotMade && report.reason == Report::Saved)
-        report.text += (report.text.empty() ? "" : "; ") + quoted(m_target) +
-                       " was saved without a lock: " + lock.error().message();
+    lock.tellIfNotMade(m_manager.m_saveReport);
 }
 
 /// @return the system file that was loaded, where its locks hold although it is gone; null: they do
@@ -450,19 +413,7 @@ bool ConfigurationManager::Saving::areOfTarget(
 std::shared_ptr<const ConfigurationManagerLayers>
 ConfigurationManager::Saving::store(ConfigWriterImpl& document) const {
     PrintedDocument printed = document.print();
-    if (!printed.problem.empty())
-        throw SaveFailure(Report::InvalidContent, printed.problem);
-    const FileSave saved = m_manager.m_saveMode == InPlace
-                               ? FileSave{saveInPlace(m_target, printed.text), true}
-                               : replaceFile(m_target, printed.text);
-    if (saved.error)
-        throw failureOf(saved.error);
-    Report report{Report::Saved};
-    report.writtenInPlace = saved.inPlace;
-    if (saved.inPlace && m_manager.m_saveMode != InPlace)
-        report.text = quoted(m_target) + " was written in place, for it could not be replaced by a "
-                                         "new file";
-    m_manager.m_saveReport = std::move(report);
+    m_manager.m_saveReport = storeDocument(m_target, printed, m_manager.m_saveMode == InPlace);
     const std::string version = document.version();
     return std::make_shared<const ConfigurationManagerLayers>(
         m_system, LayerDocument(knownTarget(), std::move(printed.text), version,

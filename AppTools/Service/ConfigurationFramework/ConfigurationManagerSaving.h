@@ -11,29 +11,12 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 
 namespace Orvant {
 
 class ConfigWriterImpl;
 class ConfigurationManagerChanges;
-
-/// Thrown where a save ends without having written.
-class SaveFailure : public std::runtime_error {
-public:
-    SaveFailure(ConfigurationSaveReport::Reason reason, const std::string& problem,
-                std::error_code error = {})
-        : std::runtime_error(problem), m_reason(reason), m_error(error) {}
-
-    ConfigurationSaveReport::Reason reason() const { return m_reason; }
-    const std::error_code& error() const { return m_error; }
-
-private:
-    ConfigurationSaveReport::Reason m_reason;
-    std::error_code m_error;
-};
 
 /// One save of the manager's objects to a file. How it went goes to the manager's report.
 class ConfigurationManager::Saving {

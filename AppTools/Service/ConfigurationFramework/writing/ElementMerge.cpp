@@ -11,7 +11,6 @@
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMText.hpp>
-#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 
@@ -155,11 +154,6 @@ std::set<XmlString> keyedTagsOf(const ElementChange& change) {
     return tags;
 }
 
-bool holdsItems(DOMElement& element) {
-    const DOMElement* const first = element.getFirstElementChild();
-    return first != nullptr && xercesc::XMLString::equals(first->getTagName(), itemTag);
-}
-
 /// The elements that are the first of their tag below another, but not among its children.
 std::map<XmlString, DOMElement*> firstInChildren(DOMElement& element) {
     std::set<XmlString> seen;
@@ -191,11 +185,7 @@ void keepListsReadable(DOMElement& group, const ElementChange& change) {
             present = &append(group, list);
         if (!holds(*present, list))
             fill(*present, list);
-        DOMNode* const comment = commentBefore(*present);
-        DOMNode* const front = group.getFirstChild();
-        if (comment != nullptr)
-            group.insertBefore(comment, front);
-        group.insertBefore(present, front);
+        moveToFront(*present);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 
@@ -119,6 +120,22 @@ void fill(xercesc::DOMElement& element, const WrittenElement& contents) {
         fill(append(element, child), child);
     if (!contents.text.empty())
         element.appendChild(element.getOwnerDocument()->createTextNode(contents.text.c_str()));
+}
+
+void moveToFront(xercesc::DOMElement& element) {
+    xercesc::DOMNode& parent = *element.getParentNode();
+    xercesc::DOMNode* const comment = commentBefore(element);
+    xercesc::DOMNode* const first = parent.getFirstChild();
+    if (first == &element || first == comment)
+        return;
+    if (comment != nullptr)
+        parent.insertBefore(comment, first);
+    parent.insertBefore(&element, first);
+}
+
+bool holdsItems(const xercesc::DOMElement& element) {
+    const xercesc::DOMElement* const first = element.getFirstElementChild();
+    return first != nullptr && xercesc::XMLString::equals(first->getTagName(), itemTag);
 }
 
 } // namespace Orvant

@@ -74,4 +74,10 @@ xercesc::DOMElement& append(xercesc::DOMElement& parent, const WrittenElement& w
 /// Gives an element the contents of another; its attributes stay.
 void fill(xercesc::DOMElement& element, const WrittenElement& contents);
 
+/// Moves an element, with its comment, before all that is beside it.
+void moveToFront(xercesc::DOMElement& element);
+
+/// @return whether an element is a list with items
+bool holdsItems(const xercesc::DOMElement& element);
+
 } // namespace Orvant
