@@ -2,6 +2,8 @@
 
 #include <ConfigurationFramework/xml/DomWalk.h>
 
+#include <GeneralServices/XercesHelperFunctions.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -150,6 +152,22 @@ PrintedDocument printDocument(const xercesc::DOMDocument& document) {
         return {.problem = "The document holds something that XML cannot express"};
     text->erase(0, text->find('<')); // the printer begins with a line break
     return {std::move(*text), "", layout.nodes};
+}
+
+DocumentSurroundings surroundingsOf(const xercesc::DOMDocument& document) {
+    const auto textOf = XercesHelperFunctions::xmlChToString;
+    DocumentSurroundings surroundings;
+    std::string* side = &surroundings.before;
+    for (const DOMNode* node = document.getFirstChild(); node; node = node->getNextSibling()) {
+        if (node->getNodeType() == DOMNode::ELEMENT_NODE)
+            side = &surroundings.after;
+        else if (node->getNodeType() == DOMNode::COMMENT_NODE)
+            *side += "<!--" + textOf(node->getNodeValue()) + "-->\n";
+        else if (node->getNodeType() == DOMNode::PROCESSING_INSTRUCTION_NODE)
+            *side +=
+                "<?" + textOf(node->getNodeName()) + ' ' + textOf(node->getNodeValue()) + "?>\n";
+    }
+    return surroundings;
 }
 
 } // namespace Orvant

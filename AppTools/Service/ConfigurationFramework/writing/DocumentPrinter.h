@@ -19,4 +19,13 @@ struct PrintedDocument {
 /// express.
 PrintedDocument printDocument(const xercesc::DOMDocument& document);
 
+/// What stands before and after the root, which printDocument() leaves out: comments and processing
+/// instructions, each on a line of its own, in UTF-8.
+struct DocumentSurroundings {
+    std::string before = {};
+    std::string after = {};
+};
+
+DocumentSurroundings surroundingsOf(const xercesc::DOMDocument& document);
+
 } // namespace Orvant
