@@ -93,6 +93,7 @@ public:
     void add(const ConfigurationObject& object, const std::string& name, bool keyed = false);
     /// Adds a registered object that is only described.
     /// @param entry its name does not matter
+    /// @param name  name that it is registered under
     /// @throws std::invalid_argument like add() of an object
     void add(ConfigurationCatalogueEntry entry, const std::string& name);
     /// Says which name a setting or object had in files of earlier versions.
