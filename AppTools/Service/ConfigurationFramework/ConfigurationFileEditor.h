@@ -22,6 +22,7 @@ struct ConfigurationElementStep {
     /// key, or an empty one.
     std::optional<std::string> key = {};
 
+    /// @return whether both have the same name and key
     bool operator==(const ConfigurationElementStep& other) const = default;
 };
 
@@ -32,9 +33,13 @@ using ConfigurationElementPath = std::vector<ConfigurationElementStep>;
 /// where they are not known.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationFileError : public std::runtime_error {
 public:
+    /// @param problem what is wrong, and where
     explicit ConfigurationFileError(const ConfigurationProblem& problem);
+    /// Copies what is wrong.
+    /// @{
     ConfigurationFileError(const ConfigurationFileError&) = default;
     ConfigurationFileError& operator=(const ConfigurationFileError&) = default;
+    /// @}
     ~ConfigurationFileError() override;
 
     /// @return Unreadable or Damaged, the file, and the place, where that is known
@@ -122,6 +127,7 @@ public:
     std::optional<std::string> editable(const ConfigurationElementPath& path) const;
     /// Calls back with the path of each element below another, at any depth, in document order:
     /// once for elements with the same path. The items of lists are left out.
+    /// @param path  the element around those
     /// @param visit must not change the document
     /// @throws what the callback throws
     void visitElements(const ConfigurationElementPath& path,
@@ -133,6 +139,8 @@ public:
 
     /// Sets the text of an element; other elements in it go, comments in it stay. An element that
     /// is missing is made after all that is beside it, and so are those around it.
+    /// @param path    the element
+    /// @param text    its new text
     /// @param comment right before the element if that is made; empty: none
     /// @throws std::invalid_argument for a text or comment that XML cannot hold, too
     void setText(const ConfigurationElementPath& path, const std::string& text,
@@ -143,6 +151,7 @@ public:
                   const std::string& comment = "");
     /// Removes an element with everything in it. Those around it stay, even if they are empty now:
     /// they may be locked.
+    /// @param path    the element
     /// @param comment goes along where it stands right before the element, as setText() wrote it;
     ///                any other comment stays
     /// @return false when there is no such element
@@ -153,7 +162,8 @@ public:
     /// Moves an element with everything in it and the comment right before it. Where only name or
     /// key change, it stays in its place; else it goes to the end of the other element, which is
     /// made if it is missing.
-    /// @param to its new path
+    /// @param from the element
+    /// @param to   its new path
     /// @return false when there is no such element, or there is one of the new path already:
     ///         nothing is done
     /// @throws std::invalid_argument for a new path within the element, too
