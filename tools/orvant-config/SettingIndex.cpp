@@ -30,35 +30,14 @@ CatalogueItem below(const CatalogueItem& parent, PathStep step) {
     return item;
 }
 
-/// Matches the rest of a path with the rest of an item's steps.
-/// @param steps with the keys of the path, when it returns true
-bool match(std::string_view path, std::vector<PathStep>& steps, std::size_t position) {
-    if (position == steps.size())
-        return path.empty();
-    PathStep& step = steps[position];
-    if (position != 0) {
-        if (!path.starts_with('/'))
-            return false;
-        path.remove_prefix(1);
-    }
-    if (!path.starts_with(step.name))
-        return false;
-    path.remove_prefix(step.name.size());
-    if (!step.isKind) {
-        const std::string key = step.key ? '[' + *step.key + ']' : "";
-        return path.starts_with(key) && match(path.substr(key.size()), steps, position + 1);
-    }
-    if (!path.starts_with('['))
-        return match(path, steps, position + 1);
-    // A key may hold brackets and slashes itself.
-    for (std::size_t end = path.find(']'); end != std::string_view::npos;
-         end = path.find(']', end + 1)) {
-        step.key = path.substr(1, end - 1);
-        if (match(path.substr(end + 1), steps, position + 1))
-            return true;
-    }
-    step.key.reset();
-    return false;
+/// An item with a user's keys.
+FoundItem withKeys(const CatalogueItem& item, const std::vector<std::optional<std::string>>& keys) {
+    FoundItem found{&item, item.steps};
+    auto key = keys.begin();
+    for (PathStep& step : found.steps)
+        if (step.isKind)
+            step.key = *key++;
+    return found;
 }
 
 /// Number of letters to insert, remove or replace (Levenshtein, 1966), regardless of case.
@@ -88,7 +67,7 @@ void SettingIndex::addObject(const ConfigurationObjectDescription& object, Catal
     item.object = &object;
     item.isLoaded = item.isLoaded && isLoadable(object.persistence);
     item.isLockedByClass = item.isLockedByClass || !object.isEditable;
-    m_items.push_back(item);
+    add(item);
     addContents(object, item);
 }
 
@@ -99,7 +78,7 @@ void SettingIndex::addContents(const ConfigurationObjectDescription& object,
         found.value = &value;
         found.isLoaded = found.isLoaded && isLoadable(value.persistence);
         found.isLockedByClass = found.isLockedByClass || !value.isEditable;
-        m_items.push_back(std::move(found));
+        add(std::move(found));
     }
     for (const auto& [child, isKind, key] : object.children) {
         if (!child.name.empty()) {
@@ -113,15 +92,59 @@ void SettingIndex::addContents(const ConfigurationObjectDescription& object,
     }
 }
 
+void SettingIndex::add(CatalogueItem item) {
+    m_positions.try_emplace(item.path, m_items.size());
+    m_items.push_back(std::move(item));
+}
+
 std::optional<FoundItem> SettingIndex::find(const std::string& path) const {
-    for (const CatalogueItem& item : m_items) {
-        if (item.path == path) // with "[*]", which then is no key
-            return FoundItem{&item, item.steps};
-        std::vector<PathStep> steps = item.steps;
-        if (match(path, steps, 0))
-            return FoundItem{&item, std::move(steps)};
+    return find(path, "", {});
+}
+
+/// @param rest  of a path
+/// @param above what is before that, as in a catalogue
+/// @param keys  those of the kinds before that
+std::optional<FoundItem> SettingIndex::find(std::string_view rest, const std::string& above,
+                                            const Keys& keys) const {
+    const auto go = [&](const std::string& path, std::size_t end,
+                        const std::optional<std::string>& key) -> std::optional<FoundItem> {
+        const auto position = m_positions.find(path);
+        if (position == m_positions.end())
+            return std::nullopt;
+        const CatalogueItem& item = m_items[position->second];
+        Keys known = keys;
+        if (item.steps.back().isKind)
+            known.push_back(key);
+        if (end == rest.size())
+            return withKeys(item, known);
+        return rest[end] == '/' ? find(rest.substr(end + 1), path + '/', known) : std::nullopt;
+    };
+    const std::size_t nameEnd = std::min(rest.find_first_of("[/"), rest.size());
+    const std::string name = above + std::string(rest.substr(0, nameEnd));
+    if (nameEnd == rest.size() || rest[nameEnd] == '/') {
+        const auto found = go(name, nameEnd, std::nullopt);
+        return found ? found : go(name + "[*]", nameEnd, std::nullopt);
+    }
+    // A key may hold brackets and slashes itself.
+    for (std::size_t end = rest.find(']'); end != std::string_view::npos;
+         end = rest.find(']', end + 1)) {
+        const std::string key(rest.substr(nameEnd + 1, end - nameEnd - 1));
+        if (auto found = go(name + '[' + key + ']', end + 1, std::nullopt)) // "[*]" is no key
+            return found;
+        if (auto found = go(name + "[*]", end + 1, key))
+            return found;
     }
     return std::nullopt;
+}
+
+std::vector<std::string> SettingIndex::namesIn(const std::string& object) const {
+    const std::string above = object.empty() ? "" : object + '/';
+    std::vector<std::string> names;
+    for (const CatalogueItem& item : m_items)
+        if (item.path.starts_with(above) &&
+            item.path.size() == above.size() + textOf(item.steps.back()).size())
+            names.push_back(item.steps.back().name);
+    return names;
 }
 
 std::string SettingIndex::nearest(const std::string& path) const {

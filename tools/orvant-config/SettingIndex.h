@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -46,12 +48,22 @@ public:
     std::optional<FoundItem> find(const std::string& path) const;
     /// @return the path that is most like a text; empty when none is
     std::string nearest(const std::string& path) const;
+    /// @param object path of an object as in a catalogue; empty: what is registered
+    /// @return the names of what is in it
+    std::vector<std::string> namesIn(const std::string& object) const;
 
 private:
+    using Keys = std::vector<std::optional<std::string>>; ///< of the kinds on the way
+
+    void add(CatalogueItem item);
     void addObject(const ConfigurationObjectDescription& object, CatalogueItem item);
     void addContents(const ConfigurationObjectDescription& object, const CatalogueItem& item);
 
+    std::optional<FoundItem> find(std::string_view rest, const std::string& above,
+                                  const Keys& keys) const;
+
     std::vector<CatalogueItem> m_items;
+    std::unordered_map<std::string, std::size_t> m_positions; ///< by path: a value before objects
 };
 
 /// @return the candidate that is most like a text; empty when none is

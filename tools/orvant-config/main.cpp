@@ -9,5 +9,8 @@ int main(int argc, char* argv[]) {
     CommandLine commandLine;
     addList(commandLine);
     addDescribe(commandLine);
+    addExplain(commandLine);
+    addGet(commandLine);
+    addWritable(commandLine);
     return commandLine.run(argc, argv);
 }

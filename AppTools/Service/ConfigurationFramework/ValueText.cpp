@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/ValueText.h>
 
+#include <ConfigurationFramework/ConfigurationDescription.h>
 #include <ConfigurationFramework/ConfigurationValue.h>
 #include <ConfigurationFramework/xml/NumberText.h>
 #include <ConfigurationFramework/xml/XmlText.h>
@@ -31,12 +32,15 @@ std::string format(double value) {
 std::string format(const std::string& value) {
     return throughDocument(value);
 }
-std::string format(const std::vector<std::string>& values) {
+std::vector<std::string> formatAll(const std::vector<std::string>& values) {
     std::vector<std::string> items;
     items.reserve(values.size());
     for (const std::string& value : values)
         items.push_back(throughDocument(value));
-    return joined(items);
+    return items;
+}
+std::string format(const std::vector<std::string>& values) {
+    return joined(formatAll(values));
 }
 
 /// @param otherwise what to return for a class that the library does not have
@@ -209,6 +213,16 @@ std::string joined(const std::vector<std::string>& items) {
 std::string textOf(const ConfigurationValueBase& value) {
     return visitTyped(value, std::string(),
                       [](const auto& typed) { return format(typed.getValue()); });
+}
+
+std::vector<std::string> textsOf(const ConfigurationValueBase& value) {
+    return visitTyped(value, std::vector<std::string>(),
+                      []<typename T>(const ConfigurationValue<T>& typed) {
+                          if constexpr (std::is_same_v<T, std::vector<std::string>>)
+                              return formatAll(typed.getValue());
+                          else
+                              return std::vector{format(typed.getValue())};
+                      });
 }
 
 std::string defaultTextOf(const ConfigurationValueBase& value) {

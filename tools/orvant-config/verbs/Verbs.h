@@ -8,5 +8,8 @@ class CommandLine;
 
 void addList(CommandLine& commandLine);
 void addDescribe(CommandLine& commandLine);
+void addExplain(CommandLine& commandLine);
+void addGet(CommandLine& commandLine);
+void addWritable(CommandLine& commandLine);
 
 } // namespace Orvant::Tool
