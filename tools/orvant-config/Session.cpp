@@ -100,7 +100,11 @@ ConfigurationManager& Session::load(const StandardConfigurationFiles& files) {
 ConfigurationManager& Session::loadUsable() {
     checkNamed(m_options.systemFile);
     checkNamed(m_options.userFile);
-    ConfigurationManager& manager = load(files());
+    return loadUsable(files());
+}
+
+ConfigurationManager& Session::loadUsable(const StandardConfigurationFiles& files) {
+    ConfigurationManager& manager = load(files);
     for (const ConfigurationProblem& problem : manager.getLoadProblems())
         if (isOfWholeFile(problem.kind))
             throw Failure(ExitCode::FileError,

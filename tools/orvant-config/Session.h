@@ -44,6 +44,9 @@ public:
     /// @throws Failure(FileError) when one is damaged, cannot be read or is of another version, or
     ///         when one that the options name does not exist
     ConfigurationManager& loadUsable();
+    /// Loads files and refuses them unless they can be used, or are missing.
+    /// @throws Failure(FileError) like loadUsable()
+    ConfigurationManager& loadUsable(const StandardConfigurationFiles& files);
 
 private:
     const Options& m_options;

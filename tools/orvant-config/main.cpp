@@ -9,6 +9,7 @@ int main(int argc, char* argv[]) {
     CommandLine commandLine;
     addList(commandLine);
     addDescribe(commandLine);
+    addDiff(commandLine);
     addExplain(commandLine);
     addGet(commandLine);
     addWritable(commandLine);

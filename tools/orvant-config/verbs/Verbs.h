@@ -8,6 +8,7 @@ class CommandLine;
 
 void addList(CommandLine& commandLine);
 void addDescribe(CommandLine& commandLine);
+void addDiff(CommandLine& commandLine);
 void addExplain(CommandLine& commandLine);
 void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
