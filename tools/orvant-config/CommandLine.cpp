@@ -62,7 +62,7 @@ ExitCode CommandLine::runVerb() {
         return code;
     } catch (const Failure& e) {
         if (!m_options.quiet)
-            std::cerr << "orvant-config: " << e.what() << '\n';
+            std::cerr << (e.isPlaced() ? "" : "orvant-config: ") << e.what() << '\n';
         return e.code();
     } catch (const std::exception& e) {
         std::cerr << "orvant-config: " << e.what() << '\n';

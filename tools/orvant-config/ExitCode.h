@@ -19,14 +19,19 @@ class Failure : public std::runtime_error {
 public:
     /// @param code    what the shell is told
     /// @param message what the user is told
-    Failure(ExitCode code, const std::string& message)
-        : std::runtime_error(message), m_code(code) {}
+    /// @param isPlaced whether the message begins with the place of the fault in a file, for
+    /// editors
+    Failure(ExitCode code, const std::string& message, bool isPlaced = false)
+        : std::runtime_error(message), m_code(code), m_isPlaced(isPlaced) {}
 
     /// @return what the shell is told
     ExitCode code() const { return m_code; }
+    /// @return whether the message begins with the place of the fault in a file
+    bool isPlaced() const { return m_isPlaced; }
 
 private:
     ExitCode m_code;
+    bool m_isPlaced;
 };
 
 } // namespace Orvant::Tool

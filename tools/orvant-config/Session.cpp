@@ -51,7 +51,7 @@ const ConfigurationCatalogue& Session::catalogue() {
         try {
             m_catalogue = ConfigurationCatalogue::read(findCatalogue(m_options));
         } catch (const ConfigurationCatalogueError& e) {
-            throw Failure(ExitCode::NoCatalogue, e.what());
+            throw Failure(ExitCode::NoCatalogue, e.what(), true);
         }
     }
     return *m_catalogue;
@@ -108,7 +108,7 @@ ConfigurationManager& Session::loadUsable(const StandardConfigurationFiles& file
     for (const ConfigurationProblem& problem : manager.getLoadProblems())
         if (isOfWholeFile(problem.kind))
             throw Failure(ExitCode::FileError,
-                          messageAt(problem.file, problem.line, "error", problem.text));
+                          messageAt(problem.file, problem.line, "error", problem.text), true);
     return manager;
 }
 
