@@ -36,4 +36,13 @@ std::string valueText(const ConfigurationValueDescription& value, const std::str
     return value.isList() && text.empty() ? "(empty)" : text;
 }
 
+std::string declarationText(const ConfigurationValueDescription& value) {
+    std::string text = typeText(value.type) + ", " + defaultText(value) + " unless set";
+    const std::string inFile = value.isList() ? "" : value.fileTextOf(value.defaultTexts.front());
+    if (!value.isList() && inFile != value.defaultTexts.front())
+        text += " (files say " + inFile + ')';
+    const std::string rule = value.constraint.describe();
+    return rule.empty() ? text : text + ", " + rule;
+}
+
 } // namespace Orvant::Tool

@@ -14,5 +14,7 @@ std::string typeText(ConfigurationValueBase::ValueType type);
 std::string defaultText(const ConfigurationValueDescription& value);
 /// @return a value that a file holds: strings in quotes
 std::string valueText(const ConfigurationValueDescription& value, const std::string& text);
+/// @return type, default and rule: "double, 45 unless set, from 1 to 170"
+std::string declarationText(const ConfigurationValueDescription& value);
 
 } // namespace Orvant::Tool

@@ -13,5 +13,6 @@ int main(int argc, char* argv[]) {
     addExplain(commandLine);
     addGet(commandLine);
     addWritable(commandLine);
+    addTemplate(commandLine);
     return commandLine.run(argc, argv);
 }

@@ -12,5 +12,6 @@ void addDiff(CommandLine& commandLine);
 void addExplain(CommandLine& commandLine);
 void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
+void addTemplate(CommandLine& commandLine);
 
 } // namespace Orvant::Tool
