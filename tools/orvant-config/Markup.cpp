@@ -1,5 +1,7 @@
 #include "Markup.h"
 
+#include <sstream>
+
 namespace Orvant::Tool {
 
 namespace {
@@ -71,8 +73,20 @@ void MarkupText::addComment(const std::string& text) {
     addLine("<!-- " + apart + " -->");
 }
 
+void MarkupText::addDocumentation(const std::string& text) {
+    open("xs:annotation");
+    addElement("xs:documentation", text);
+    close();
+}
+
 void MarkupText::addLine(const std::string& line) {
     m_text.append(2 * m_open.size(), ' ') += line + '\n';
+}
+
+void MarkupText::addLines(const std::string& lines) {
+    std::istringstream stream(lines);
+    for (std::string line; std::getline(stream, line);)
+        addLine(line);
 }
 
 } // namespace Orvant::Tool

@@ -24,8 +24,13 @@ public:
     void addElement(const std::string& tag, const std::string& text);
     /// @param text of any characters; what XML does not allow in comments is set apart by blanks
     void addComment(const std::string& text);
+    /// Adds what a schema says to people.
+    void addDocumentation(const std::string& text);
     /// Adds text that is markup itself.
+    /// @{
     void addLine(const std::string& line);
+    void addLines(const std::string& lines);
+    /// @}
 
     const std::string& text() const { return m_text; }
 

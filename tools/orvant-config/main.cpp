@@ -14,5 +14,6 @@ int main(int argc, char* argv[]) {
     addGet(commandLine);
     addWritable(commandLine);
     addTemplate(commandLine);
+    addSchema(commandLine);
     return commandLine.run(argc, argv);
 }

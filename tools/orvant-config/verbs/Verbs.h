@@ -13,5 +13,6 @@ void addExplain(CommandLine& commandLine);
 void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
 void addTemplate(CommandLine& commandLine);
+void addSchema(CommandLine& commandLine);
 
 } // namespace Orvant::Tool
