@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing.
-# usage: bootstrap.sh GROUP...   (build, test, window, check, coverage, docs, packages, benchmark)
+# usage: bootstrap.sh GROUP...   (build, test, window, page, check, coverage, docs, packages, benchmark)
 set -euo pipefail
 
 packages=()
@@ -10,6 +10,7 @@ for group in "$@"; do
                       libspdlog-dev xsdcxx libxml2-utils pkg-config libcli11-dev nlohmann-json3-dev) ;;
     test) packages+=(libgtest-dev libgmock-dev) ;;
     window) packages+=(qt6-base-dev fonts-dejavu-core) ;;
+    page) packages+=(chromium fonts-dejavu-core) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
     check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;

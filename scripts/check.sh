@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/bootstrap.sh build test window check
+scripts/bootstrap.sh build test window page check
 
 echo "== clang-format"
 git ls-files '*.h' '*.cpp' | xargs clang-format-19 --dry-run --Werror

@@ -15,5 +15,6 @@ int main(int argc, char* argv[]) {
     addWritable(commandLine);
     addTemplate(commandLine);
     addSchema(commandLine);
+    addPage(commandLine);
     return commandLine.run(argc, argv);
 }

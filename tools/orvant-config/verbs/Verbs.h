@@ -14,5 +14,6 @@ void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
 void addTemplate(CommandLine& commandLine);
 void addSchema(CommandLine& commandLine);
+void addPage(CommandLine& commandLine);
 
 } // namespace Orvant::Tool
