@@ -10,7 +10,7 @@
 #   HEADERS            declare the classes
 #   OBJECTS            the registered objects: CLASS, which is registered under its own name, or
 #                      CLASS=NAME; with [] at the end where there is one for each key
-#   SOURCES            what else the classes need, where TARGET is a program
+#   SOURCES            what else the classes need, where TARGET is a program; a library is linked
 #   APPLICATION        TARGET unless given
 #   ACCEPTED_VERSIONS  1.0 unless given; the last one is WRITTEN_VERSION unless that is given
 #   SYSTEM_FILE, USER_FILE
@@ -19,17 +19,21 @@
 #   FORMER_PATHS       names in files of earlier versions: View/Zoom=View3D/Camera/Zoom
 #   FORMER_TEXTS       texts in files of earlier versions: View3D/LengthUnit:in=inch
 #
-# The target property ORVANT_CATALOGUE of TARGET is the file.
-include(GNUInstallDirs)
-
+# The target property ORVANT_CATALOGUE of TARGET is the file. A failure leaves the file of the last
+# build. When cross compiling, CMAKE_CROSSCOMPILING_EMULATOR runs the program.
 function(orvant_configuration_catalogue target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "NO_INSTALL"
         "APPLICATION;WRITTEN_VERSION;SYSTEM_FILE;USER_FILE"
         "HEADERS;OBJECTS;SOURCES;ACCEPTED_VERSIONS;FORMER_PATHS;FORMER_TEXTS")
     if(arg_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "orvant_configuration_catalogue: what is ${arg_UNPARSED_ARGUMENTS}?")
+    elseif(arg_KEYWORDS_MISSING_VALUES)
+        message(FATAL_ERROR
+            "orvant_configuration_catalogue: nothing follows ${arg_KEYWORDS_MISSING_VALUES}")
     elseif(NOT arg_HEADERS OR NOT arg_OBJECTS)
         message(FATAL_ERROR "orvant_configuration_catalogue needs HEADERS and OBJECTS")
+    elseif(arg_SYSTEM_FILE AND NOT arg_USER_FILE)
+        message(FATAL_ERROR "orvant_configuration_catalogue: SYSTEM_FILE needs USER_FILE, too")
     endif()
     if(NOT arg_APPLICATION)
         set(arg_APPLICATION ${target})
@@ -41,13 +45,17 @@ function(orvant_configuration_catalogue target)
         list(GET arg_ACCEPTED_VERSIONS -1 arg_WRITTEN_VERSION)
     endif()
 
-    set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}_catalogue.cpp")
     orvant_catalogue_writer(text)
-    file(GENERATE OUTPUT "${source}" CONTENT "${text}")
+    if(NOT TARGET ${target})
+        message(FATAL_ERROR "orvant_configuration_catalogue: there is no target ${target}")
+    endif()
 
     set(writer ${target}_catalogue)
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/${writer}.cpp")
+    file(GENERATE OUTPUT "${source}" CONTENT "${text}")
     add_executable(${writer} "${source}" ${arg_SOURCES})
-    target_compile_features(${writer} PRIVATE cxx_std_20)
+    target_compile_features(${writer} PRIVATE
+        cxx_std_20 $<TARGET_PROPERTY:${target},COMPILE_FEATURES>)
     target_include_directories(${writer} PRIVATE $<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>)
     target_compile_definitions(${writer} PRIVATE $<TARGET_PROPERTY:${target},COMPILE_DEFINITIONS>)
     target_compile_options(${writer} PRIVATE $<TARGET_PROPERTY:${target},COMPILE_OPTIONS>)
@@ -55,20 +63,23 @@ function(orvant_configuration_catalogue target)
     target_link_libraries(${writer} PRIVATE
         Orvant::Service_ConfigurationFramework $<TARGET_PROPERTY:${target},LINK_LIBRARIES>)
     get_target_property(type ${target} TYPE)
-    if(NOT type STREQUAL "EXECUTABLE")
+    if(NOT type MATCHES "^(EXECUTABLE|MODULE_LIBRARY)$") # which nothing can link
         target_link_libraries(${writer} PRIVATE ${target})
     endif()
 
-    set(catalogue "${CMAKE_CURRENT_BINARY_DIR}/catalogues/${arg_APPLICATION}.xml")
+    set(folder "${CMAKE_CURRENT_BINARY_DIR}/catalogues")
+    set(catalogue "${folder}/${arg_APPLICATION}.xml")
+    file(MAKE_DIRECTORY "${folder}")
     add_custom_command(OUTPUT "${catalogue}"
-        COMMAND ${CMAKE_COMMAND} -E make_directory "${CMAKE_CURRENT_BINARY_DIR}/catalogues"
-        COMMAND ${writer} "${catalogue}"
+        COMMAND ${writer} "${catalogue}.new"
+        COMMAND "${CMAKE_COMMAND}" -E rename "${catalogue}.new" "${catalogue}"
         DEPENDS ${writer}
         COMMENT "Writing the catalogue of ${arg_APPLICATION}"
         VERBATIM)
-    add_custom_target(${target}_catalogue_file ALL DEPENDS "${catalogue}")
+    add_custom_target(${writer}_file ALL DEPENDS "${catalogue}")
     set_target_properties(${target} PROPERTIES ORVANT_CATALOGUE "${catalogue}")
     if(NOT arg_NO_INSTALL)
+        include(GNUInstallDirs) # when a language is known, which need not be so in find_package()
         install(FILES "${catalogue}" DESTINATION "${CMAKE_INSTALL_DATADIR}/orvant/catalogues")
     endif()
 endfunction()
@@ -101,7 +112,7 @@ function(orvant_catalogue_writer result)
         string(APPEND calls "        catalogue.setFiles(${system}, ${user});\n")
     endif()
     foreach(object IN LISTS arg_OBJECTS)
-        if(NOT object MATCHES "^([^=]+[^]=[])(=([^=[]+))?(\\[\\])?$")
+        if(NOT object MATCHES "^([^]=[]+)(=([^]=[]+))?(\\[\\])?$")
             message(FATAL_ERROR "orvant_configuration_catalogue: ${object} is not CLASS, CLASS=NAME, "
                 "CLASS[] or CLASS=NAME[]")
         endif()
@@ -121,19 +132,23 @@ function(orvant_catalogue_writer result)
         if(NOT former MATCHES "^([^=]+)=([^=]+)$")
             message(FATAL_ERROR "orvant_configuration_catalogue: ${former} is not FORMER=NOW")
         endif()
-        string(APPEND calls
-            "        catalogue.addFormerPath(\"${CMAKE_MATCH_1}\", \"${CMAKE_MATCH_2}\");\n")
+        set(now "${CMAKE_MATCH_2}")
+        orvant_literal(path "${CMAKE_MATCH_1}")
+        orvant_literal(now "${now}")
+        string(APPEND calls "        catalogue.addFormerPath(${path}, ${now});\n")
     endforeach()
     foreach(former IN LISTS arg_FORMER_TEXTS)
         if(NOT former MATCHES "^([^:=]+):([^=]*)=(.*)$")
             message(FATAL_ERROR "orvant_configuration_catalogue: ${former} is not PATH:FORMER=NOW")
         endif()
-        set(path "${CMAKE_MATCH_1}")
-        orvant_literal(now "${CMAKE_MATCH_3}")
-        orvant_literal(text "${CMAKE_MATCH_2}")
-        string(APPEND calls "        catalogue.addFormerText(\"${path}\", ${text}, ${now});\n")
+        set(text "${CMAKE_MATCH_2}")
+        set(now "${CMAKE_MATCH_3}")
+        orvant_literal(path "${CMAKE_MATCH_1}")
+        orvant_literal(text "${text}")
+        orvant_literal(now "${now}")
+        string(APPEND calls "        catalogue.addFormerText(${path}, ${text}, ${now});\n")
     endforeach()
-    set(${result} "// Writes the catalogue of ${arg_APPLICATION}. Generated by CMake.
+    set(${result} "// Writes the catalogue of an application. Generated by CMake.
 #include <ConfigurationFramework/ConfigurationCatalogue.h>
 
 #include <exception>
@@ -148,7 +163,8 @@ ${calls}        std::ofstream file(argv[1], std::ios::binary);
         catalogue.write(file);
         return 0;
     } catch (const std::exception& e) {
-        std::cerr << \"The catalogue of ${arg_APPLICATION} was not written: \" << e.what() << '\\n';
+        std::cerr << \"The catalogue of \" << ${application} << \" was not written: \" << e.what()
+                  << '\\n';
         return 1;
     }
 }

@@ -1,10 +1,13 @@
-# What `cmake --install` puts where: libraries, public headers, CMake package, pkg-config file. The
+# What `cmake --install` puts where: libraries, public headers, CMake package, pkg-config file, tool. The
 # tree can be moved: nothing in it names the place where it was installed.
 include(CMakePackageConfigHelpers)
 
 set(orvant_package "${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME}")
 # A folder of our own: names such as <Logging/Logging.h> must not clash with a system's headers.
 set(orvant_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvant")
+set(ORVANT_ZSH_COMPLETIONS "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" CACHE STRING
+    "Folder for completions of zsh; Debian has ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+mark_as_advanced(ORVANT_ZSH_COMPLETIONS)
 
 # orvant_install_library(TARGET INCLUDE_ROOTS ROOT ... [HEADERS HEADER ...]): HEADERs are written as they
 # are included. Without any, only the libraries themselves link the library.
@@ -40,6 +43,30 @@ function(orvant_install_library target)
     endforeach()
 endfunction()
 
+# orvant_install_tool(TARGET MAN_PAGES PAGE ... BASH FILE ZSH FILE FISH FILE): a program, with its man
+# pages and completions, which is called like TARGET.
+function(orvant_install_tool target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "BASH;ZSH;FISH" "MAN_PAGES")
+    if(NOT ORVANT_INSTALL)
+        return()
+    endif()
+    file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set_target_properties(${target} PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${libraries};${CMAKE_INSTALL_RPATH}")
+    set(tool COMPONENT ConfigurationFramework_Tool)
+    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" ${tool})
+    foreach(page IN LISTS arg_MAN_PAGES)
+        cmake_path(GET page EXTENSION LAST_ONLY section)
+        string(REPLACE "." "man" section "${section}")
+        install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/${section}" ${tool})
+    endforeach()
+    install(FILES "${arg_BASH}" RENAME ${target}
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" ${tool})
+    install(FILES "${arg_ZSH}" RENAME _${target} DESTINATION "${ORVANT_ZSH_COMPLETIONS}" ${tool})
+    install(FILES "${arg_FISH}" RENAME ${target}.fish
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" ${tool})
+endfunction()
+
 # orvant_install_package(): the CMake package and the pkg-config file of what was installed.
 function(orvant_install_package)
     if(NOT ORVANT_INSTALL)
@@ -59,7 +86,7 @@ function(orvant_install_package)
     configure_package_config_file("${cmake_dir}/PackageConfig.cmake.in" "${config}"
         INSTALL_DESTINATION "${orvant_package}")
     write_basic_package_version_file("${version}" COMPATIBILITY SameMajorVersion)
-    install(FILES "${config}" "${version}" DESTINATION "${orvant_package}"
+    install(FILES "${config}" "${version}" "${cmake_dir}/OrvantCatalogue.cmake" DESTINATION "${orvant_package}"
         COMPONENT ConfigurationFramework_Development)
     install(EXPORT ${PROJECT_NAME} NAMESPACE Orvant:: FILE ${PROJECT_NAME}Targets.cmake
         DESTINATION "${orvant_package}" COMPONENT ConfigurationFramework_Development)

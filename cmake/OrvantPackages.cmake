@@ -1,5 +1,5 @@
 # Debian packages by `cpack -G DEB`, as scripts/debian.sh calls it: one to run applications, one to
-# build them.
+# build them, and the administrator's tool.
 set(runtime libservice-configurationframework${PROJECT_VERSION_MAJOR})
 set(development libservice-configurationframework-dev)
 
@@ -9,6 +9,9 @@ set(CPACK_PACKAGE_CONTACT "Orvant <configuration@orvant.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Settings of an engineering suite's desktop applications")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL ConfigurationFramework_Runtime ConfigurationFramework_Development)
+if(ORVANT_BUILD_TOOLS)
+    list(APPEND CPACK_COMPONENTS_ALL ConfigurationFramework_Tool)
+endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -30,5 +33,16 @@ set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_DEVELOPMENT_PACKAGE_DEPENDS
     "${runtime} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libboost-dev, libxerces-c-dev, xsdcxx")
 set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_DEVELOPMENT_DESCRIPTION
     "Headers, CMake package and pkg-config file to build applications with.")
+
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_TOOL_PACKAGE_NAME orvant-config)
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_TOOL_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_TOOL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_CONFIGURATIONFRAMEWORK_TOOL_PACKAGE_DEPENDS
+    "${runtime} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+# It links the libraries of another of these packages.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+    "${PROJECT_BINARY_DIR}/AppTools/Service" "${PROJECT_BINARY_DIR}/AppTools/Service/ConfigurationFramework")
+set(CPACK_COMPONENT_CONFIGURATIONFRAMEWORK_TOOL_DESCRIPTION
+    "Lists, explains, checks, edits and locks applications' settings for administrators.")
 
 include(CPack)

@@ -8,12 +8,12 @@ for group in "$@"; do
     case "$group" in
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
                       libspdlog-dev xsdcxx libxml2-utils pkg-config libcli11-dev nlohmann-json3-dev) ;;
-    test) packages+=(libgtest-dev libgmock-dev) ;;
+    test) packages+=(libgtest-dev libgmock-dev mandoc) ;;
     window) packages+=(qt6-base-dev fonts-dejavu-core) ;;
     page) packages+=(chromium fonts-dejavu-core) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
                           libxml2-dev python3) ;;
-    check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen) ;;
+    check) packages+=(clang-19 libclang-rt-19-dev clang-tidy-19 clang-format-19 doxygen zsh fish) ;;
     coverage) packages+=(gcovr) ;;
     docs) packages+=(doxygen) ;;
     packages) packages+=(dpkg-dev file mmdebstrap) ;;

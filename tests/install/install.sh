@@ -12,7 +12,8 @@ if grep -rIl -e "$build" -e "$tree.first" "$tree"; then
     echo "These files name the place that they were built in or installed to" >&2
     exit 1
 fi
-if ! find "$tree" ! -type d -printf '%P\n' | LC_ALL=C sort | diff -u "$expected" -; then
+find "$tree" ! -type d -printf '%P\n' | LC_ALL=C sort >"$tree.files"
+if ! LC_ALL=C sort "$expected" | diff -u - "$tree.files"; then
     echo "Not what is to be installed. If it is, the list is in tests/install/files.txt.in" >&2
     exit 1
 fi

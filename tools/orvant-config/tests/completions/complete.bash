@@ -1,0 +1,10 @@
+# Prints what bash proposes for a command line, without quotes.
+# usage: bash complete.bash COMPLETION LINE
+compopt() { [[ $* == '-o default' ]] && files=yes; }
+source "$1"
+read -ra COMP_WORDS <<<"$2"
+[[ $2 != *' ' ]] || COMP_WORDS+=('')
+COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+_orvant_config
+[ -z "${files:-}" ] || mapfile -t COMPREPLY < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
+[ ${#COMPREPLY[@]} -eq 0 ] || printf '%s\n' "${COMPREPLY[@]//\\/}"
