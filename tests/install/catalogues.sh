@@ -46,5 +46,46 @@ Till/Number
 END
 
 echo "== What the files say"
-head -n 9 "$build/catalogues/market.xml"
-grep -o '<accepts [^>]*>\|<files [^>]*>\|<formerly [^>]*>\|writtenVersion="[^"]*"' "$build/catalogues/"*.xml
+said='<(accepts|files|formerly) [^>]*>|writtenVersion="[^"]*"'
+(cd "$build/catalogues" && grep -Eo "$said" *.xml) | diff /dev/fd/3 - 3<<'END'
+kiosk.xml:writtenVersion="1.0"
+kiosk.xml:<accepts version="1.0"/>
+kiosk.xml:<files user="/var/lib/kiosk/till.xml"/>
+market.xml:writtenVersion="2.0"
+market.xml:<accepts version="2.0"/>
+market.xml:<accepts version="1.0"/>
+market.xml:<files system="/etc/market/site.xml" user="~/.market.xml"/>
+shop.xml:writtenVersion="1.1"
+shop.xml:<accepts version="1.0"/>
+shop.xml:<accepts version="1.1"/>
+shop.xml:<formerly now="Shop" path="Sales"/>
+shop.xml:<formerly now="Shop/Currency" path="Sales/Unit"/>
+shop.xml:<formerly nowText="Euro &quot;new&quot;" path="Shop/Currency" text="EUR"/>
+shop.xml:<formerly nowText="none" path="Shop/Currency" text=""/>
+END
+
+echo "== A writer that fails leaves the catalogue of before"
+configure "$build" -DFORMER_PATH=Sales=Market
+! "$cmake" --build "$build" >"$work/log" 2>&1 || failed "There is no Market, but the build went on"
+grep -qF 'The catalogue of shop was not written: there is no "Market" that had another name' "$work/log" ||
+    failed "$(cat "$work/log")"
+[ "$before" = "$(md5sum "$build/catalogues/"*)" ]
+
+echo "== Cross compiled"
+build="$work/cross compiled"
+printf '#!/bin/sh\necho "$@" >>"%s/emulated"\nexec "$@"\n' "$work" >"$work/emulator"
+chmod +x "$work/emulator"
+configure "$build" -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_CROSSCOMPILING_EMULATOR="$work/emulator"
+"$cmake" --build "$build" --target shop_catalogue_file >/dev/null
+[ "$(cat "$work/emulated")" = "$build/shop_catalogue $build/catalogues/shop.xml.new" ]
+diff -r "$build/catalogues/shop.xml" "$work/its build/catalogues/shop.xml"
+
+echo "== Several configurations"
+build="$work/several configurations"
+options=("${@/#-G*/-GNinja Multi-Config}")
+configure "$build"
+for configuration in Debug Release; do
+    "$cmake" --build "$build" --config $configuration --target shop_catalogue_file >/dev/null
+    diff "$build/catalogues/shop.xml" "$work/its build/catalogues/shop.xml"
+    rm "$build/catalogues/shop.xml"
+done
