@@ -7,7 +7,7 @@
 # share/orvant/catalogues/NAME.xml, where orvant-config finds it. A small program writes it: it
 # includes HEADERS, makes an object of each class in OBJECTS, and is compiled and linked like TARGET.
 #
-#   HEADERS            declare the classes
+#   HEADERS            declare the classes: files, or <FOLDER/HEADER.h> of a library that TARGET uses
 #   OBJECTS            the registered objects: CLASS, which is registered under its own name, or
 #                      CLASS=NAME; with [] at the end where there is one for each key
 #   SOURCES            what else the classes need, where TARGET is a program; a library is linked
@@ -95,8 +95,11 @@ endfunction()
 function(orvant_catalogue_writer result)
     set(includes "")
     foreach(header IN LISTS arg_HEADERS)
-        cmake_path(ABSOLUTE_PATH header BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
-        string(APPEND includes "#include \"${header}\"\n")
+        if(NOT header MATCHES "^<.+>$")
+            cmake_path(ABSOLUTE_PATH header BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
+            set(header "\"${header}\"")
+        endif()
+        string(APPEND includes "#include ${header}\n")
     endforeach()
     orvant_literal(application "${arg_APPLICATION}")
     orvant_literal(written "${arg_WRITTEN_VERSION}")

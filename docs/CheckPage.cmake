@@ -7,9 +7,14 @@
 #
 #   <!-- listing: examples/first_settings/first_settings.cpp [declare] -->
 #
-# In the source, the listing is between two lines "//! [declare]"; the indentation of its first line
-# is removed from all. Without a name, the whole file is the listing. A block of C++, XML or CMake
-# without a source is an error.
+# In the source, the listing is between two lines "//! [declare]", in CMake "# //! [declare]"; the indentation of its first line
+# is removed from all. Without a name, the whole file is the listing. A block of C++, XML, CMake or a
+# session without a source is an error.
+#
+#   <!-- session: tools/orvant-config/tests/sessions/list.txt -->
+#
+# names a session that a test runs. The block shows commands of it ("$ ") that follow each other, each with
+# everything that it prints.
 cmake_minimum_required(VERSION 3.25)
 
 # Errors come wrapped at blanks; the plain line can be searched.
@@ -51,7 +56,7 @@ function(read_listing file name result)
     if(NOT found_begin OR NOT found_end)
         message(FATAL_ERROR "${file} has no listing [${name}]")
     endif()
-    string(REGEX REPLACE " +$" "" listing "${listing}") # that of the end marker
+    string(REGEX REPLACE "[# ]+$" "" listing "${listing}") # that of the end marker
     if(listing MATCHES "^ +")
         string(REPLACE "\n${CMAKE_MATCH_0}" "\n" listing "\n${listing}")
         string(SUBSTRING "${listing}" 1 -1 listing)
@@ -66,9 +71,18 @@ function(check_listing language block source name)
             message("--- in ${PAGE}\n${block}--- in ${source} [${name}]\n${listing}---")
             report("A listing of ${PAGE} is not what ${source} holds")
         endif()
-    elseif(language MATCHES "^(cpp|xml|cmake)$")
+    elseif(language MATCHES "^(cpp|xml|cmake|console)$")
         message("${block}")
         report("This ${language} listing of ${PAGE} has no source")
+    endif()
+endfunction()
+
+function(check_session block source)
+    file(READ "${ROOT}/${source}" session)
+    string(FIND "\n${session}$ " "\n${block}$ " position)
+    if(position EQUAL -1 OR NOT block MATCHES "^\\$ ")
+        message("--- in ${PAGE}\n${block}--- in ${source}\n${session}---")
+        report("A session of ${PAGE} is not one of ${source}")
     endif()
 endfunction()
 
@@ -95,7 +109,11 @@ function(check_listings result)
             set(source "${CMAKE_MATCH_1}")
             set(name "${CMAKE_MATCH_3}")
         endif()
-        check_listing("${language}" "${block}" "${source}" "${name}")
+        if(line_before MATCHES "^<!-- session: ([^ ]+) -->$")
+            check_session("${block}" "${CMAKE_MATCH_1}")
+        else()
+            check_listing("${language}" "${block}" "${source}" "${name}")
+        endif()
         string(APPEND prose "${before}\n")
     endwhile()
     set(${result} "${prose}${text}" PARENT_SCOPE)

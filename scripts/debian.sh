@@ -10,7 +10,8 @@ scripts/bootstrap.sh build packages
 build=build/debian
 packages=$build/packages
 cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON \
-    -DORVANT_BUILD_TESTS=OFF -DORVANT_BUILD_EXAMPLES=OFF >/dev/null
+    -DORVANT_BUILD_TESTS=OFF -DORVANT_BUILD_EXAMPLES=OFF \
+    -DORVANT_ZSH_COMPLETIONS=share/zsh/vendor-completions >/dev/null
 cmake --build "$build"
 rm -rf "$packages"
 cpack -G DEB --config "$build/CPackConfig.cmake" -B "$packages" >/dev/null
@@ -26,26 +27,38 @@ runtime_name=libservice-configurationframework${version%%.*}
 suffix=${version}-1_$(dpkg --print-architecture).deb
 runtime=$packages/${runtime_name}_$suffix
 development=$packages/libservice-configurationframework-dev_$suffix
-printf '%s\n' "$development" "$runtime" >"$work/names"
+tool=$packages/orvant-config_$suffix
+printf '%s\n' "$development" "$runtime" "$tool" >"$work/names"
 ls "$packages"/* >"$work/made"
 same names made "These are not the packages that there should be"
 
 echo "== Contents"
-# What cmake installs, each file in one of the packages: libraries here, all else there.
+# What cmake installs, each file in one of the packages: libraries, the tool with its manual and
+# completions, all else.
 sed -e "s|@CMAKE_INSTALL_LIBDIR@|usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)|" \
     -e 's|@CMAKE_INSTALL_INCLUDEDIR@|usr/include|' -e 's|@configuration@|relwithdebinfo|' \
+    -e 's|@CMAKE_INSTALL_BINDIR@|usr/bin|' -e 's|@CMAKE_INSTALL_MANDIR@|usr/share/man|' \
+    -e 's|@CMAKE_INSTALL_DATADIR@|usr/share|' \
+    -e 's|@ORVANT_ZSH_COMPLETIONS@|usr/share/zsh/vendor-completions|' \
     -e "s|@PROJECT_VERSION@|$version|" -e "s|@PROJECT_VERSION_MAJOR@|${version%%.*}|" \
     tests/install/files.txt.in >"$work/files"
 contents() { dpkg-deb --fsys-tarfile "$1" | tar -t | sed -n 's|^\./\(.*[^/]\)$|\1|p' | LC_ALL=C sort; }
-for package in runtime development; do
-    [ $package = runtime ] && option=-e || option=-ve
-    grep "$option" '\.so\.' "$work/files" | LC_ALL=C sort >"$work/expected"
+for package in runtime tool development; do
+    case $package in
+    runtime) options=(-e '\.so\.') ;;
+    tool) options=(-e 'orvant-config') ;;
+    development) options=(-v -e '\.so\.' -e 'orvant-config') ;;
+    esac
+    grep "${options[@]}" "$work/files" | LC_ALL=C sort >"$work/expected"
     contents "${!package}" >"$work/contained"
     same expected contained "${!package} has other contents"
 done
 
-[[ "$(dpkg-deb -f "$development" Depends)," == "$runtime_name (= $version-1),"* ]] ||
-    failed "$development does not depend on the runtime package of its version"
+for package in "$development" "$tool"; do
+    [[ "$(dpkg-deb -f "$package" Depends)," == "$runtime_name (= $version-1),"* ]] ||
+        failed "$package does not depend on the runtime package of its version"
+done
+[ "$(dpkg-deb -f "$tool" Section)" = admin ] || failed "$tool is in another section"
 
 echo "== In a clean Debian"
 if [ "$(id -u)" -ne 0 ]; then
@@ -71,13 +84,13 @@ fi
 apt-config dump | grep -E '^Acquire::(http|https|Check|Retries)' >"$work/apt.conf" || true
 
 mkdir "$work/repository" "$work/programs"
-cp "$runtime" "$development" "$work/repository"
+cp "$runtime" "$development" "$tool" "$work/repository"
 (cd "$work/repository" && dpkg-scanpackages . >Packages 2>/dev/null)
-cp -r tests/install/application examples/first_settings "$work/programs"
+cp -r tests/install/application tests/install/catalogues examples/first_settings "$work/programs"
 cp tests/install/in_clean_debian.sh tests/install/pkgconfig.sh "$work/programs"
 # Everything is in a folder that mmdebstrap makes and removes.
 mmdebstrap --quiet --variant=apt --format=null --aptopt="$work/apt.conf" \
-    --include=libservice-configurationframework-dev,g++,cmake,make,pkg-config \
+    --include=libservice-configurationframework-dev,orvant-config,g++,cmake,make,pkg-config \
     --customize-hook="copy-in $work/programs /root" \
     --customize-hook="chroot \"\$1\" sh /root/programs/in_clean_debian.sh $runtime_name" \
     "$release" /dev/null "$work/sources.list" "deb [trusted=yes] copy:$work/repository ./"

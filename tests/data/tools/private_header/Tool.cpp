@@ -1,0 +1,2 @@
+#include <ConfigurationFramework/ConfigurationManager.h>
+#include <ConfigurationFramework/files/RegularFile.h>
