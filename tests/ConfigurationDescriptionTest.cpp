@@ -107,7 +107,8 @@ TEST(ConfigurationDescriptionTest, RefusesADefaultThatIsNotOfItsTypeOrRule) {
 TEST(ConfigurationDescriptionTest, MakesObjectsThatOutliveIt) {
     std::unique_ptr<ConfigurationObject> object;
     {
-        ConfigurationObjectDescription description{.name = "O", .description = "Words"};
+        ConfigurationObjectDescription description{
+            .name = "O", .description = "Words", .children = {}};
         description.values.push_back(describe(Base::IntValue, "7"));
         description.values.back().isEditable = false;
         description.children.push_back(
@@ -124,7 +125,7 @@ TEST(ConfigurationDescriptionTest, MakesObjectsThatOutliveIt) {
 }
 
 TEST(ConfigurationDescriptionTest, RefusesNamesThatXmlDoesNotAllow) {
-    ConfigurationObjectDescription description{.name = "a b", .description = ""};
+    ConfigurationObjectDescription description{.name = "a b", .description = "", .children = {}};
     EXPECT_THROW((void)description.makeObject(), std::invalid_argument);
     description.name = "O";
     description.children.push_back({.object = {.name = "", .description = ""}, .isKind = true});

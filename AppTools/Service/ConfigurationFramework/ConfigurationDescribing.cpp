@@ -105,7 +105,8 @@ Object ElementDescribing::describe(ConfigurationObject& object) {
                        .description = object.getDescription(),
                        .persistence = object.getPersistenceType(),
                        .products = object.getProductType(),
-                       .isEditable = object.isEditable()};
+                       .isEditable = object.isEditable(),
+                       .children = {}};
     for (auto value = object.beginValueIterator(); value != object.endValueIterator(); ++value) {
         auto described = Orvant::describe(**value);
         if (!described)
@@ -179,7 +180,8 @@ void ElementDescribing::addOther(const WrittenElement& written, Object& descript
         description.values.push_back(describeText(written));
         return;
     }
-    Object group{.name = toUtf8(written.id.tag), .description = toUtf8(written.comment)};
+    Object group{
+        .name = toUtf8(written.id.tag), .description = toUtf8(written.comment), .children = {}};
     if (written.isGroup())
         ElementDescribing(&written).addOthers(group);
     description.children.push_back(

@@ -68,7 +68,8 @@ struct ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationObjectDescription {
     ConfigurationItemBase::ProductType products = ConfigurationItemBase::AllProducts;
     bool isEditable = true; ///< false: its class locks it when it is constructed
     std::vector<ConfigurationValueDescription> values = {}; ///< in the order of saving
-    std::vector<Child> children = {};                       ///< in the order of saving
+    // Without an initialiser: Clang would need the class below for it.
+    std::vector<Child> children; ///< in the order of saving
 
     /// @return an object with that description, which loads, merges and saves like the one that was
     ///         described. It keeps a copy of the description.

@@ -26,7 +26,7 @@ constexpr const char* roundedToFloat = "0.09999999999"; ///< to the same as 0.1
 
 /// Values with all kinds of rules.
 ConfigurationObjectDescription makeRules() {
-    ConfigurationObjectDescription rules{.name = "Rules", .description = "Rules"};
+    ConfigurationObjectDescription rules{.name = "Rules", .description = "Rules", .children = {}};
     const std::vector<ConfigurationChoice> numbers = {{"1", "One"}, {"4294967295", "Most"}};
     rules.values = {
         Support::makeValue("Int", Base::IntValue, "0"),
@@ -369,15 +369,15 @@ TEST_F(FileSchemaTest, RefusesWhatItSaysItCannotAccept) {
 }
 
 TEST_F(FileSchemaTest, LeavesOpenWhatHasSeveralMeaningsOrAColonInItsName) {
-    ConfigurationObjectDescription object{.name = "Object", .description = ""};
+    ConfigurationObjectDescription object{.name = "Object", .description = "", .children = {}};
     object.values = {Support::makeValue("Twice", Base::IntValue, "1"),
                      Support::makeText("Once", "")};
-    ConfigurationObjectDescription other{.name = "Twice", .description = ""};
+    ConfigurationObjectDescription other{.name = "Twice", .description = "", .children = {}};
     other.values = {Support::makeText("Text", "")};
     object.children = {{.object = other}};
     ConfigurationCatalogue catalogue("open", {"1.0"}, "1.0");
     catalogue.add({object}, "Object");
-    ConfigurationObjectDescription named{.name = "Named", .description = ""};
+    ConfigurationObjectDescription named{.name = "Named", .description = "", .children = {}};
     named.values = {Support::makeValue("a:b", Base::IntValue, "1")};
     catalogue.add({named}, "Named");
     const FileName schema = m_directory.file("open.xsd", makeSchema(catalogue));

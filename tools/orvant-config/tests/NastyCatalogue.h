@@ -35,7 +35,8 @@ inline ValueDescription makeList(const std::string& name, const std::vector<std:
 
 /// Texts that are hard to write, in comments most of all.
 inline ObjectDescription makeTexts() {
-    ObjectDescription texts{.name = "Texts", .description = "Texts -- and -->more\nof them-"};
+    ObjectDescription texts{
+        .name = "Texts", .description = "Texts -- and -->more\nof them-", .children = {}};
     const std::vector<std::string> hard = {
         "",  "<b>&amp;</b>", "--",    "-",      "---->", "-->",  "\"quoted\" 'too'", "  leading",
         " ", "two\nlines",   "\ttab", "\r\n\r", "]]>",   "ä€😀", "<!--<a>-->",       "&#45;"};
@@ -51,7 +52,7 @@ inline ObjectDescription makeTexts() {
 /// Numbers with all their digits, and at the limits of their types.
 inline ObjectDescription makeNumbers() {
     using Base = ConfigurationValueBase;
-    ObjectDescription numbers{.name = "Numbers--all", .description = "Numbers"};
+    ObjectDescription numbers{.name = "Numbers--all", .description = "Numbers", .children = {}};
     numbers.values = {makeValue("Int", Base::IntValue, "-2147483648"),
                       makeValue("Unsigned", Base::UnsignedIntValue, "4294967295"),
                       makeValue("Middle", Base::UnsignedIntValue, "2147483648"),
@@ -66,7 +67,7 @@ inline ObjectDescription makeNumbers() {
 }
 
 inline ObjectDescription makeMachine() {
-    ObjectDescription machine{.name = "Machine", .description = "A machine"};
+    ObjectDescription machine{.name = "Machine", .description = "A machine", .children = {}};
     machine.values = {makeValue("MaxFeed", ConfigurationValueBase::IntValue, "5000",
                                 {.label = "Feed", .minimum = "1", .maximum = "20000"})};
     return machine;
@@ -74,17 +75,17 @@ inline ObjectDescription makeMachine() {
 
 /// What objects can be in objects, with lists of one name at several depths.
 inline ObjectDescription makeNested() {
-    ObjectDescription camera{.name = "Camera", .description = ""};
+    ObjectDescription camera{.name = "Camera", .description = "", .children = {}};
     camera.values = {makeList("Recent", {"inner"}), makeText("Lens", "wide")};
-    ObjectDescription stored{.name = "", .description = ""};
+    ObjectDescription stored{.name = "", .description = "", .children = {}};
     stored.values = {makeList("Recent", {"outer"}), makeText("Inline", "yes")};
     stored.children = {{.object = makeMachine(), .isKind = true}};
-    ObjectDescription keyed{.name = "Printer", .description = ""};
+    ObjectDescription keyed{.name = "Printer", .description = "", .children = {}};
     keyed.values = {makeText("Paper", "A4")};
-    ObjectDescription unloaded{.name = "Unloaded", .description = ""};
+    ObjectDescription unloaded{.name = "Unloaded", .description = "", .children = {}};
     unloaded.persistence = ConfigurationItemBase::SaveOnly;
     unloaded.values = {makeText("Text", "saved")};
-    ObjectDescription nested{.name = "Nested", .description = "Objects in objects"};
+    ObjectDescription nested{.name = "Nested", .description = "Objects in objects", .children = {}};
     ValueDescription saved = makeText("Saved", "only");
     saved.persistence = ConfigurationItemBase::SaveOnly;
     ValueDescription locked = makeText("Locked", "by its class");
