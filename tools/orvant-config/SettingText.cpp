@@ -1,6 +1,20 @@
 #include "SettingText.h"
 
+#include <charconv>
+#include <system_error>
+
 namespace Orvant::Tool {
+
+namespace {
+
+/// Whether a text is a number, and nothing else.
+bool isWholly(const std::string& text, int& number) {
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end;
+}
+
+} // namespace
 
 std::string typeText(ConfigurationValueBase::ValueType type) {
     switch (type) {
@@ -22,10 +36,24 @@ std::string typeText(ConfigurationValueBase::ValueType type) {
 }
 
 std::string defaultText(const ConfigurationValueDescription& value) {
+    return valueText(value, value.defaultTexts);
+}
+
+std::vector<std::string> readableTexts(const ConfigurationValueDescription& value,
+                                       std::vector<std::string> texts) {
+    int number = 0; // files have unsigned numbers as signed ones
+    if (value.type == ConfigurationValueBase::UnsignedIntValue && texts.front().starts_with('-') &&
+        isWholly(texts.front(), number))
+        texts.front() = std::to_string(static_cast<unsigned int>(number));
+    return texts;
+}
+
+std::string valueText(const ConfigurationValueDescription& value,
+                      const std::vector<std::string>& texts) {
     if (!value.isList())
-        return valueText(value, value.defaultTexts.front());
+        return valueText(value, readableTexts(value, texts).front());
     std::string text;
-    for (const std::string& item : value.defaultTexts)
+    for (const std::string& item : texts)
         text += (text.empty() ? "\"" : ", \"") + item + '"';
     return valueText(value, text);
 }

@@ -13,6 +13,8 @@ int main(int argc, char* argv[]) {
     addExplain(commandLine);
     addGet(commandLine);
     addWritable(commandLine);
+    addSet(commandLine);
+    addLock(commandLine);
     addTemplate(commandLine);
     addSchema(commandLine);
     addPage(commandLine);

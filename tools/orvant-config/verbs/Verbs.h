@@ -12,6 +12,8 @@ void addDiff(CommandLine& commandLine);
 void addExplain(CommandLine& commandLine);
 void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
+void addSet(CommandLine& commandLine);
+void addLock(CommandLine& commandLine);
 void addTemplate(CommandLine& commandLine);
 void addSchema(CommandLine& commandLine);
 void addPage(CommandLine& commandLine);
