@@ -15,6 +15,7 @@ int main(int argc, char* argv[]) {
     addWritable(commandLine);
     addSet(commandLine);
     addLock(commandLine);
+    addMigrate(commandLine);
     addTemplate(commandLine);
     addSchema(commandLine);
     addPage(commandLine);

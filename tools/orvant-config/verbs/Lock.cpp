@@ -23,7 +23,7 @@ Texts defaultTextsOf(const ConfigurationValueDescription& value) {
 /// What a load takes from an element.
 /// @return nothing when it takes nothing
 std::optional<Texts> validTextsAt(const FileEdit& edit, const ConfigurationElementPath& place) {
-    auto texts = edit.textsAt(place);
+    auto texts = textsAt(edit.editor(), place, *edit.item().value);
     if (texts && !edit.item().value->problemOf(*texts).empty())
         texts.reset();
     return texts;
@@ -35,7 +35,7 @@ std::string provideText(FileEdit& edit) {
     const ConfigurationValueDescription& value = *edit.item().value;
     if (const auto texts = validTextsAt(edit, edit.place()))
         return valueText(value, *texts);
-    const auto unusable = edit.textsAt(edit.place());
+    const auto unusable = textsAt(edit.editor(), edit.place(), value);
     if (unusable && !unusable->empty() && !unusable->front().empty()) {
         edit.note("what the file says is not used: " + value.problemOf(*unusable));
         return defaultText(value);
@@ -64,9 +64,9 @@ ExitCode lock(Session& session, const std::string& path) {
         locked += " at " + provideText(edit);
     else
         edit.makeObject();
-    const bool wasLocked = edit.isLocked(edit.place());
+    const bool wasLocked = isLocked(edit.editor(), edit.place());
     edit.editor().setLocked(edit.place(), true);
-    const auto around = edit.lockAround(edit.place());
+    const auto around = lockAround(edit.editor(), edit.place());
     if (around)
         edit.note(textOf(*around) + ", which it is in, is locked, too");
     edit.finish((wasLocked ? "was " : "is ") + locked + (wasLocked ? " already" : ""),
@@ -75,10 +75,10 @@ ExitCode lock(Session& session, const std::string& path) {
 }
 
 /// The locks in an object.
-std::vector<std::string> locksIn(const FileEdit& edit, const ConfigurationFileEditor& editor) {
+std::vector<std::string> locksIn(const FileEdit& edit) {
     std::vector<std::string> locks;
-    editor.visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
-        if (edit.isLocked(place))
+    edit.editor().visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
+        if (isLocked(edit.editor(), place))
             locks.push_back(textOf(place));
     });
     return locks;
@@ -86,9 +86,9 @@ std::vector<std::string> locksIn(const FileEdit& edit, const ConfigurationFileEd
 
 /// What keeps a setting locked when its element is not.
 std::optional<ConfigurationElementPath> lockBesides(const FileEdit& edit) {
-    if (auto around = edit.lockAround(edit.countingPlace()))
+    if (auto around = lockAround(edit.editor(), edit.countingPlace()))
         return around;
-    if (edit.countingPlace() != edit.place() && edit.isLocked(edit.countingPlace()))
+    if (edit.countingPlace() != edit.place() && isLocked(edit.editor(), edit.countingPlace()))
         return edit.countingPlace();
     return std::nullopt;
 }
@@ -98,9 +98,9 @@ ExitCode unlock(Session& session, const std::string& path) {
     if (edit.item().isLockedByClass)
         throw Failure(ExitCode::Findings,
                       path + " is locked by the application, whatever the file says");
-    const bool wasLocked = edit.isLocked(edit.place());
+    const bool wasLocked = isLocked(edit.editor(), edit.place());
     edit.editor().setLocked(edit.place(), false);
-    for (const std::string& lock : locksIn(edit, edit.editor()))
+    for (const std::string& lock : locksIn(edit))
         edit.note(lock + ", which is in it, stays locked");
     const auto other = lockBesides(edit);
     std::string sentence = wasLocked ? "is not locked any more" : "was not locked";

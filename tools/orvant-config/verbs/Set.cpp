@@ -72,7 +72,7 @@ ExitCode set(Session& session, const SetOptions& options) {
     const Texts texts = textsOf(value, options);
 
     FileEdit edit(session, std::move(found));
-    const auto former = edit.textsAt(edit.place());
+    const auto former = textsAt(edit.editor(), edit.place(), value);
     edit.setTexts(texts);
     if (!value.constraint.condition.empty())
         edit.note("only the application can tell whether it is " + value.constraint.condition);
@@ -87,8 +87,9 @@ ExitCode set(Session& session, const SetOptions& options) {
 ExitCode unset(Session& session, const std::string& path) {
     FileEdit edit(session, session.find(path));
     const CatalogueItem& item = edit.item();
-    const auto former = item.value == nullptr ? std::nullopt : edit.textsAt(edit.place());
-    const bool wasLocked = edit.isLocked(edit.place());
+    const auto former =
+        item.value == nullptr ? std::nullopt : textsAt(edit.editor(), edit.place(), *item.value);
+    const bool wasLocked = isLocked(edit.editor(), edit.place());
     const bool isRemoved = edit.editor().remove(
         edit.place(), item.value != nullptr ? item.value->description : item.object->description);
     if (wasLocked)

@@ -14,6 +14,7 @@ void addGet(CommandLine& commandLine);
 void addWritable(CommandLine& commandLine);
 void addSet(CommandLine& commandLine);
 void addLock(CommandLine& commandLine);
+void addMigrate(CommandLine& commandLine);
 void addTemplate(CommandLine& commandLine);
 void addSchema(CommandLine& commandLine);
 void addPage(CommandLine& commandLine);
