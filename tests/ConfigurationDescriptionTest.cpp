@@ -112,7 +112,7 @@ TEST(ConfigurationDescriptionTest, MakesObjectsThatOutliveIt) {
         description.values.push_back(describe(Base::IntValue, "7"));
         description.values.back().isEditable = false;
         description.children.push_back(
-            {.object = {.name = "Child", .description = ""}, .key = "k"});
+            {.object = {.name = "Child", .description = "", .children = {}}, .key = "k"});
         description.isEditable = false;
         object = description.makeObject();
     }
@@ -128,7 +128,8 @@ TEST(ConfigurationDescriptionTest, RefusesNamesThatXmlDoesNotAllow) {
     ConfigurationObjectDescription description{.name = "a b", .description = "", .children = {}};
     EXPECT_THROW((void)description.makeObject(), std::invalid_argument);
     description.name = "O";
-    description.children.push_back({.object = {.name = "", .description = ""}, .isKind = true});
+    description.children.push_back(
+        {.object = {.name = "", .description = "", .children = {}}, .isKind = true});
     EXPECT_THROW((void)description.makeObject(), std::invalid_argument);
     description.children.front().isKind = false; // inline
     EXPECT_EQ(description.makeObject()->getConfigurationObjectsSize(), 1U);
