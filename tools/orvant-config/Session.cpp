@@ -2,13 +2,11 @@
 
 #include "CatalogueSearch.h"
 #include "ExitCode.h"
+#include "Users.h"
 
 #include <FileHandling/FileUtilities.h>
 
-#include <array>
 #include <cstdlib>
-
-#include <pwd.h>
 
 namespace Orvant::Tool {
 
@@ -16,14 +14,8 @@ namespace {
 
 /// Has this process find files as a user does who logs in.
 void actAs(const std::string& user) {
-    passwd entry{};
-    passwd* found = nullptr;
-    std::array<char, 16384> texts{};
-    if (getpwnam_r(user.c_str(), &entry, texts.data(), texts.size(), &found) != 0 ||
-        found == nullptr)
-        throw Failure(ExitCode::Usage, "there is no user \"" + user + '"');
     // NOLINTBEGIN(concurrency-mt-unsafe)
-    setenv("HOME", found->pw_dir, 1);
+    setenv("HOME", findUser(user).home.c_str(), 1);
     unsetenv("XDG_CONFIG_HOME");
     unsetenv("XDG_DATA_HOME");
     // NOLINTEND(concurrency-mt-unsafe)
@@ -107,15 +99,19 @@ ConfigurationManager& Session::loadUsable(const StandardConfigurationFiles& file
     ConfigurationManager& manager = load(files);
     for (const ConfigurationProblem& problem : manager.getLoadProblems())
         if (isOfWholeFile(problem.kind))
-            throw Failure(ExitCode::FileError,
-                          messageAt(problem.file, problem.line, "error", problem.text), true);
+            throw Failure(
+                ExitCode::FileError,
+                messageAt(problem.file, problem.line, "error", problem.text, problem.column), true);
     return manager;
 }
 
 std::string messageAt(const FileName& file, unsigned int line, const std::string& severity,
-                      const std::string& text) {
-    return file.toString() + ':' + (line == 0 ? "" : std::to_string(line) + ':') + ' ' + severity +
-           ": " + text;
+                      const std::string& text, unsigned int column) {
+    std::string message = file.toString() + ':';
+    for (const unsigned int number : {line, column})
+        if (number != 0)
+            message += std::to_string(number) + ':';
+    return message + ' ' + severity + ": " + text;
 }
 
 } // namespace Orvant::Tool

@@ -55,8 +55,9 @@ private:
     std::unique_ptr<const SettingIndex> m_settings;
 };
 
-/// @return a line that editors jump to: "FILE:LINE: SEVERITY: TEXT", without a line if that is 0
+/// @return a line that editors jump to: "FILE:LINE: SEVERITY: TEXT", without a line if that is 0,
+///         and with a column behind it unless that is 0
 std::string messageAt(const FileName& file, unsigned int line, const std::string& severity,
-                      const std::string& text);
+                      const std::string& text, unsigned int column = 0);
 
 } // namespace Orvant::Tool

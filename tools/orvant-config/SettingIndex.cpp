@@ -30,6 +30,14 @@ CatalogueItem below(const CatalogueItem& parent, PathStep step) {
     return item;
 }
 
+/// A path as people write it who do not think of keys.
+std::string withoutKinds(std::string path) {
+    constexpr std::string_view kind = "[*]";
+    for (std::size_t found = path.find(kind); found != std::string::npos; found = path.find(kind))
+        path.erase(found, kind.size());
+    return path;
+}
+
 /// An item with a user's keys.
 FoundItem withKeys(const CatalogueItem& item, const std::vector<std::optional<std::string>>& keys) {
     FoundItem found{&item, item.steps};
@@ -137,21 +145,13 @@ std::optional<FoundItem> SettingIndex::find(std::string_view rest, const std::st
     return std::nullopt;
 }
 
-std::vector<std::string> SettingIndex::namesIn(const std::string& object) const {
-    const std::string above = object.empty() ? "" : object + '/';
-    std::vector<std::string> names;
-    for (const CatalogueItem& item : m_items)
-        if (item.path.starts_with(above) &&
-            item.path.size() == above.size() + textOf(item.steps.back()).size())
-            names.push_back(item.steps.back().name);
-    return names;
-}
-
 std::string SettingIndex::nearest(const std::string& path) const {
     std::vector<std::string> paths;
-    paths.reserve(m_items.size());
-    for (const CatalogueItem& item : m_items)
+    for (const CatalogueItem& item : m_items) {
         paths.push_back(item.path);
+        if (const std::string plain = withoutKinds(item.path); plain != item.path)
+            paths.push_back(plain);
+    }
     return nearestName(path, paths);
 }
 

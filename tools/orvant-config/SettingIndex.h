@@ -48,9 +48,6 @@ public:
     std::optional<FoundItem> find(const std::string& path) const;
     /// @return the path that is most like a text; empty when none is
     std::string nearest(const std::string& path) const;
-    /// @param object path of an object as in a catalogue; empty: what is registered
-    /// @return the names of what is in it
-    std::vector<std::string> namesIn(const std::string& object) const;
 
 private:
     using Keys = std::vector<std::optional<std::string>>; ///< of the kinds on the way

@@ -8,6 +8,7 @@ int main(int argc, char* argv[]) {
     spdlog::set_level(spdlog::level::off); // the verbs say what is wrong
     CommandLine commandLine;
     addList(commandLine);
+    addCheck(commandLine);
     addDescribe(commandLine);
     addDiff(commandLine);
     addExplain(commandLine);

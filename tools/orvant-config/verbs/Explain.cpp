@@ -3,7 +3,9 @@
 #include "../CommandLine.h"
 #include "../SettingText.h"
 
+#include <algorithm>
 #include <memory>
+#include <unordered_map>
 
 namespace Orvant::Tool {
 
@@ -175,8 +177,20 @@ private:
     nlohmann::ordered_json m_json = nlohmann::ordered_json::array();
 };
 
+/// Puts objects into the order of the catalogue, which lists have, too.
+void sortAsListed(std::vector<ConfigurationOrigin>& origins,
+                  const ConfigurationCatalogue& catalogue) {
+    std::unordered_map<std::string, std::size_t> positions;
+    for (const ConfigurationCatalogueEntry& entry : catalogue.getEntries())
+        positions.emplace(entry.object.name, positions.size());
+    std::ranges::stable_sort(origins, {}, [&](const ConfigurationOrigin& origin) {
+        return positions[origin.path.substr(0, origin.path.find_first_of("[/"))];
+    });
+}
+
 ExitCode explain(Session& session, const ExplainOptions& options) {
-    const std::vector<ConfigurationOrigin> origins = session.loadUsable().explain();
+    std::vector<ConfigurationOrigin> origins = session.loadUsable().explain();
+    sortAsListed(origins, session.catalogue());
     Explanation explanation(session, options);
     for (const ConfigurationOrigin& origin : origins) {
         const auto found = session.settings().find(origin.path);

@@ -7,6 +7,7 @@ class CommandLine;
 // Each adds a verb to the command line, or several that share their work.
 
 void addList(CommandLine& commandLine);
+void addCheck(CommandLine& commandLine);
 void addDescribe(CommandLine& commandLine);
 void addDiff(CommandLine& commandLine);
 void addExplain(CommandLine& commandLine);
