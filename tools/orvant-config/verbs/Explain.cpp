@@ -201,8 +201,7 @@ ExitCode explain(Session& session, const ExplainOptions& options) {
     }
     if (explanation.isEmpty() && !options.prefix.empty()) {
         session.find(options.prefix);
-        throw Failure(ExitCode::Usage,
-                      "the files have nothing with the key of \"" + options.prefix + '"');
+        throw Failure(ExitCode::Usage, "the files have no \"" + options.prefix + '"');
     }
     explanation.print();
     return ExitCode::Clean;
