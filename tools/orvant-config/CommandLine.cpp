@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include "Progress.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <exception>
@@ -56,6 +58,7 @@ int CommandLine::run(int argc, const char* const* argv) {
 ExitCode CommandLine::runVerb() {
     try {
         Session session(m_options);
+        const Progress progress(!m_options.quiet);
         const ExitCode code = m_verb(session);
         if (std::fflush(stdout) != 0)
             throw std::system_error(errno, std::generic_category(), "standard output");

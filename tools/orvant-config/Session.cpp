@@ -97,6 +97,10 @@ ConfigurationManager& Session::loadUsable() {
 
 ConfigurationManager& Session::loadUsable(const StandardConfigurationFiles& files) {
     ConfigurationManager& manager = load(files);
+    // Problems of all settings take longer to find out.
+    if (!files.system.empty() && !manager.hasSystemConfigFileErrors() &&
+        !manager.hasUserConfigFileErrors())
+        return manager;
     for (const ConfigurationProblem& problem : manager.getLoadProblems())
         if (isOfWholeFile(problem.kind))
             throw Failure(
