@@ -134,3 +134,16 @@ TEST(ConfigurationDescriptionTest, RefusesNamesThatXmlDoesNotAllow) {
     description.children.front().isKind = false; // inline
     EXPECT_EQ(description.makeObject()->getConfigurationObjectsSize(), 1U);
 }
+
+TEST(ConfigurationDescriptionTest, GivesTheTextsThatASaveWrites) {
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(textsOf(*describe(Base::BoolValue, "true").makeValue()), Texts{"true"});
+    EXPECT_EQ(textsOf(*describe(Base::DoubleValue, "60.5").makeValue()), Texts{"60.5"});
+    EXPECT_EQ(textsOf(*describe(Base::UnsignedIntValue, "4294967295").makeValue()), Texts{"-1"});
+    EXPECT_EQ(textsOf(*describe(Base::StringValue, "").makeValue()), Texts{""});
+    auto list = describe(Base::StringVectorValue, "a\x01");
+    list.defaultTexts.emplace_back("b, \"c\"");
+    EXPECT_EQ(textsOf(*list.makeValue()), (Texts{"a\xEF\xBF\xBD", "b, \"c\""}));
+    list.defaultTexts.clear();
+    EXPECT_EQ(textsOf(*list.makeValue()), Texts{});
+}

@@ -92,7 +92,8 @@ struct ConfigurationObjectDescription::Child {
 ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationObjectDescription
 describeConfiguration(const ConfigurationObject& object);
 
-/// @return what applies, as a save writes it: the items of a list, of others one text; nothing for a
+/// @return what applies, as a save writes it: the items of a list, of others one text; nothing for
+/// a
 ///         type that the library does not have
 ORVANT_CONFIGURATIONFRAMEWORK_EXPORT std::vector<std::string>
 textsOf(const ConfigurationValueBase& value);
