@@ -108,6 +108,7 @@ std::vector<FileAccess> accessOfOther(const User& user,
 
 std::vector<FileAccess> accessByMode(const std::vector<std::filesystem::path>& paths) {
     std::vector<FileAccess> found;
+    found.reserve(paths.size());
     for (const std::filesystem::path& path : paths)
         found.push_back(accessByMode(statusOf(path)));
     return found;
@@ -122,6 +123,7 @@ std::vector<FileAccess> accessOf(const std::string& user,
         throw Failure(ExitCode::FileError,
                       "only root can find out what \"" + user + "\" may read and write");
     std::vector<FileAccess> own;
+    own.reserve(paths.size());
     for (const std::filesystem::path& path : paths)
         own.push_back(ownAccess(path));
     return own;
