@@ -1,8 +1,8 @@
 #include "Session.h"
 
-#include "CatalogueSearch.h"
 #include "ExitCode.h"
-#include "Users.h"
+#include "catalogue/CatalogueSearch.h"
+#include "checking/Users.h"
 
 #include <FileHandling/FileUtilities.h>
 

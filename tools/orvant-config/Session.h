@@ -2,7 +2,7 @@
 
 #include "Options.h"
 #include "Output.h"
-#include "SettingIndex.h"
+#include "catalogue/SettingIndex.h"
 
 #include <ConfigurationFramework/ConfigurationCatalogue.h>
 #include <ConfigurationFramework/ConfigurationManager.h>

@@ -1,8 +1,8 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../FileCheck.h"
-#include "../RightsCheck.h"
+#include "CommandLine.h"
+#include "checking/FileCheck.h"
+#include "checking/RightsCheck.h"
 
 #include <FileHandling/FileUtilities.h>
 

@@ -1,7 +1,7 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../SettingText.h"
+#include "CommandLine.h"
+#include "catalogue/SettingText.h"
 
 #include <memory>
 

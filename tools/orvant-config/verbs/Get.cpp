@@ -1,8 +1,8 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../LoadedItem.h"
-#include "../SettingText.h"
+#include "CommandLine.h"
+#include "catalogue/LoadedItem.h"
+#include "catalogue/SettingText.h"
 
 #include <memory>
 

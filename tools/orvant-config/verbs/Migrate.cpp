@@ -1,8 +1,8 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../FileEdit.h"
-#include "../Migration.h"
+#include "CommandLine.h"
+#include "editing/FileEdit.h"
+#include "editing/Migration.h"
 
 #include <algorithm>
 #include <filesystem>

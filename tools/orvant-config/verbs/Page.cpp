@@ -1,8 +1,8 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../ExplanationPage.h"
-#include "../NewFile.h"
+#include "CommandLine.h"
+#include "generating/ExplanationPage.h"
+#include "generating/NewFile.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../FileSchema.h"
+#include "CommandLine.h"
+#include "generating/FileSchema.h"
 
 namespace Orvant::Tool {
 

@@ -1,8 +1,8 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../FileEdit.h"
-#include "../SettingText.h"
+#include "CommandLine.h"
+#include "catalogue/SettingText.h"
+#include "editing/FileEdit.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,7 +1,7 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../FileTemplate.h"
+#include "CommandLine.h"
+#include "generating/FileTemplate.h"
 
 namespace Orvant::Tool {
 

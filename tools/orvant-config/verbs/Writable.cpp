@@ -1,7 +1,7 @@
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
-#include "../CommandLine.h"
-#include "../LoadedItem.h"
+#include "CommandLine.h"
+#include "catalogue/LoadedItem.h"
 
 #include <memory>
 

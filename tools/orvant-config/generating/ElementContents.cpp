@@ -1,0 +1,54 @@
+#include "generating/ElementContents.h"
+
+#include <algorithm>
+
+namespace Orvant::Tool {
+
+namespace {
+
+using Object = ConfigurationObjectDescription;
+
+bool isLoadable(const Object& object) {
+    return object.isEditable && (object.persistence == ConfigurationItemBase::LoadAndSave ||
+                                 object.persistence == ConfigurationItemBase::LoadOnly);
+}
+
+void add(const Object& object, bool isLoaded, ElementContents& contents) {
+    for (const ConfigurationValueDescription& value : object.values)
+        contents.values.push_back({&value, isLoaded && value.isLoadable() && value.isEditable});
+    for (const auto& [child, isKind, key] : object.children) {
+        const bool isChildLoaded = isLoaded && isLoadable(child);
+        if (child.name.empty())
+            add(child, isChildLoaded, contents);
+        else
+            contents.children.push_back(
+                {.object = &child, .isKind = isKind, .key = key, .isLoaded = isChildLoaded});
+    }
+}
+
+} // namespace
+
+bool ElementContents::hasLoadedValues() const {
+    return std::ranges::any_of(values, &ElementValue::isLoaded) ||
+           std::ranges::any_of(children, [](const ElementChild& child) {
+               return child.isLoaded && contentsOf(child).hasLoadedValues();
+           });
+}
+
+ElementContents contentsOfRoot(const ConfigurationCatalogue& catalogue) {
+    ElementContents contents;
+    for (const auto& [object, isKeyed] : catalogue.getEntries())
+        contents.children.push_back({.object = &object,
+                                     .isKind = isKeyed,
+                                     .isRegistered = true,
+                                     .isLoaded = isLoadable(object)});
+    return contents;
+}
+
+ElementContents contentsOf(const ElementChild& child) {
+    ElementContents contents;
+    add(*child.object, child.isLoaded, contents);
+    return contents;
+}
+
+} // namespace Orvant::Tool
