@@ -3,6 +3,9 @@
 #include <charconv>
 #include <system_error>
 
+#include <charconv>
+#include <system_error>
+
 namespace Orvant::Tool {
 
 namespace {

@@ -1,0 +1,240 @@
+#include "FileEdit.h"
+
+#include <algorithm>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+namespace Orvant::Tool {
+
+namespace {
+
+ConfigurationFileEditor open(Session& session) {
+    const FileName file = session.administeredFile();
+    if (file.empty())
+        throw Failure(ExitCode::FileError, "the application has no file: there is no home folder");
+    const ConfigurationCatalogue& catalogue = session.catalogue();
+    try {
+        ConfigurationFileEditor editor(file, catalogue.getWrittenVersion());
+        const auto& accepted = catalogue.getAcceptedVersions();
+        if (!editor.isNew() && std::ranges::find(accepted, editor.version()) == accepted.end())
+            throw Failure(ExitCode::FileError,
+                          messageAt(file, 0, "error",
+                                    "the version \"" + editor.version() + "\" is not accepted"));
+        return editor;
+    } catch (const ConfigurationFileError& e) {
+        throw Failure(ExitCode::FileError, e.what());
+    }
+}
+
+/// An element below another.
+ConfigurationElementPath below(ConfigurationElementPath parent, ConfigurationElementStep step) {
+    parent.push_back(std::move(step));
+    return parent;
+}
+
+/// Without the last element.
+ConfigurationElementPath parentOf(const ConfigurationElementPath& place) {
+    return {place.begin(), std::prev(place.end())};
+}
+
+/// The elements of a name that are right in another.
+std::vector<ConfigurationElementStep> childrenOf(const ConfigurationFileEditor& editor,
+                                                 const ConfigurationElementPath& parent,
+                                                 const std::string& name) {
+    std::vector<ConfigurationElementStep> children;
+    editor.visitElements(parent, [&](const ConfigurationElementPath& path) {
+        if (path.size() == parent.size() + 1 && path.back().name == name)
+            children.push_back(path.back());
+    });
+    return children;
+}
+
+/// The element that is read for a name. Where one without a key is meant, readers take the first
+/// one, even if it has a key.
+ConfigurationElementStep readStep(const ConfigurationFileEditor& editor,
+                                  const ConfigurationElementPath& parent, const PathStep& step) {
+    if (!step.isKind && !step.key)
+        if (const auto children = childrenOf(editor, parent, step.name); !children.empty())
+            return children.front();
+    return {step.name, step.key};
+}
+
+ConfigurationElementPath placeOf(const ConfigurationFileEditor& editor,
+                                 const std::vector<PathStep>& steps) {
+    ConfigurationElementPath place;
+    for (const PathStep& step : steps)
+        place.push_back(readStep(editor, place, step));
+    return place;
+}
+
+/// The element that counts for a path: a key that is not there has what its default entry says.
+ConfigurationElementPath countingPlaceOf(const ConfigurationFileEditor& editor,
+                                         const std::vector<PathStep>& steps) {
+    ConfigurationElementPath place;
+    for (const PathStep& step : steps) {
+        place.push_back(readStep(editor, place, step));
+        if (step.isKind && !editor.exists(place))
+            place.back().key.reset();
+    }
+    return place;
+}
+
+bool isSameName(const PathStep& first, const PathStep& second) {
+    return first.name == second.name && first.isKind == second.isKind &&
+           (first.isKind || first.key == second.key);
+}
+
+std::string join(const std::vector<std::string>& texts, const std::string& separator) {
+    std::string joined;
+    for (const std::string& text : texts)
+        joined += (joined.empty() ? "" : separator) + text;
+    return joined;
+}
+
+} // namespace
+
+FileEdit::FileEdit(Session& session, FoundItem found)
+    : m_session(session), m_found(std::move(found)), m_editor(open(session)) {
+    try {
+        m_place = placeOf(m_editor, m_found.steps);
+        m_countingPlace = countingPlaceOf(m_editor, m_found.steps);
+        m_editor.exists(m_place);
+    } catch (const std::invalid_argument& e) {
+        throw Failure(ExitCode::Usage, e.what());
+    }
+}
+
+std::string FileEdit::path() const {
+    ConfigurationElementPath meant;
+    for (const PathStep& step : m_found.steps)
+        meant.push_back({step.name, step.key});
+    return textOf(meant);
+}
+
+std::optional<std::vector<std::string>>
+FileEdit::textsAt(const ConfigurationElementPath& place) const {
+    if (item().value->isList())
+        return m_editor.items(place);
+    const auto text = m_editor.text(place);
+    return text ? std::optional(std::vector{*text}) : std::nullopt;
+}
+
+std::optional<ConfigurationElementPath>
+FileEdit::lockAround(const ConfigurationElementPath& place) const {
+    for (std::size_t depth = 1; depth < place.size(); ++depth) {
+        ConfigurationElementPath object(place.begin(),
+                                        place.begin() + static_cast<std::ptrdiff_t>(depth));
+        if (isLocked(object))
+            return object;
+    }
+    return std::nullopt;
+}
+
+bool FileEdit::isLocked(const ConfigurationElementPath& place) const {
+    return m_editor.editable(place) == "false";
+}
+
+void FileEdit::makeObjectsAround() {
+    makeObjects(m_place.size() - 1);
+}
+
+void FileEdit::makeObject() {
+    makeObjects(m_place.size());
+}
+
+/// Makes the first elements of the place as far as they are missing.
+void FileEdit::makeObjects(std::size_t depth) {
+    noteOwnElements();
+    for (const CatalogueItem& around : m_session.settings().items()) {
+        const std::size_t size = around.steps.size();
+        if (around.object == nullptr || size > depth ||
+            !std::ranges::equal(around.steps.begin(), around.steps.end(), item().steps.begin(),
+                                item().steps.begin() + static_cast<std::ptrdiff_t>(size),
+                                isSameName))
+            continue;
+        const ConfigurationElementPath object(m_place.begin(),
+                                              m_place.begin() + static_cast<std::ptrdiff_t>(size));
+        if (m_editor.exists(object))
+            continue;
+        noteDefaultEntry(object);
+        m_editor.setText(object, "", around.object->description);
+    }
+}
+
+/// Tells that a new element ends what was so for its key.
+void FileEdit::noteDefaultEntry(const ConfigurationElementPath& place) {
+    if (place.back().key.value_or("").empty())
+        return;
+    const auto entry = below(parentOf(place), {place.back().name});
+    if (m_editor.exists(entry))
+        note("what " + textOf(entry) + " says does not count for " + textOf(place) + " any more");
+}
+
+/// Tells which keys have elements, for which a default entry does not count.
+void FileEdit::noteOwnElements() {
+    ConfigurationElementPath parent;
+    for (std::size_t i = 0; i < m_place.size(); ++i) {
+        const auto& [name, key] = m_place[i];
+        if (m_found.steps[i].isKind && key.value_or("").empty()) {
+            std::vector<std::string> others;
+            for (const ConfigurationElementStep& child : childrenOf(m_editor, parent, name))
+                if (child.key)
+                    others.push_back(textOf(below(parent, child)));
+            if (!others.empty())
+                note("it does not count for " + join(others, ", "));
+        }
+        parent.push_back(m_place[i]);
+    }
+}
+
+void FileEdit::setTexts(const std::vector<std::string>& texts) {
+    makeObjectsAround();
+    if (item().value->isList())
+        m_editor.setItems(m_place, texts, item().value->description);
+    else
+        m_editor.setText(m_place, texts.front(), item().value->description);
+}
+
+void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json& details) {
+    const bool isChanged = m_editor.isChanged();
+    if (isChanged) {
+        const ConfigurationSaveReport report = m_editor.save();
+        if (report.reason != ConfigurationSaveReport::Saved)
+            throw Failure(ExitCode::FileError, report.text);
+        if (!report.text.empty())
+            note(report.text);
+    }
+    const Output& output = m_session.output();
+    const std::string file = m_editor.file().toString();
+    if (output.isJson()) {
+        nlohmann::ordered_json json{{"file", file}, {"path", path()}};
+        json.update(details);
+        json["changed"] = isChanged;
+        json["notes"] = m_notes;
+        output.print(json);
+        return;
+    }
+    std::string line = file + ": " + path() + ' ' + sentence;
+    for (const std::string& text : m_notes)
+        line += "; " + text;
+    output.print(oneLine(line) + '\n');
+}
+
+void checkTakenFromFiles(const CatalogueItem& item, const std::string& path) {
+    if (!item.isLoaded)
+        throw Failure(ExitCode::Usage, path + " is not read from files");
+    if (item.isLockedByClass)
+        throw Failure(ExitCode::Usage,
+                      path + " is locked by the application, whatever the file says");
+}
+
+std::string textOf(const ConfigurationElementPath& place) {
+    std::string text;
+    for (const auto& [name, key] : place)
+        text +=
+            (text.empty() ? "" : "/") + name + (key.value_or("").empty() ? "" : '[' + *key + ']');
+    return text;
+}
+
+} // namespace Orvant::Tool

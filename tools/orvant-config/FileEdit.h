@@ -1,0 +1,75 @@
+#pragma once
+
+#include "ExitCode.h"
+#include "Session.h"
+
+#include <ConfigurationFramework/ConfigurationFileEditor.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvant::Tool {
+
+/// A change of one setting or object in the file that an administrator looks after.
+class FileEdit {
+public:
+    /// Opens the file, or starts a new one where there is none.
+    /// @param session must outlive this
+    /// @throws Failure(FileError) for a file that is damaged, cannot be read or is of another
+    ///         version; Failure(Usage) for a key that no file can hold
+    FileEdit(Session& session, FoundItem found);
+
+    const CatalogueItem& item() const { return *m_found.item; }
+    /// @return the setting, with its keys
+    std::string path() const;
+    ConfigurationFileEditor& editor() { return m_editor; }
+    /// @return where its element is, or would be made
+    const ConfigurationElementPath& place() const { return m_place; }
+    /// @return the element that counts: that of the default entry where the file has none of a key
+    const ConfigurationElementPath& countingPlace() const { return m_countingPlace; }
+    /// @return what an element of the value says, one text or the items of a list; nothing: nothing
+    ///         that is read
+    std::optional<std::vector<std::string>> textsAt(const ConfigurationElementPath& place) const;
+    /// @return the outermost object around an element that is locked
+    std::optional<ConfigurationElementPath> lockAround(const ConfigurationElementPath& place) const;
+    /// @return whether an element is locked by itself
+    bool isLocked(const ConfigurationElementPath& place) const;
+
+    /// Makes the objects around the element, with their descriptions as comments.
+    void makeObjectsAround();
+    /// Makes the element of an object likewise.
+    void makeObject();
+    /// Sets what the value's element says.
+    /// @param texts as files have them
+    void setTexts(const std::vector<std::string>& texts);
+    /// Says something besides what was done.
+    void note(const std::string& text) { m_notes.push_back(text); }
+
+    /// Saves the file if anything was changed, and prints what was done.
+    /// @param sentence what is so now, which begins after the path
+    /// @param details  for programs
+    /// @throws Failure(FileError) when it cannot be written
+    void finish(const std::string& sentence, const nlohmann::ordered_json& details);
+
+private:
+    void makeObjects(std::size_t depth);
+    void noteDefaultEntry(const ConfigurationElementPath& place);
+    void noteOwnElements();
+
+    Session& m_session;
+    FoundItem m_found;
+    ConfigurationFileEditor m_editor;
+    ConfigurationElementPath m_place;
+    ConfigurationElementPath m_countingPlace;
+    std::vector<std::string> m_notes;
+};
+
+/// @param path of the item, as the user gave it
+/// @throws Failure(Usage) for what no load takes from a file
+void checkTakenFromFiles(const CatalogueItem& item, const std::string& path);
+
+/// @return a path of elements as users write it
+std::string textOf(const ConfigurationElementPath& place);
+
+} // namespace Orvant::Tool
