@@ -112,29 +112,6 @@ std::string FileEdit::path() const {
     return textOf(meant);
 }
 
-std::optional<std::vector<std::string>>
-FileEdit::textsAt(const ConfigurationElementPath& place) const {
-    if (item().value->isList())
-        return m_editor.items(place);
-    const auto text = m_editor.text(place);
-    return text ? std::optional(std::vector{*text}) : std::nullopt;
-}
-
-std::optional<ConfigurationElementPath>
-FileEdit::lockAround(const ConfigurationElementPath& place) const {
-    for (std::size_t depth = 1; depth < place.size(); ++depth) {
-        ConfigurationElementPath object(place.begin(),
-                                        place.begin() + static_cast<std::ptrdiff_t>(depth));
-        if (isLocked(object))
-            return object;
-    }
-    return std::nullopt;
-}
-
-bool FileEdit::isLocked(const ConfigurationElementPath& place) const {
-    return m_editor.editable(place) == "false";
-}
-
 void FileEdit::makeObjectsAround() {
     makeObjects(m_place.size() - 1);
 }
@@ -190,10 +167,7 @@ void FileEdit::noteOwnElements() {
 
 void FileEdit::setTexts(const std::vector<std::string>& texts) {
     makeObjectsAround();
-    if (item().value->isList())
-        m_editor.setItems(m_place, texts, item().value->description);
-    else
-        m_editor.setText(m_place, texts.front(), item().value->description);
+    writeTexts(m_editor, m_place, *item().value, texts);
 }
 
 void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json& details) {
@@ -219,6 +193,38 @@ void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json&
     for (const std::string& text : m_notes)
         line += "; " + text;
     output.print(oneLine(line) + '\n');
+}
+
+std::optional<std::vector<std::string>> textsAt(const ConfigurationFileEditor& editor,
+                                                const ConfigurationElementPath& place,
+                                                const ConfigurationValueDescription& value) {
+    if (value.isList())
+        return editor.items(place);
+    const auto text = editor.text(place);
+    return text ? std::optional(std::vector{*text}) : std::nullopt;
+}
+
+void writeTexts(ConfigurationFileEditor& editor, const ConfigurationElementPath& place,
+                const ConfigurationValueDescription& value, const std::vector<std::string>& texts) {
+    if (value.isList())
+        editor.setItems(place, texts, value.description);
+    else
+        editor.setText(place, texts.front(), value.description);
+}
+
+bool isLocked(const ConfigurationFileEditor& editor, const ConfigurationElementPath& place) {
+    return editor.editable(place) == "false";
+}
+
+std::optional<ConfigurationElementPath> lockAround(const ConfigurationFileEditor& editor,
+                                                   const ConfigurationElementPath& place) {
+    for (std::size_t depth = 1; depth < place.size(); ++depth) {
+        ConfigurationElementPath object(place.begin(),
+                                        place.begin() + static_cast<std::ptrdiff_t>(depth));
+        if (isLocked(editor, object))
+            return object;
+    }
+    return std::nullopt;
 }
 
 void checkTakenFromFiles(const CatalogueItem& item, const std::string& path) {

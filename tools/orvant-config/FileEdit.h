@@ -24,17 +24,11 @@ public:
     /// @return the setting, with its keys
     std::string path() const;
     ConfigurationFileEditor& editor() { return m_editor; }
+    const ConfigurationFileEditor& editor() const { return m_editor; }
     /// @return where its element is, or would be made
     const ConfigurationElementPath& place() const { return m_place; }
     /// @return the element that counts: that of the default entry where the file has none of a key
     const ConfigurationElementPath& countingPlace() const { return m_countingPlace; }
-    /// @return what an element of the value says, one text or the items of a list; nothing: nothing
-    ///         that is read
-    std::optional<std::vector<std::string>> textsAt(const ConfigurationElementPath& place) const;
-    /// @return the outermost object around an element that is locked
-    std::optional<ConfigurationElementPath> lockAround(const ConfigurationElementPath& place) const;
-    /// @return whether an element is locked by itself
-    bool isLocked(const ConfigurationElementPath& place) const;
 
     /// Makes the objects around the element, with their descriptions as comments.
     void makeObjectsAround();
@@ -64,6 +58,21 @@ private:
     ConfigurationElementPath m_countingPlace;
     std::vector<std::string> m_notes;
 };
+
+/// @return what an element of a value says, one text or the items of a list; nothing: nothing that
+///         is read
+std::optional<std::vector<std::string>> textsAt(const ConfigurationFileEditor& editor,
+                                                const ConfigurationElementPath& place,
+                                                const ConfigurationValueDescription& value);
+/// Sets what an element of a value says, which is made if it is missing.
+/// @param texts as files have them
+void writeTexts(ConfigurationFileEditor& editor, const ConfigurationElementPath& place,
+                const ConfigurationValueDescription& value, const std::vector<std::string>& texts);
+/// @return whether an element is locked by itself
+bool isLocked(const ConfigurationFileEditor& editor, const ConfigurationElementPath& place);
+/// @return the outermost object around an element that is locked
+std::optional<ConfigurationElementPath> lockAround(const ConfigurationFileEditor& editor,
+                                                   const ConfigurationElementPath& place);
 
 /// @param path of the item, as the user gave it
 /// @throws Failure(Usage) for what no load takes from a file

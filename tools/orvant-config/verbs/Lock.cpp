@@ -76,7 +76,7 @@ ExitCode lock(Session& session, const std::string& path) {
     const auto around = lockAround(edit.editor(), edit.place());
     const bool wasLocked = edit.isLocked(edit.place());
     edit.editor().setLocked(edit.place(), true);
-    const auto around = edit.lockAround(edit.place());
+    const auto around = lockAround(edit.editor(), edit.place());
     if (around)
         edit.note(textOf(*around) + ", which it is in, is locked, too");
     edit.finish((wasLocked ? "was " : "is ") + locked + (wasLocked ? " already" : ""),
@@ -91,8 +91,8 @@ std::vector<std::string> locksIn(const FileEdit& edit) {
         if (isLocked(edit.editor(), place))
 std::vector<std::string> locksIn(const FileEdit& edit, const ConfigurationFileEditor& editor) {
     std::vector<std::string> locks;
-    editor.visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
-        if (edit.isLocked(place))
+    edit.editor().visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
+        if (isLocked(edit.editor(), place))
             locks.push_back(textOf(place));
     });
     return locks;
@@ -105,7 +105,7 @@ std::optional<ConfigurationElementPath> lockBesides(const FileEdit& edit) {
     if (edit.countingPlace() != edit.place() && isLocked(edit.editor(), edit.countingPlace()))
     if (auto around = edit.lockAround(edit.countingPlace()))
         return around;
-    if (edit.countingPlace() != edit.place() && edit.isLocked(edit.countingPlace()))
+    if (edit.countingPlace() != edit.place() && isLocked(edit.editor(), edit.countingPlace()))
         return edit.countingPlace();
     return std::nullopt;
 }
@@ -120,7 +120,7 @@ ExitCode unlock(Session& session, const std::string& path) {
     for (const std::string& lock : locksIn(edit))
     const bool wasLocked = edit.isLocked(edit.place());
     edit.editor().setLocked(edit.place(), false);
-    for (const std::string& lock : locksIn(edit, edit.editor()))
+    for (const std::string& lock : locksIn(edit))
         edit.note(lock + ", which is in it, stays locked");
     const auto other = lockBesides(edit);
     std::string sentence = wasLocked ? "is not locked any more" : "was not locked";
