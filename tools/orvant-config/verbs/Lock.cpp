@@ -53,6 +53,8 @@ std::string provideText(FileEdit& edit) {
             return valueText(value, *texts) + ", which " + textOf(edit.countingPlace()) + " says";
         }
     edit.setTexts(defaultTextsOf(value));
+    if (const std::string problem = value.problemOf(defaultTextsOf(value)); !problem.empty())
+        edit.note("no file can say it: " + problem);
     return defaultText(value) + ", its default, which the file did not say";
 }
 
