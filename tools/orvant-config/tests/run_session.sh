@@ -2,7 +2,7 @@
 # Runs the commands of a session (lines that begin with "$ ") in a new folder with copies of files, and
 # compares what they print, and "[exit N]" where they fail, with what the session shows.
 # The catalogue is installed in the home folder, which is that folder.
-# usage: run_session.sh SESSION FOLDER_OF_PROGRAM WORK CATALOGUE FOLDER_OF_FILES...
+# usage: run_session.sh SESSION FOLDERS_OF_PROGRAMS WORK CATALOGUE FOLDER_OF_FILES...
 set -euo pipefail
 session=$1
 PATH=$2:$PATH
