@@ -8,16 +8,16 @@ int main(int argc, char* argv[]) {
     spdlog::set_level(spdlog::level::off); // the verbs say what is wrong
     CommandLine commandLine;
     addList(commandLine);
-    addCheck(commandLine);
     addDescribe(commandLine);
-    addDiff(commandLine);
     addExplain(commandLine);
     addGet(commandLine);
     addWritable(commandLine);
+    addCheck(commandLine);
     addSet(commandLine);
     addLock(commandLine);
-    addMigrate(commandLine);
     addTemplate(commandLine);
+    addDiff(commandLine);
+    addMigrate(commandLine);
     addSchema(commandLine);
     addPage(commandLine);
     return commandLine.run(argc, argv);

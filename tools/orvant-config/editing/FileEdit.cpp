@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 #include <stdexcept>
 #include <utility>
 
@@ -167,7 +168,25 @@ void FileEdit::noteOwnElements() {
 
 void FileEdit::setTexts(const std::vector<std::string>& texts) {
     makeObjectsAround();
+    noteOtherReaders();
     writeTexts(m_editor, m_place, *item().value, texts);
+}
+
+/// Tells which lists of objects around are read from this one: lists are looked for at every depth.
+void FileEdit::noteOtherReaders() {
+    for (const CatalogueItem& other : m_session.settings().items()) {
+        const std::size_t depth = other.steps.size() - 1;
+        if (other.value == nullptr || !other.value->isList() || !item().value->isList() ||
+            depth + 1 >= m_place.size() || other.steps.back().name != m_place.back().name ||
+            !std::ranges::equal(other.steps | std::views::take(depth),
+                                item().steps | std::views::take(depth), isSameName))
+            continue;
+        ConfigurationElementPath list(m_place.begin(),
+                                      m_place.begin() + static_cast<std::ptrdiff_t>(depth));
+        list.push_back(m_place.back());
+        if (!m_editor.exists(list))
+            note(textOf(list) + ", which the file does not say, is read from it, too");
+    }
 }
 
 void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json& details) {

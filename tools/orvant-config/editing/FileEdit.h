@@ -50,6 +50,7 @@ private:
     void makeObjects(std::size_t depth);
     void noteDefaultEntry(const ConfigurationElementPath& place);
     void noteOwnElements();
+    void noteOtherReaders();
 
     Session& m_session;
     FoundItem m_found;

@@ -84,7 +84,7 @@ FormerNames::rename(const ConfigurationElementPath& path) const {
     return std::nullopt;
 }
 
-/// Each key stays at its step, or goes to the next one that has room for it.
+/// Each key stays at its step, or goes to the next one that has room for it, from the front again.
 std::optional<ConfigurationElementPath>
 FormerNames::replaceFront(const ConfigurationElementPath& path, std::size_t size,
                           const std::string& today) const {
@@ -99,11 +99,15 @@ FormerNames::replaceFront(const ConfigurationElementPath& path, std::size_t size
     for (std::size_t i = 0; i < size; ++i) {
         if (!path[i].key || path[i].key->empty())
             continue;
-        std::size_t room = i;
-        while (room < steps.size() && !(steps[room].isKind && !place[room].key))
-            ++room;
-        if (room == steps.size())
+        const auto hasRoom = [&](std::size_t step) {
+            return steps[step].isKind && !place[step].key;
+        };
+        std::size_t tried = 0;
+        while (tried < steps.size() && !hasRoom((i + tried) % steps.size()))
+            ++tried;
+        if (tried == steps.size())
             return std::nullopt;
+        const std::size_t room = (i + tried) % steps.size();
         place[room].key = path[i].key;
     }
     place.insert(place.end(), path.begin() + static_cast<std::ptrdiff_t>(size), path.end());

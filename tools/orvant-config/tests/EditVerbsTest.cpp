@@ -1,8 +1,8 @@
 #include "NastyCatalogue.h"
 
+#include "catalogue/SettingIndex.h"
+#include "verbs/Verbs.h"
 #include <CommandLine.h>
-#include <SettingIndex.h>
-#include <verbs/Verbs.h>
 
 #include <ConfigurationFramework/ConfigurationFileEditor.h>
 #include <ConfigurationFramework/ConfigurationManager.h>

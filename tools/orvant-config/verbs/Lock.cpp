@@ -3,11 +3,6 @@
 #include "CommandLine.h"
 #include "catalogue/SettingText.h"
 #include "editing/FileEdit.h"
-#include "Verbs.h"
-
-#include "../CommandLine.h"
-#include "../FileEdit.h"
-#include "../SettingText.h"
 
 #include <memory>
 #include <optional>
@@ -29,7 +24,6 @@ Texts defaultTextsOf(const ConfigurationValueDescription& value) {
 /// @return nothing when it takes nothing
 std::optional<Texts> validTextsAt(const FileEdit& edit, const ConfigurationElementPath& place) {
     auto texts = textsAt(edit.editor(), place, *edit.item().value);
-    auto texts = edit.textsAt(place);
     if (texts && !edit.item().value->problemOf(*texts).empty())
         texts.reset();
     return texts;
@@ -42,7 +36,6 @@ std::string provideText(FileEdit& edit) {
     if (const auto texts = validTextsAt(edit, edit.place()))
         return valueText(value, *texts);
     const auto unusable = textsAt(edit.editor(), edit.place(), value);
-    const auto unusable = edit.textsAt(edit.place());
     if (unusable && !unusable->empty() && !unusable->front().empty()) {
         edit.note("what the file says is not used: " + value.problemOf(*unusable));
         return defaultText(value);
@@ -76,9 +69,6 @@ ExitCode lock(Session& session, const std::string& path) {
     const bool wasLocked = isLocked(edit.editor(), edit.place());
     edit.editor().setLocked(edit.place(), true);
     const auto around = lockAround(edit.editor(), edit.place());
-    const bool wasLocked = edit.isLocked(edit.place());
-    edit.editor().setLocked(edit.place(), true);
-    const auto around = lockAround(edit.editor(), edit.place());
     if (around)
         edit.note(textOf(*around) + ", which it is in, is locked, too");
     edit.finish((wasLocked ? "was " : "is ") + locked + (wasLocked ? " already" : ""),
@@ -88,10 +78,6 @@ ExitCode lock(Session& session, const std::string& path) {
 
 /// The locks in an object.
 std::vector<std::string> locksIn(const FileEdit& edit) {
-    std::vector<std::string> locks;
-    edit.editor().visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
-        if (isLocked(edit.editor(), place))
-std::vector<std::string> locksIn(const FileEdit& edit, const ConfigurationFileEditor& editor) {
     std::vector<std::string> locks;
     edit.editor().visitElements(edit.place(), [&](const ConfigurationElementPath& place) {
         if (isLocked(edit.editor(), place))
@@ -105,9 +91,6 @@ std::optional<ConfigurationElementPath> lockBesides(const FileEdit& edit) {
     if (auto around = lockAround(edit.editor(), edit.countingPlace()))
         return around;
     if (edit.countingPlace() != edit.place() && isLocked(edit.editor(), edit.countingPlace()))
-    if (auto around = edit.lockAround(edit.countingPlace()))
-        return around;
-    if (edit.countingPlace() != edit.place() && isLocked(edit.editor(), edit.countingPlace()))
         return edit.countingPlace();
     return std::nullopt;
 }
@@ -118,9 +101,6 @@ ExitCode unlock(Session& session, const std::string& path) {
         throw Failure(ExitCode::Findings,
                       path + " is locked by the application, whatever the file says");
     const bool wasLocked = isLocked(edit.editor(), edit.place());
-    edit.editor().setLocked(edit.place(), false);
-    for (const std::string& lock : locksIn(edit))
-    const bool wasLocked = edit.isLocked(edit.place());
     edit.editor().setLocked(edit.place(), false);
     for (const std::string& lock : locksIn(edit))
         edit.note(lock + ", which is in it, stays locked");

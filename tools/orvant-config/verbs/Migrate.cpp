@@ -3,11 +3,6 @@
 #include "CommandLine.h"
 #include "editing/FileEdit.h"
 #include "editing/Migration.h"
-#include "Verbs.h"
-
-#include "../CommandLine.h"
-#include "../FileEdit.h"
-#include "../Migration.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,11 +3,6 @@
 #include "CommandLine.h"
 #include "catalogue/SettingText.h"
 #include "editing/FileEdit.h"
-#include "Verbs.h"
-
-#include "../CommandLine.h"
-#include "../FileEdit.h"
-#include "../SettingText.h"
 
 #include <algorithm>
 #include <memory>
@@ -78,7 +73,6 @@ ExitCode set(Session& session, const SetOptions& options) {
 
     FileEdit edit(session, std::move(found));
     const auto former = textsAt(edit.editor(), edit.place(), value);
-    const auto former = edit.textsAt(edit.place());
     edit.setTexts(texts);
     if (!value.constraint.condition.empty())
         edit.note("only the application can tell whether it is " + value.constraint.condition);
@@ -96,8 +90,6 @@ ExitCode unset(Session& session, const std::string& path) {
     const auto former =
         item.value == nullptr ? std::nullopt : textsAt(edit.editor(), edit.place(), *item.value);
     const bool wasLocked = isLocked(edit.editor(), edit.place());
-    const auto former = item.value == nullptr ? std::nullopt : edit.textsAt(edit.place());
-    const bool wasLocked = edit.isLocked(edit.place());
     const bool isRemoved = edit.editor().remove(
         edit.place(), item.value != nullptr ? item.value->description : item.object->description);
     if (wasLocked)
