@@ -1,8 +1,8 @@
 #include "NastyCatalogue.h"
 
+#include "CommandLine.h"
 #include "catalogue/SettingIndex.h"
 #include "verbs/Verbs.h"
-#include <CommandLine.h>
 
 #include <ConfigurationFramework/ConfigurationFileEditor.h>
 #include <ConfigurationFramework/ConfigurationManager.h>

@@ -1,6 +1,6 @@
 #include "NastyCatalogue.h"
 
-#include <ExplanationPage.h>
+#include "generating/ExplanationPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "NastyCatalogue.h"
 
-#include <FileSchema.h>
+#include "generating/FileSchema.h"
 
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <TestSupport.h>

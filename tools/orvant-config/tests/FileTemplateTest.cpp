@@ -1,6 +1,6 @@
 #include "NastyCatalogue.h"
 
-#include <FileTemplate.h>
+#include "generating/FileTemplate.h"
 
 #include <ConfigurationFramework/ConfigurationManager.h>
 #include <TestSupport.h>

@@ -1,6 +1,6 @@
-#include <NewFile.h>
+#include "generating/NewFile.h"
 
-#include <ExitCode.h>
+#include "ExitCode.h"
 #include <TestSupport.h>
 
 #include <gmock/gmock.h>
