@@ -137,7 +137,8 @@ std::optional<FoundItem> SettingIndex::find(std::string_view rest, const std::st
     for (std::size_t end = rest.find(']'); end != std::string_view::npos;
          end = rest.find(']', end + 1)) {
         const std::string key(rest.substr(nameEnd + 1, end - nameEnd - 1));
-        if (auto found = go(name + '[' + key + ']', end + 1, std::nullopt)) // "[*]" is no key
+        const std::string keyed = above + std::string(rest.substr(0, end + 1));
+        if (auto found = go(keyed, end + 1, std::nullopt)) // "[*]" is no key
             return found;
         if (auto found = go(name + "[*]", end + 1, key))
             return found;

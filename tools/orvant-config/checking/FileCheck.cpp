@@ -1,5 +1,6 @@
 #include "checking/FileCheck.h"
 
+#include "Ordering.h"
 #include "catalogue/KeyedEntries.h"
 #include "catalogue/Suggestions.h"
 #include "checking/NestedLists.h"
@@ -66,10 +67,9 @@ public:
             add(problem);
         for (Finding& finding : findNestedLists(m_session, m_files, m_manager.explain()))
             add(std::move(finding));
-        std::ranges::stable_sort(m_findings, {}, [&](const Finding& finding) {
+        return orderedBy(std::move(m_findings), [&](const Finding& finding) {
             return std::pair(finding.file != m_files.system, finding.line);
         });
-        return std::move(m_findings);
     }
 
 private:

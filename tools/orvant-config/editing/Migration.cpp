@@ -1,5 +1,7 @@
 #include "editing/Migration.h"
 
+#include "Ordering.h"
+
 #include "catalogue/SettingText.h"
 #include "editing/FileEdit.h"
 
@@ -17,8 +19,7 @@ std::vector<MigrationStep> Migration::run() {
     move();
     drop();
     checkTexts();
-    std::ranges::stable_sort(m_steps, {}, &MigrationStep::line);
-    return std::move(m_steps);
+    return orderedBy(std::move(m_steps), [](const MigrationStep& step) { return step.line; });
 }
 
 void Migration::collect() {

@@ -49,8 +49,8 @@ struct Difference {
     Said second;
 };
 
-void add(SaidByFile& all, const std::string& path, Said said) {
-    if (all.settings.try_emplace(path, std::move(said)).second)
+void add(SaidByFile& all, const std::string& path, const Said& said) {
+    if (all.settings.try_emplace(path, said).second)
         all.paths.push_back(path);
 }
 
@@ -103,7 +103,7 @@ SaidByFile readFile(Session& session, const FileName& file) {
         said.isLocked = origin.locked && origin.lockLine != 0;
         said.line = origin.systemValue ? origin.systemLine : origin.lockLine;
         if (said.text || said.isLocked)
-            add(all, origin.path, std::move(said));
+            add(all, origin.path, said);
     }
     return all;
 }
@@ -123,7 +123,7 @@ SaidByFile readEffective(Session& session, const FileName& file) {
             said.value = describe(session, origin.path, *text).value;
         said.isLocked = origin.locked;
         said.line = origin.line;
-        add(all, origin.path, std::move(said));
+        add(all, origin.path, said);
     }
     return all;
 }

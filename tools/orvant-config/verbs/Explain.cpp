@@ -1,6 +1,7 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
+#include "Ordering.h"
 #include "catalogue/SettingText.h"
 
 #include <algorithm>
@@ -98,8 +99,7 @@ void addSetting(const Explained& setting, const std::vector<LayerText>& vain, co
     const ConfigurationOrigin& origin = setting.origin;
     std::string notes = output.styled(lockText(origin), fmt::fg(fmt::terminal_color::red));
     for (const auto& [layer, text, place] : vain)
-        notes +=
-            std::string(notes.empty() ? "" : "  ") + '(' + place + " says " + text + ", in vain)";
+        notes += fmt::format("{}({} says {}, in vain)", notes.empty() ? "" : "  ", place, text);
     rows.push_back({oneLine(origin.path), shown(setting, origin.value),
                     output.styled(placeOf(origin), styleOf(origin.layer)), notes});
 }
@@ -178,19 +178,19 @@ private:
 };
 
 /// Puts objects into the order of the catalogue, which lists have, too.
-void sortAsListed(std::vector<ConfigurationOrigin>& origins,
-                  const ConfigurationCatalogue& catalogue) {
+std::vector<ConfigurationOrigin> asListed(std::vector<ConfigurationOrigin> origins,
+                                          const ConfigurationCatalogue& catalogue) {
     std::unordered_map<std::string, std::size_t> positions;
     for (const ConfigurationCatalogueEntry& entry : catalogue.getEntries())
         positions.emplace(entry.object.name, positions.size());
-    std::ranges::stable_sort(origins, {}, [&](const ConfigurationOrigin& origin) {
+    return orderedBy(std::move(origins), [&](const ConfigurationOrigin& origin) {
         return positions[origin.path.substr(0, origin.path.find_first_of("[/"))];
     });
 }
 
 ExitCode explain(Session& session, const ExplainOptions& options) {
-    std::vector<ConfigurationOrigin> origins = session.loadUsable().explain();
-    sortAsListed(origins, session.catalogue());
+    const std::vector<ConfigurationOrigin> origins =
+        asListed(session.loadUsable().explain(), session.catalogue());
     Explanation explanation(session, options);
     for (const ConfigurationOrigin& origin : origins) {
         const auto found = session.settings().find(origin.path);
