@@ -3,9 +3,6 @@
 #include <charconv>
 #include <system_error>
 
-#include <charconv>
-#include <system_error>
-
 namespace Orvant::Tool {
 
 namespace {
