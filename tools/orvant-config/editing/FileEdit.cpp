@@ -15,17 +15,14 @@ ConfigurationFileEditor open(Session& session) {
     if (file.empty())
         throw Failure(ExitCode::FileError, "the application has no file: there is no home folder");
     const ConfigurationCatalogue& catalogue = session.catalogue();
-    try {
-        ConfigurationFileEditor editor(file, catalogue.getWrittenVersion());
-        const auto& accepted = catalogue.getAcceptedVersions();
-        if (!editor.isNew() && std::ranges::find(accepted, editor.version()) == accepted.end())
-            throw Failure(ExitCode::FileError,
-                          messageAt(file, 0, "error",
-                                    "the version \"" + editor.version() + "\" is not accepted"));
-        return editor;
-    } catch (const ConfigurationFileError& e) {
-        throw Failure(ExitCode::FileError, e.what());
-    }
+    ConfigurationFileEditor editor = openToEdit(file, catalogue.getWrittenVersion());
+    const auto& accepted = catalogue.getAcceptedVersions();
+    if (!editor.isNew() && std::ranges::find(accepted, editor.version()) == accepted.end())
+        throw Failure(
+            ExitCode::FileError,
+            messageAt(file, 0, "error", "the version \"" + editor.version() + "\" is not accepted"),
+            true);
+    return editor;
 }
 
 /// An element below another.
@@ -212,6 +209,17 @@ void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json&
     for (const std::string& text : m_notes)
         line += "; " + text;
     output.print(oneLine(line) + '\n');
+}
+
+ConfigurationFileEditor openToEdit(const FileName& file, const std::string& versionOfNew) {
+    try {
+        return {file, versionOfNew};
+    } catch (const ConfigurationFileError& e) {
+        const ConfigurationProblem& problem = e.problem();
+        throw Failure(ExitCode::FileError,
+                      messageAt(problem.file, problem.line, "error", problem.text, problem.column),
+                      true);
+    }
 }
 
 std::optional<std::vector<std::string>> textsAt(const ConfigurationFileEditor& editor,

@@ -60,6 +60,10 @@ private:
     std::vector<std::string> m_notes;
 };
 
+/// Opens a file, or starts a new one where there is none.
+/// @throws Failure(FileError) for one that is damaged or cannot be read, with the place
+ConfigurationFileEditor openToEdit(const FileName& file, const std::string& versionOfNew);
+
 /// @return what an element of a value says, one text or the items of a list; nothing: nothing that
 ///         is read
 std::optional<std::vector<std::string>> textsAt(const ConfigurationFileEditor& editor,

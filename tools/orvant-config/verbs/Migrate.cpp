@@ -42,14 +42,10 @@ FileName outputOf(const MigrateOptions& options, const std::string& version) {
 }
 
 ConfigurationFileEditor openExisting(const std::string& file) {
-    try {
-        ConfigurationFileEditor editor(file, "");
-        if (editor.isNew())
-            throw Failure(ExitCode::FileError, file + ": there is no such file");
-        return editor;
-    } catch (const ConfigurationFileError& e) {
-        throw Failure(ExitCode::FileError, e.what());
-    }
+    ConfigurationFileEditor editor = openToEdit(file, "");
+    if (editor.isNew())
+        throw Failure(ExitCode::FileError, file + ": there is no such file");
+    return editor;
 }
 
 std::string kindText(MigrationStep::Kind kind) {
