@@ -74,6 +74,9 @@ StandardConfigurationFiles Session::files() {
 }
 
 FileName Session::administeredFile() {
+    if (m_options.systemFile && m_options.systemFile->empty()) // else it would be the user's
+        throw Failure(ExitCode::Usage,
+                      "the system file that is to be edited has no name: -s needs one");
     const StandardConfigurationFiles found = files();
     return found.system.empty() ? found.user : found.system;
 }

@@ -33,7 +33,8 @@ public:
     /// @throws Failure(NoCatalogue) like catalogue()
     StandardConfigurationFiles files();
     /// @return the system file, or that of an application with one
-    /// @throws Failure(NoCatalogue) like catalogue()
+    /// @throws Failure(NoCatalogue) like catalogue(); Failure(Usage) where the options say that
+    ///         there is no system file
     FileName administeredFile();
 
     /// Loads the objects of the catalogue from files, as the application does.
