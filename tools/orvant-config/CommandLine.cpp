@@ -65,10 +65,10 @@ ExitCode CommandLine::runVerb() {
         return code;
     } catch (const Failure& e) {
         if (!m_options.quiet)
-            std::cerr << (e.isPlaced() ? "" : "orvant-config: ") << e.what() << '\n';
+            std::cerr << (e.isPlaced() ? "" : "orvant-config: ") << oneLine(e.what()) << '\n';
         return e.code();
     } catch (const std::exception& e) {
-        std::cerr << "orvant-config: " << e.what() << '\n';
+        std::cerr << "orvant-config: " << oneLine(e.what()) << '\n';
         return ExitCode::FileError;
     }
 }

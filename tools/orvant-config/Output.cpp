@@ -1,9 +1,10 @@
 #include "Output.h"
 
+#include <Transcoding/Transcode.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
 
 #include <unistd.h>
 
@@ -22,6 +23,29 @@ bool isColored(const std::string& wish) {
 /// Whether a byte of UTF-8 begins a character.
 bool beginsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+}
+
+std::string escapedByte(char byte) {
+    return fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
+}
+
+/// Terminals obey these, beginning a line being the least of it.
+bool isControl(boost::locale::utf::code_point character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
+std::string escapedControl(boost::locale::utf::code_point control) {
+    switch (control) {
+    case '\n':
+        return "\\n";
+    case '\t':
+        return "\\t";
+    case '\r':
+        return "\\r";
+    default:
+        return control < 0x80 ? escapedByte(static_cast<char>(control))
+                              : fmt::format("\\u{:04x}", control);
+    }
 }
 
 /// Removes what only changes colours.
@@ -75,11 +99,18 @@ void Output::printTable(const std::vector<std::vector<std::string>>& rows) const
 
 std::string oneLine(const std::string& text) {
     std::string line;
-    for (const char character : text)
-        line += character == '\n'   ? "\\n"
-                : character == '\t' ? "\\t"
-                : character == '\r' ? "\\r"
-                                    : std::string(1, character);
+    const char* const end = text.data() + text.size();
+    for (const char* next = text.data(); next != end;) {
+        const char* const first = next;
+        const auto codePoint = takeCodePoint(next, end);
+        const bool isByte = codePoint == replacementCharacter && next == first + 1;
+        if (isByte)
+            line += escapedByte(*first);
+        else if (isControl(codePoint))
+            line += escapedControl(codePoint);
+        else
+            line.append(first, next);
+    }
     return line;
 }
 

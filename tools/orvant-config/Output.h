@@ -33,7 +33,8 @@ private:
     bool m_isColored;
 };
 
-/// @return a text without line breaks and tabs, which show as in C
+/// Makes a text of a file fit for a line on a terminal.
+/// @return it with control characters and bytes that are not UTF-8 shown as in C
 std::string oneLine(const std::string& text);
 
 /// @return how many columns a terminal needs for a text in UTF-8, as far as characters take one

@@ -80,7 +80,7 @@ void print(const Output& output, const MigrateOptions& options,
                                             {"version", version},
                                             {"steps", json}});
     else
-        output.print(target.toString() + ": version " + version + '\n');
+        output.print(oneLine(target.toString() + ": version " + version) + '\n');
 }
 
 ExitCode migrate(Session& session, const MigrateOptions& options) {
