@@ -1,15 +1,19 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
+#include "catalogue/SettingJson.h"
 #include "catalogue/SettingText.h"
 
 #include <memory>
+#include <tuple>
 
 namespace Orvant::Tool {
 
 namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
+
+constexpr unsigned int productCount = 6;
 
 std::string persistenceText(ConfigurationItemBase::Persistence persistence) {
     switch (persistence) {
@@ -25,15 +29,30 @@ std::string persistenceText(ConfigurationItemBase::Persistence persistence) {
     return "unknown";
 }
 
+std::vector<unsigned int> numbersOf(ConfigurationItemBase::ProductType products) {
+    std::vector<unsigned int> numbers;
+    for (unsigned int number = 0; number < productCount; ++number)
+        if ((static_cast<unsigned int>(products) & (1U << number)) != 0)
+            numbers.push_back(number);
+    return numbers;
+}
+
 std::string productsText(ConfigurationItemBase::ProductType products) {
-    if ((products & ConfigurationItemBase::AllProducts) == ConfigurationItemBase::AllProducts)
+    const std::vector<unsigned int> numbers = numbersOf(products);
+    if (numbers.size() == productCount)
         return "all";
     std::string text;
-    constexpr unsigned int count = 6;
-    for (unsigned int product = 0; product < count; ++product)
-        if ((static_cast<unsigned int>(products) & (1U << product)) != 0)
-            text += (text.empty() ? "" : ", ") + std::to_string(product);
+    for (const unsigned int number : numbers)
+        text += (text.empty() ? "" : ", ") + std::to_string(number);
     return text.empty() ? "none" : text;
+}
+
+/// What values and objects declare: description, persistence, products.
+auto declarationOf(const CatalogueItem& item) {
+    return item.value != nullptr
+               ? std::tie(item.value->description, item.value->persistence, item.value->products)
+               : std::tie(item.object->description, item.object->persistence,
+                          item.object->products);
 }
 
 void addValue(const ConfigurationValueDescription& value, Rows& rows) {
@@ -52,15 +71,11 @@ void addValue(const ConfigurationValueDescription& value, Rows& rows) {
     rows.push_back({"Shown", value.visibility == ConfigurationItemBase::Visible ? "yes" : "no"});
 }
 
-ExitCode describe(Session& session, const std::string& path) {
-    const CatalogueItem& item = *session.find(path).item;
+Rows rowsOf(const CatalogueItem& item) {
+    const auto& [description, persistence, products] = declarationOf(item);
     Rows rows{{"Path", item.path}};
     if (item.value != nullptr)
         rows.push_back({"Label", oneLine(item.value->constraint.label)});
-    const auto& [description, persistence, products] =
-        item.value != nullptr
-            ? std::tie(item.value->description, item.value->persistence, item.value->products)
-            : std::tie(item.object->description, item.object->persistence, item.object->products);
     rows.push_back({"Description", oneLine(description)});
     if (item.value != nullptr)
         addValue(*item.value, rows);
@@ -70,7 +85,30 @@ ExitCode describe(Session& session, const std::string& path) {
     rows.push_back({"Products", productsText(products)});
     if (item.isLockedByClass)
         rows.push_back({"Locked", "by the application, whatever the files say"});
-    session.output().printTable(rows);
+    return rows;
+}
+
+nlohmann::ordered_json fullJsonOf(const CatalogueItem& item) {
+    const auto& [description, persistence, products] = declarationOf(item);
+    nlohmann::ordered_json json = item.value != nullptr
+                                      ? jsonOf(item)
+                                      : nlohmann::ordered_json{{"path", item.path},
+                                                               {"type", "object"},
+                                                               {"description", description},
+                                                               {"loaded", item.isLoaded}};
+    json["persistence"] = persistenceText(persistence);
+    json["products"] = numbersOf(products);
+    json["lockedByApplication"] = item.isLockedByClass;
+    return json;
+}
+
+ExitCode describe(Session& session, const std::string& path) {
+    const CatalogueItem& item = *session.find(path).item;
+    const Output& output = session.output();
+    if (output.isJson())
+        output.print(fullJsonOf(item));
+    else
+        output.printTable(rowsOf(item));
     return ExitCode::Clean;
 }
 
