@@ -28,8 +28,10 @@ CommandLine::CommandLine()
         ->type_name("USER");
     m_app.add_option("--as", m_options.user, "User whose files and rights count")
         ->type_name("USER");
-    m_app.add_flag("--json", m_options.json, "Print JSON for programs");
-    m_app.add_flag("-q,--quiet", m_options.quiet, "Print nothing: the exit code tells");
+    m_app.add_flag("--json", m_options.json,
+                   "Print JSON for programs; not so template, schema and page");
+    m_app.add_flag("-q,--quiet", m_options.quiet,
+                   "Print nothing of what was found: the exit code tells");
     m_app.add_option("--color", m_options.color, "Whether to print colours: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->type_name("WHEN");
