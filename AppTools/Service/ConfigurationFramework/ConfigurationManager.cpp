@@ -169,6 +169,7 @@ bool ConfigurationManager::registerObject(const ConfigurationRegistration& regis
     if (mayJoin && m_known.objects.emplace(Address(name, key), nullptr).second) {
         m_objects.emplace(name, registration);
         m_removed.erase({name, key});
+        return true;
     }
     const auto registered = find(name, key);
     return registered != m_objects.end() && registered->second.object == object;

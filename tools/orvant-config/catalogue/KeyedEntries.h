@@ -1,9 +1,11 @@
 #pragma once
 
-#include <ConfigurationFramework/ConfigurationDescription.h>
+#include <ConfigurationFramework/ConfigurationCatalogue.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
 
+#include <map>
 #include <string>
+#include <vector>
 
 namespace Orvant::Tool {
 
@@ -18,5 +20,21 @@ std::string keyOfNone(const ConfigurationManager& manager, const std::string& na
 ConfigurationObject& registerEntry(ConfigurationManager& manager,
                                    const ConfigurationObjectDescription& kind,
                                    const std::string& key);
+
+/// What default entries hold for keys that have no element: the manager knows only what is
+/// registered, so an object is registered for such a key.
+class DefaultEntries {
+public:
+    /// @param catalogue  that of the manager's objects
+    /// @param ofAllKinds false: only where the files have a default entry
+    DefaultEntries(const ConfigurationCatalogue& catalogue, ConfigurationManager& manager,
+                   bool ofAllKinds);
+
+    /// @return the path of a setting, or "Machine/MaxFeed" if it is that of a default entry
+    std::string pathOf(const std::string& path) const;
+
+private:
+    std::map<std::string, std::string> m_names; ///< by what paths begin with
+};
 
 } // namespace Orvant::Tool

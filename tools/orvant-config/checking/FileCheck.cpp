@@ -3,10 +3,10 @@
 #include "Ordering.h"
 #include "catalogue/KeyedEntries.h"
 #include "catalogue/Suggestions.h"
+#include "checking/AttributeCheck.h"
 #include "checking/NestedLists.h"
 
 #include <algorithm>
-#include <map>
 
 namespace Orvant::Tool {
 
@@ -59,31 +59,23 @@ public:
         : m_session(session),
           m_files(files),
           m_manager(session.load(files)),
-          m_suggestions(session.settings()) {}
+          m_suggestions(session.settings()),
+          m_defaultEntries(session.catalogue(), m_manager, true) {}
 
     std::vector<Finding> findings() {
-        registerDefaultEntries();
         for (const ConfigurationProblem& problem : m_manager.getLoadProblems())
             add(problem);
         for (Finding& finding : findNestedLists(m_session, m_files, m_manager.explain()))
             add(std::move(finding));
+        for (const FileName& file : {m_files.system, m_files.user})
+            for (Finding& finding : findMeaninglessAttributes(file))
+                add(std::move(finding));
         return orderedBy(std::move(m_findings), [&](const Finding& finding) {
             return std::pair(finding.file != m_files.system, finding.line);
         });
     }
 
 private:
-    /// Has default entries checked, too: otherwise, only what is registered is.
-    void registerDefaultEntries() {
-        for (const auto& [object, isKeyed] : m_session.catalogue().getEntries()) {
-            if (!isKeyed)
-                continue;
-            const std::string key = keyOfNone(m_manager, object.name);
-            registerEntry(m_manager, object, key);
-            m_defaultEntries.emplace(object.name + '[' + key + ']', object.name);
-        }
-    }
-
     void add(const ConfigurationProblem& problem) {
         const bool isOfUser = !m_files.system.empty() && problem.file == m_files.user;
         Finding finding{severityOf(problem.kind, isOfUser),
@@ -99,11 +91,7 @@ private:
     }
 
     void add(Finding finding) {
-        const std::size_t end = finding.path.find(']');
-        if (end != std::string::npos)
-            if (const auto found = m_defaultEntries.find(finding.path.substr(0, end + 1));
-                found != m_defaultEntries.end())
-                finding.path.replace(0, end + 1, found->second);
+        finding.path = m_defaultEntries.pathOf(finding.path);
         m_findings.push_back(std::move(finding));
     }
 
@@ -111,7 +99,7 @@ private:
     StandardConfigurationFiles m_files;
     ConfigurationManager& m_manager;
     Suggestions m_suggestions;
-    std::map<std::string, std::string> m_defaultEntries; ///< their paths, by those of their objects
+    DefaultEntries m_defaultEntries; ///< otherwise, only what is registered is checked
     std::vector<Finding> m_findings;
 };
 

@@ -1,38 +1,21 @@
 #include "editing/ElementLines.h"
 
+#include "FileParsing.h"
+
 #include <GeneralServices/XercesHelperFunctions.h>
 
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/Locator.hpp>
-#include <xercesc/sax/SAXException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
-#include <xercesc/sax2/SAX2XMLReader.hpp>
-#include <xercesc/sax2/XMLReaderFactory.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLException.hpp>
-#include <xercesc/util/XMLUni.hpp>
 
 namespace Orvant::Tool {
 
 namespace {
 
 using Lines = std::unordered_map<std::string, unsigned int>;
-
-/// Xerces, as long as this lives.
-class XercesUse {
-public:
-    XercesUse() { xercesc::XMLPlatformUtils::Initialize(); }
-    XercesUse(const XercesUse&) = delete;
-    XercesUse& operator=(const XercesUse&) = delete;
-    ~XercesUse() { xercesc::XMLPlatformUtils::Terminate(); }
-};
 
 /// A text that no other step has.
 std::string identify(const std::string& name, const std::string& key) {
@@ -68,37 +51,12 @@ private:
     std::vector<std::string> m_paths;
 };
 
-std::string contentOf(const FileName& file) {
-    std::ifstream stream(file.toString(), std::ios::binary);
-    return {std::istreambuf_iterator(stream), {}};
-}
-
-void parse(const std::string& content, Handler& handler) {
-    using xercesc::XMLUni;
-    const std::unique_ptr<xercesc::SAX2XMLReader> parser(
-        xercesc::XMLReaderFactory::createXMLReader());
-    parser->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
-    parser->setFeature(XMLUni::fgSAX2CoreValidation, false);
-    parser->setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
-    parser->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
-    parser->setContentHandler(&handler);
-    parser->setErrorHandler(&handler);
-    parser->parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(content.data()),
-                                             content.size(), u"file"));
-}
-
 } // namespace
 
 ElementLines::ElementLines(const FileName& file) {
-    const XercesUse use;
     Handler handler(m_lines);
-    try {
-        parse(contentOf(file), handler);
-    } catch (const xercesc::SAXException&) {
+    if (!parseFile(file, handler))
         m_lines.clear();
-    } catch (const xercesc::XMLException&) {
-        m_lines.clear();
-    }
 }
 
 unsigned int ElementLines::of(const ConfigurationElementPath& path) const {

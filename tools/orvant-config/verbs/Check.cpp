@@ -141,8 +141,11 @@ ExitCode codeOf(const std::vector<Finding>& findings, bool warningsAsErrors) {
 
 ExitCode check(Session& session, const CheckOptions& options) {
     Check check(session);
-    for (const std::string& file : options.files)
+    for (const std::string& file : options.files) {
+        if (file.empty()) // a variable of a script that is not set
+            throw Failure(ExitCode::Usage, "the name of a file is empty");
         check.checkFile(file);
+    }
     if (options.files.empty())
         check.checkFiles();
     print(check.findings(), session.output());

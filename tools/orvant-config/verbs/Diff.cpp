@@ -1,6 +1,7 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
+#include "catalogue/ExplainedSettings.h"
 #include "catalogue/SettingText.h"
 
 #include <FileHandling/FileUtilities.h>
@@ -62,11 +63,11 @@ StandardConfigurationFiles alone(const FileName& file) {
     return {.system = file, .user = {}};
 }
 
-/// What a text means, by itself: numbers are the same however they are written.
-std::string meaningOf(const ConfigurationValueDescription* value, const std::string& text) {
-    const bool isNumber = value != nullptr && (value->type == ConfigurationValueBase::DoubleValue ||
-                                               value->type == ConfigurationValueBase::FloatValue);
-    if (!isNumber || !value->problemOf({text}).empty())
+/// What a number means, however it is written.
+std::string meaningOf(const ConfigurationValueDescription& value, const std::string& text) {
+    const bool isNumber = value.type != ConfigurationValueBase::StringValue &&
+                          value.type != ConfigurationValueBase::BoolValue;
+    if (!isNumber || !value.problemOf({text}).empty())
         return text;
     double number = 0;
     std::istringstream(text) >> number;
@@ -74,12 +75,20 @@ std::string meaningOf(const ConfigurationValueDescription* value, const std::str
 }
 
 /// What a setting says, apart from its lock.
-Said describe(Session& session, const std::string& path, const std::string& text) {
-    const auto found = session.settings().find(path);
+/// @param text what a file holds, or what applies
+/// @param isApplied whether the text applies as it is
+Said describe(Session& session, const ExplainedSetting& setting, const std::string& text,
+              bool isApplied) {
+    const auto found = session.settings().find(setting.origin.path);
     const ConfigurationValueDescription* const value = found ? found->item->value : nullptr;
-    return {.text = text,
-            .value = meaningOf(value, text),
-            .shown = value == nullptr ? '"' + text + '"' : valueText(*value, text)};
+    if (value == nullptr)
+        return {.text = text, .value = text, .shown = '"' + text + '"'};
+    const std::string meaning =
+        !value->isList() ? meaningOf(*value, text)
+        : isApplied      ? nlohmann::json(setting.items)
+                          .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                    : text;
+    return {.text = text, .value = meaning, .shown = valueText(*value, text)};
 }
 
 /// Adds the objects with keys that a setting is in: even one without settings is a difference.
@@ -95,11 +104,14 @@ void addObjects(Session& session, const std::string& path, SaidByFile& all) {
 
 SaidByFile readFile(Session& session, const FileName& file) {
     SaidByFile all;
-    for (const ConfigurationOrigin& origin : session.loadUsable(alone(file)).explain()) {
+    for (const ExplainedSetting& setting :
+         explainAll(session.catalogue(), session.loadUsable(alone(file)))) {
+        const ConfigurationOrigin& origin = setting.origin;
         addObjects(session, origin.path, all);
         Said said;
         if (origin.systemValue)
-            said = describe(session, origin.path, *origin.systemValue);
+            said = describe(session, setting, *origin.systemValue,
+                            origin.layer == ConfigurationOrigin::System);
         said.isLocked = origin.locked && origin.lockLine != 0;
         said.line = origin.systemValue ? origin.systemLine : origin.lockLine;
         if (said.text || said.isLocked)
@@ -113,14 +125,16 @@ SaidByFile readEffective(Session& session, const FileName& file) {
     SaidByFile all;
     StandardConfigurationFiles files = alone(file);
     files.user = session.files().user;
-    for (const ConfigurationOrigin& origin : session.loadUsable(files).explain()) {
+    for (const ExplainedSetting& setting :
+         explainAll(session.catalogue(), session.loadUsable(files))) {
+        const ConfigurationOrigin& origin = setting.origin;
         addObjects(session, origin.path, all);
-        Said said = describe(session, origin.path, origin.value);
+        Said said = describe(session, setting, origin.value, true);
         // Which has all its digits.
         const auto& text =
             origin.layer == ConfigurationOrigin::System ? origin.systemValue : origin.userValue;
         if (origin.layer != ConfigurationOrigin::Default && text)
-            said.value = describe(session, origin.path, *text).value;
+            said.value = describe(session, setting, *text, true).value;
         said.isLocked = origin.locked;
         said.line = origin.line;
         add(all, origin.path, said);

@@ -1,7 +1,7 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
-#include "Ordering.h"
+#include "catalogue/ExplainedSettings.h"
 #include "catalogue/SettingText.h"
 
 #include <algorithm>
@@ -22,6 +22,7 @@ struct ExplainOptions {
 /// A setting of the files.
 struct Explained {
     const ConfigurationOrigin& origin;
+    const std::vector<std::string>& items;      ///< of a list
     const ConfigurationValueDescription* value; ///< null: its class writes it, undeclared
 };
 
@@ -122,20 +123,24 @@ nlohmann::ordered_json jsonOf(const Explained& setting) {
     const auto orNull = [](const auto& text) {
         return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json();
     };
-    return {{"path", origin.path},
-            {"type", setting.value == nullptr ? "string" : typeText(setting.value->type)},
-            {"value", origin.value},
-            {"layer", nameOf(origin.layer)},
-            {"file", origin.file.toString()},
-            {"line", origin.line},
-            {"locked", origin.locked},
-            {"lockedBy", origin.lockedBy},
-            {"lockFile", origin.lockFile.toString()},
-            {"lockLine", origin.lockLine},
-            {"systemValue", orNull(origin.systemValue)},
-            {"systemLine", origin.systemLine},
-            {"userValue", orNull(origin.userValue)},
-            {"userLine", origin.userLine}};
+    nlohmann::ordered_json json{
+        {"path", origin.path},
+        {"type", setting.value == nullptr ? "string" : typeText(setting.value->type)},
+        {"value", origin.value},
+        {"layer", nameOf(origin.layer)},
+        {"file", origin.file.toString()},
+        {"line", origin.line},
+        {"locked", origin.locked},
+        {"lockedBy", origin.lockedBy},
+        {"lockFile", origin.lockFile.toString()},
+        {"lockLine", origin.lockLine},
+        {"systemValue", orNull(origin.systemValue)},
+        {"systemLine", origin.systemLine},
+        {"userValue", orNull(origin.userValue)},
+        {"userLine", origin.userLine}};
+    if (setting.value != nullptr && setting.value->isList())
+        json["items"] = setting.items;
+    return json;
 }
 
 /// Explains settings one after the other.
@@ -177,27 +182,16 @@ private:
     nlohmann::ordered_json m_json = nlohmann::ordered_json::array();
 };
 
-/// Puts objects into the order of the catalogue, which lists have, too.
-std::vector<ConfigurationOrigin> asListed(std::vector<ConfigurationOrigin> origins,
-                                          const ConfigurationCatalogue& catalogue) {
-    std::unordered_map<std::string, std::size_t> positions;
-    for (const ConfigurationCatalogueEntry& entry : catalogue.getEntries())
-        positions.emplace(entry.object.name, positions.size());
-    return orderedBy(std::move(origins), [&](const ConfigurationOrigin& origin) {
-        return positions[origin.path.substr(0, origin.path.find_first_of("[/"))];
-    });
-}
-
 ExitCode explain(Session& session, const ExplainOptions& options) {
-    const std::vector<ConfigurationOrigin> origins =
-        asListed(session.loadUsable().explain(), session.catalogue());
+    const std::vector<ExplainedSetting> settings =
+        explainAll(session.catalogue(), session.loadUsable());
     Explanation explanation(session, options);
-    for (const ConfigurationOrigin& origin : origins) {
+    for (const auto& [origin, items] : settings) {
         const auto found = session.settings().find(origin.path);
         const CatalogueItem* const item = found ? found->item : nullptr;
         if (origin.path.starts_with(options.prefix) ||
             (item != nullptr && item->path.starts_with(options.prefix)))
-            explanation.add({origin, item == nullptr ? nullptr : item->value});
+            explanation.add({origin, items, item == nullptr ? nullptr : item->value});
     }
     if (explanation.isEmpty() && !options.prefix.empty()) {
         session.find(options.prefix);

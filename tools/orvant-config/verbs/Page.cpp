@@ -1,17 +1,21 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
+#include "catalogue/ExplainedSettings.h"
 #include "generating/ExplanationPage.h"
 #include "generating/NewFile.h"
 
 #include <memory>
+#include <utility>
 
 namespace Orvant::Tool {
 
 namespace {
 
 ExitCode makePageOf(Session& session, const std::string& file) {
-    const std::vector<ConfigurationOrigin> origins = session.loadUsable().explain();
+    std::vector<ConfigurationOrigin> origins;
+    for (ExplainedSetting& setting : explainAll(session.catalogue(), session.loadUsable()))
+        origins.push_back(std::move(setting.origin));
     const std::string page = makePage(session.catalogue().getApplication(), session.settings(),
                                       session.files(), origins);
     if (file.empty())
