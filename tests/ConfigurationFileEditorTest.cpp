@@ -448,6 +448,7 @@ TEST_F(ConfigurationFileEditorTest, LosesNothingThatOthersChangedMeanwhile) {
     editor.setText({{"b"}}, "3");
     Report report = editor.save();
     EXPECT_EQ(Report::Failed, report.reason);
+    EXPECT_EQ(std::errc::resource_unavailable_try_again, report.error);
     EXPECT_EQ('"' + m_file.toString() + "\" was not saved: somebody else changed it meanwhile",
               report.text);
     EXPECT_TRUE(editor.isChanged());

@@ -164,7 +164,8 @@ public:
         PrintedDocument printed = print();
         const SaveLock lock(m_file, patience);
         if (!isStill(m_file, m_bytes))
-            throw SaveFailure(Report::Failed, "somebody else changed it meanwhile");
+            throw SaveFailure(Report::Failed, "somebody else changed it meanwhile",
+                              std::make_error_code(std::errc::resource_unavailable_try_again));
         Report report = storeDocument(m_file, printed, false);
         lock.tellIfNotMade(report);
         m_bytes = std::move(printed.text);

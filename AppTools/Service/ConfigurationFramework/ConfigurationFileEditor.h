@@ -178,9 +178,9 @@ public:
     /// written in place. Nothing is written when nothing was changed. The save takes the lock that
     /// ConfigurationManager::Merge takes, too.
     /// @param patience longest time to wait for the lock
-    /// @return Saved, NothingToSave when nothing was changed, or why it failed: Failed, for one,
-    ///         where the file is not what it was when it was opened or last saved. After a failure,
-    ///         the file is as it was.
+    /// @return Saved, NothingToSave when nothing was changed, or why it failed: Failed with the
+    ///         error std::errc::resource_unavailable_try_again, for one, where the file is not what
+    ///         it was when it was opened or last saved. After a failure, the file is as it was.
     ConfigurationSaveReport save(std::chrono::milliseconds patience = std::chrono::seconds(5));
     /// Writes the document, changed or not, to a new file, and makes its folder. The editor's own
     /// file stays as it is, and so does what has the name already, be that a link to nothing: that

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <ranges>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace Orvant::Tool {
@@ -89,6 +90,12 @@ std::string join(const std::vector<std::string>& texts, const std::string& separ
         joined += (joined.empty() ? "" : separator) + text;
     return joined;
 }
+
+/// A file is not what it was when it was opened.
+class ChangedMeanwhile : public Failure {
+public:
+    explicit ChangedMeanwhile(const std::string& message) : Failure(ExitCode::FileError, message) {}
+};
 
 } // namespace
 
@@ -190,6 +197,8 @@ void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json&
     const bool isChanged = m_editor.isChanged();
     if (isChanged) {
         const ConfigurationSaveReport report = m_editor.save();
+        if (report.error == std::errc::resource_unavailable_try_again)
+            throw ChangedMeanwhile(report.text);
         if (report.reason != ConfigurationSaveReport::Saved)
             throw Failure(ExitCode::FileError, report.text);
         if (!report.text.empty())
@@ -209,6 +218,20 @@ void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json&
     for (const std::string& text : m_notes)
         line += "; " + text;
     output.print(oneLine(line) + '\n');
+}
+
+ExitCode editFile(Session& session, const FoundItem& found,
+                  const std::function<ExitCode(FileEdit&)>& edit) {
+    constexpr int maxAttempts = 20;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            FileEdit opened(session, found);
+            return edit(opened);
+        } catch (const ChangedMeanwhile&) {
+            if (attempt == maxAttempts)
+                throw;
+        }
+    }
 }
 
 ConfigurationFileEditor openToEdit(const FileName& file, const std::string& versionOfNew) {

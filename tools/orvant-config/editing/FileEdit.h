@@ -5,6 +5,7 @@
 
 #include <ConfigurationFramework/ConfigurationFileEditor.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,7 +44,7 @@ public:
     /// Saves the file if anything was changed, and prints what was done.
     /// @param sentence what is so now, which begins after the path
     /// @param details  for programs
-    /// @throws Failure(FileError) when it cannot be written
+    /// @throws Failure(FileError) when it cannot be written, or somebody else changed it meanwhile
     void finish(const std::string& sentence, const nlohmann::ordered_json& details);
 
 private:
@@ -59,6 +60,14 @@ private:
     ConfigurationElementPath m_countingPlace;
     std::vector<std::string> m_notes;
 };
+
+/// Edits the file. Where somebody else changed it meanwhile, the edit is repeated with what it
+/// holds then, so that none of the changes is lost.
+/// @param edit to be ended by FileEdit::finish()
+/// @return what the edit returned
+/// @throws Failure like FileEdit and finish(), when others change it again and again, too
+ExitCode editFile(Session& session, const FoundItem& found,
+                  const std::function<ExitCode(FileEdit&)>& edit);
 
 /// Opens a file, or starts a new one where there is none.
 /// @throws Failure(FileError) for one that is damaged or cannot be read, with the place

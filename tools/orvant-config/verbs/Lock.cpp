@@ -57,10 +57,7 @@ nlohmann::ordered_json jsonOf(const std::optional<ConfigurationElementPath>& loc
             {"lockedBy", lockAround ? nlohmann::ordered_json(textOf(*lockAround)) : nullptr}};
 }
 
-ExitCode lock(Session& session, const std::string& path) {
-    FoundItem found = session.find(path);
-    checkTakenFromFiles(*found.item, path);
-    FileEdit edit(session, std::move(found));
+ExitCode lock(FileEdit& edit) {
     std::string locked = "locked";
     if (edit.item().value != nullptr)
         locked += " at " + provideText(edit);
@@ -74,6 +71,12 @@ ExitCode lock(Session& session, const std::string& path) {
     edit.finish((wasLocked ? "was " : "is ") + locked + (wasLocked ? " already" : ""),
                 jsonOf(around, true));
     return ExitCode::Clean;
+}
+
+ExitCode lock(Session& session, const std::string& path) {
+    const FoundItem found = session.find(path);
+    checkTakenFromFiles(*found.item, path);
+    return editFile(session, found, [](FileEdit& edit) { return lock(edit); });
 }
 
 /// The locks in an object.
@@ -95,11 +98,7 @@ std::optional<ConfigurationElementPath> lockBesides(const FileEdit& edit) {
     return std::nullopt;
 }
 
-ExitCode unlock(Session& session, const std::string& path) {
-    FileEdit edit(session, session.find(path));
-    if (edit.item().isLockedByClass)
-        throw Failure(ExitCode::Findings,
-                      path + " is locked by the application, whatever the file says");
+ExitCode unlock(FileEdit& edit) {
     const bool wasLocked = isLocked(edit.editor(), edit.place());
     edit.editor().setLocked(edit.place(), false);
     for (const std::string& lock : locksIn(edit))
@@ -111,6 +110,14 @@ ExitCode unlock(Session& session, const std::string& path) {
                    textOf(*other);
     edit.finish(sentence, jsonOf(other, false));
     return other ? ExitCode::Findings : ExitCode::Clean;
+}
+
+ExitCode unlock(Session& session, const std::string& path) {
+    const FoundItem found = session.find(path);
+    if (found.item->isLockedByClass)
+        throw Failure(ExitCode::Findings,
+                      path + " is locked by the application, whatever the file says");
+    return editFile(session, found, [](FileEdit& edit) { return unlock(edit); });
 }
 
 void addVerb(CommandLine& commandLine, const std::string& name, const std::string& description,

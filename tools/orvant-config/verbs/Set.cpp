@@ -61,17 +61,8 @@ nlohmann::ordered_json jsonOf(const ConfigurationValueDescription& value,
                           : nlohmann::ordered_json(readableTexts(value, *texts).front());
 }
 
-ExitCode set(Session& session, const SetOptions& options) {
-    FoundItem found = session.find(options.path);
-    checkTakenFromFiles(*found.item, options.path);
-    if (found.item->value == nullptr)
-        throw Failure(ExitCode::Usage,
-                      options.path + " is an object: only the values in it can be set");
-    const ConfigurationValueDescription& value = *found.item->value;
-    checkCount(value, options);
-    const Texts texts = textsOf(value, options);
-
-    FileEdit edit(session, std::move(found));
+ExitCode set(FileEdit& edit, const Texts& texts) {
+    const ConfigurationValueDescription& value = *edit.item().value;
     const auto former = textsAt(edit.editor(), edit.place(), value);
     edit.setTexts(texts);
     if (!value.constraint.condition.empty())
@@ -84,8 +75,19 @@ ExitCode set(Session& session, const SetOptions& options) {
     return ExitCode::Clean;
 }
 
-ExitCode unset(Session& session, const std::string& path) {
-    FileEdit edit(session, session.find(path));
+ExitCode set(Session& session, const SetOptions& options) {
+    const FoundItem found = session.find(options.path);
+    checkTakenFromFiles(*found.item, options.path);
+    if (found.item->value == nullptr)
+        throw Failure(ExitCode::Usage,
+                      options.path + " is an object: only the values in it can be set");
+    const ConfigurationValueDescription& value = *found.item->value;
+    checkCount(value, options);
+    const Texts texts = textsOf(value, options);
+    return editFile(session, found, [&](FileEdit& edit) { return set(edit, texts); });
+}
+
+ExitCode unset(FileEdit& edit) {
     const CatalogueItem& item = edit.item();
     const auto former =
         item.value == nullptr ? std::nullopt : textsAt(edit.editor(), edit.place(), *item.value);
@@ -103,9 +105,9 @@ ExitCode unset(Session& session, const std::string& path) {
 
 void addUnset(CommandLine& commandLine) {
     const auto path = std::make_shared<std::string>();
-    CLI::App& verb =
-        commandLine.addVerb("unset", "Remove a setting or object from the system file",
-                            [path](Session& session) { return unset(session, *path); });
+    CLI::App& verb = commandLine.addVerb(
+        "unset", "Remove a setting or object from the system file",
+        [path](Session& session) { return editFile(session, session.find(*path), unset); });
     verb.add_option("PATH", *path, "The setting, or an object with all that is in it")->required();
 }
 
