@@ -195,6 +195,7 @@ void FileEdit::noteOtherReaders() {
 
 void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json& details) {
     const bool isChanged = m_editor.isChanged();
+    const bool isNewFile = isChanged && m_editor.isNew();
     if (isChanged) {
         const ConfigurationSaveReport report = m_editor.save();
         if (report.error == std::errc::resource_unavailable_try_again)
@@ -214,7 +215,7 @@ void FileEdit::finish(const std::string& sentence, const nlohmann::ordered_json&
         output.print(json);
         return;
     }
-    std::string line = file + ": " + path() + ' ' + sentence;
+    std::string line = file + (isNewFile ? " (new file)" : "") + ": " + path() + ' ' + sentence;
     for (const std::string& text : m_notes)
         line += "; " + text;
     output.print(oneLine(line) + '\n');
