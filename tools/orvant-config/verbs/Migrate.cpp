@@ -48,6 +48,19 @@ ConfigurationFileEditor openExisting(const std::string& file) {
     return editor;
 }
 
+/// Paths are made for all elements, each as long as those around it: nobody would wait for that.
+void refuseDeepNesting(const ConfigurationFileEditor& editor) {
+    constexpr std::size_t maxDepth = 100;
+    editor.visitElements({}, [&](const ConfigurationElementPath& path) {
+        if (path.size() > maxDepth)
+            throw Failure(
+                ExitCode::FileError,
+                messageAt(editor.file(), 0, "error",
+                          "its elements are nested deeper than " + std::to_string(maxDepth)),
+                true);
+    });
+}
+
 std::string kindText(MigrationStep::Kind kind) {
     switch (kind) {
     case MigrationStep::Renamed:
@@ -87,6 +100,7 @@ ExitCode migrate(Session& session, const MigrateOptions& options) {
     const std::string version = versionOf(session, options);
     const FileName target = outputOf(options, version);
     ConfigurationFileEditor editor = openExisting(options.file);
+    refuseDeepNesting(editor);
     const ElementLines lines(options.file);
     const auto steps = Migration(session.catalogue(), session.settings(), editor, lines).run();
     editor.setVersion(version);
