@@ -1,6 +1,6 @@
 #include "Output.h"
 
-#include <Transcoding/Transcode.h>
+#include <boost/locale/utf.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -11,6 +11,8 @@
 namespace Orvant::Tool {
 
 namespace {
+
+namespace utf = boost::locale::utf;
 
 /// Colours are for eyes (https://no-color.org).
 bool isColored(const std::string& wish) {
@@ -30,11 +32,11 @@ std::string escapedByte(char byte) {
 }
 
 /// Terminals obey these, beginning a line being the least of it.
-bool isControl(boost::locale::utf::code_point character) {
+bool isControl(utf::code_point character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
-std::string escapedControl(boost::locale::utf::code_point control) {
+std::string escapedControl(utf::code_point control) {
     switch (control) {
     case '\n':
         return "\\n";
@@ -102,14 +104,15 @@ std::string oneLine(const std::string& text) {
     const char* const end = text.data() + text.size();
     for (const char* next = text.data(); next != end;) {
         const char* const first = next;
-        const auto codePoint = takeCodePoint(next, end);
-        const bool isByte = codePoint == replacementCharacter && next == first + 1;
-        if (isByte)
+        const auto codePoint = utf::utf_traits<char>::decode(next, end);
+        if (codePoint == utf::illegal || codePoint == utf::incomplete) {
             line += escapedByte(*first);
-        else if (isControl(codePoint))
+            next = first + 1; // the byte that broke the sequence may be valid by itself
+        } else if (isControl(codePoint)) {
             line += escapedControl(codePoint);
-        else
+        } else {
             line.append(first, next);
+        }
     }
     return line;
 }
