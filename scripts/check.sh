@@ -15,7 +15,7 @@ cmake --preset asan-ubsan
 cmake --build --preset asan-ubsan
 
 echo "== clang-tidy"
-run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/(AppTools|examples|fuzzing|tools)/.*" 2>/dev/null
+run-clang-tidy-19 -quiet -p build/asan-ubsan "^$PWD/((AppTools|examples|fuzzing)/|tools/[^/]+/(?!tests/)).*" 2>/dev/null
 
 echo "== Tests under the sanitizers"
 ctest --preset asan-ubsan

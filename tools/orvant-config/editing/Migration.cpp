@@ -5,6 +5,8 @@
 #include "catalogue/SettingText.h"
 #include "editing/FileEdit.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -137,7 +139,7 @@ void Migration::checkText(const ConfigurationElementPath& place, const Catalogue
         for (const auto& [path, formerText, today] : m_catalogue.getFormerTexts())
             if (text == formerText && path == namesOf(place)) {
                 m_steps.push_back({MigrationStep::Replaced, place, line,
-                                   '"' + text + "\" is \"" + today + "\" now"});
+                                   fmt::format("\"{}\" is \"{}\" now", text, today)});
                 text = today;
                 break;
             }
