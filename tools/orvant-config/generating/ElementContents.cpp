@@ -37,11 +37,13 @@ bool ElementContents::hasLoadedValues() const {
 
 ElementContents contentsOfRoot(const ConfigurationCatalogue& catalogue) {
     ElementContents contents;
-    for (const auto& [object, isKeyed] : catalogue.getEntries())
-        contents.children.push_back({.object = &object,
-                                     .isKind = isKeyed,
-                                     .isRegistered = true,
-                                     .isLoaded = isLoadable(object)});
+    for (const auto& [object, isKeyed] : catalogue.getEntries()) {
+        ElementChild& child = contents.children.emplace_back();
+        child.object = &object;
+        child.isKind = isKeyed;
+        child.isRegistered = true;
+        child.isLoaded = isLoadable(object);
+    }
     return contents;
 }
 
