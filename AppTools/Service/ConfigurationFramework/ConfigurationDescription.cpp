@@ -22,15 +22,26 @@ std::string quoted(const std::string& text) {
     return '"' + text + '"';
 }
 
-/// @throws std::invalid_argument for a text that is not all of a number
+bool isLoadable(ConfigurationItemBase::Persistence persistence) {
+    return persistence == ConfigurationItemBase::LoadAndSave ||
+           persistence == ConfigurationItemBase::LoadOnly;
+}
+
+/// @return nothing for a text that is not all of a number
 template <typename Number>
-Number parseNumber(const std::string& text) {
+std::optional<Number> numberIn(const std::string& text) {
     Number number{};
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end)
-        throw std::invalid_argument(quoted(text) + " is not a value of the type");
-    return number;
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+/// @throws std::invalid_argument for a text that is not all of a number
+template <typename Number>
+Number parseNumber(const std::string& text) {
+    if (const auto number = numberIn<Number>(text))
+        return *number;
+    throw std::invalid_argument(quoted(text) + " is not a value of the type");
 }
 
 /// The inverse of exactText().
@@ -126,17 +137,14 @@ std::unique_ptr<ConfigurationValueBase> makeOfType(const Description& descriptio
 } // namespace
 
 bool ConfigurationValueDescription::isLoadable() const {
-    return persistence == ConfigurationItemBase::LoadAndSave ||
-           persistence == ConfigurationItemBase::LoadOnly;
+    return Orvant::isLoadable(persistence);
 }
 
 std::string ConfigurationValueDescription::fileTextOf(const std::string& text) const {
     if (type != ConfigurationValueBase::UnsignedIntValue)
         return text;
-    unsigned int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && rest == end ? exactText(static_cast<int>(number)) : text;
+    const auto number = numberIn<unsigned int>(text);
+    return number ? exactText(static_cast<int>(*number)) : text;
 }
 
 std::string ConfigurationValueDescription::problemOf(const std::vector<std::string>& texts) const {
@@ -162,6 +170,10 @@ std::unique_ptr<ConfigurationValueBase> ConfigurationValueDescription::makeValue
     } catch (const std::logic_error& e) {
         throw std::invalid_argument(quoted(name) + ": " + e.what());
     }
+}
+
+bool ConfigurationObjectDescription::isLoadable() const {
+    return Orvant::isLoadable(persistence);
 }
 
 std::unique_ptr<ConfigurationObject> ConfigurationObjectDescription::makeObject() const {

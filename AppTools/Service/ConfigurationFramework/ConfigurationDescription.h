@@ -71,6 +71,8 @@ struct ORVANT_CONFIGURATIONFRAMEWORK_EXPORT ConfigurationObjectDescription {
     // Without an initialiser: Clang would need the class below for it.
     std::vector<Child> children; ///< in the order of saving
 
+    /// @return whether a load takes it from a file
+    bool isLoadable() const;
     /// @return an object with that description, which loads, merges and saves like the one that was
     ///         described. It keeps a copy of the description.
     /// @throws std::invalid_argument like ConfigurationValueDescription::makeValue()

@@ -9,11 +9,6 @@ namespace Orvant::Tool {
 
 namespace {
 
-bool isLoadable(ConfigurationItemBase::Persistence persistence) {
-    return persistence == ConfigurationItemBase::LoadAndSave ||
-           persistence == ConfigurationItemBase::LoadOnly;
-}
-
 std::string textOf(const PathStep& step) {
     if (step.isKind && !step.key)
         return step.name + "[*]";
@@ -73,7 +68,7 @@ SettingIndex::SettingIndex(const ConfigurationCatalogue& catalogue) {
 
 void SettingIndex::addObject(const ConfigurationObjectDescription& object, CatalogueItem item) {
     item.object = &object;
-    item.isLoaded = item.isLoaded && isLoadable(object.persistence);
+    item.isLoaded = item.isLoaded && object.isLoadable();
     item.isLockedByClass = item.isLockedByClass || !object.isEditable;
     add(item);
     addContents(object, item);
@@ -84,7 +79,7 @@ void SettingIndex::addContents(const ConfigurationObjectDescription& object,
     for (const ConfigurationValueDescription& value : object.values) {
         CatalogueItem found = below(item, {.name = value.name});
         found.value = &value;
-        found.isLoaded = found.isLoaded && isLoadable(value.persistence);
+        found.isLoaded = found.isLoaded && value.isLoadable();
         found.isLockedByClass = found.isLockedByClass || !value.isEditable;
         add(std::move(found));
     }
@@ -94,7 +89,7 @@ void SettingIndex::addContents(const ConfigurationObjectDescription& object,
             continue;
         }
         CatalogueItem inlined = item;
-        inlined.isLoaded = item.isLoaded && isLoadable(child.persistence);
+        inlined.isLoaded = item.isLoaded && child.isLoadable();
         inlined.isLockedByClass = item.isLockedByClass || !child.isEditable;
         addContents(child, inlined);
     }

@@ -16,6 +16,22 @@ bool isWholly(const std::string& text, int& number) {
 
 } // namespace
 
+const char* layerText(ConfigurationOrigin::Layer layer) {
+    switch (layer) {
+    case ConfigurationOrigin::System:
+        return "system";
+    case ConfigurationOrigin::User:
+        return "user";
+    case ConfigurationOrigin::Default:
+        break;
+    }
+    return "default";
+}
+
+std::string shownText(const ConfigurationValueDescription* value, const std::string& text) {
+    return value == nullptr ? '"' + text + '"' : valueText(*value, text);
+}
+
 std::string typeText(ConfigurationValueBase::ValueType type) {
     switch (type) {
     case ConfigurationValueBase::BoolValue:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/ConfigurationDescription.h>
+#include <ConfigurationFramework/ConfigurationOrigin.h>
 
 #include <string>
 #include <vector>
@@ -8,6 +9,12 @@
 namespace Orvant::Tool {
 
 // How people read what a catalogue says.
+
+/// @return "default", "system" or "user"
+const char* layerText(ConfigurationOrigin::Layer layer);
+/// @param value null: a class writes the text without declaring it
+/// @return a text of a setting, as files hold it: strings in quotes
+std::string shownText(const ConfigurationValueDescription* value, const std::string& text);
 
 /// @return "bool", "int", "unsigned", "double", "float", "string" or "list"
 std::string typeText(ConfigurationValueBase::ValueType type);

@@ -8,16 +8,17 @@ namespace {
 
 using Object = ConfigurationObjectDescription;
 
-bool isLoadable(const Object& object) {
-    return object.isEditable && (object.persistence == ConfigurationItemBase::LoadAndSave ||
-                                 object.persistence == ConfigurationItemBase::LoadOnly);
+/// What its class locks is never loaded.
+bool isLoaded(const Object& object) {
+    return object.isEditable && object.isLoadable();
 }
 
-void add(const Object& object, bool isLoaded, ElementContents& contents) {
+void add(const Object& object, bool isParentLoaded, ElementContents& contents) {
     for (const ConfigurationValueDescription& value : object.values)
-        contents.values.push_back({&value, isLoaded && value.isLoadable() && value.isEditable});
+        contents.values.push_back(
+            {&value, isParentLoaded && value.isLoadable() && value.isEditable});
     for (const auto& [child, isKind, key] : object.children) {
-        const bool isChildLoaded = isLoaded && isLoadable(child);
+        const bool isChildLoaded = isParentLoaded && isLoaded(child);
         if (child.name.empty())
             add(child, isChildLoaded, contents);
         else
@@ -42,7 +43,7 @@ ElementContents contentsOfRoot(const ConfigurationCatalogue& catalogue) {
         child.object = &object;
         child.isKind = isKeyed;
         child.isRegistered = true;
-        child.isLoaded = isLoadable(object);
+        child.isLoaded = isLoaded(object);
     }
     return contents;
 }

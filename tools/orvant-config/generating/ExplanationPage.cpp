@@ -21,18 +21,6 @@ namespace {
 
 using Origin = ConfigurationOrigin;
 
-std::string nameOf(Origin::Layer layer) {
-    switch (layer) {
-    case Origin::System:
-        return "system";
-    case Origin::User:
-        return "user";
-    case Origin::Default:
-        break;
-    }
-    return "default";
-}
-
 /// @return an element of a class
 std::string elementOf(const std::string& tag, const std::string& ofClass,
                       const std::string& content) {
@@ -61,8 +49,7 @@ std::string fragmentOf(const std::string& text) {
 }
 
 std::string shown(const CatalogueItem* item, const std::string& text) {
-    return escaped(item == nullptr || item->value == nullptr ? '"' + text + '"'
-                                                             : valueText(*item->value, text));
+    return escaped(shownText(item == nullptr ? nullptr : item->value, text));
 }
 
 std::string lockOf(const Origin& origin) {
@@ -108,9 +95,9 @@ std::string rowOf(const Origin& origin, const StandardConfigurationFiles& files,
         origin.file.empty() ? "" : elementOf("span", "place", placeOf(origin.file, origin.line));
     return fmt::format("<tr class=\"layer-{}{}\"><th scope=\"row\">{}</th>{}<td>{}{}</td>"
                        "<td>{}</td><td>{}</td></tr>",
-                       nameOf(origin.layer), origin.locked ? " locked" : "",
+                       layerText(origin.layer), origin.locked ? " locked" : "",
                        settingOf(origin, item), elementOf("td", "value", shown(item, origin.value)),
-                       elementOf("span", "from", nameOf(origin.layer)), place, lockOf(origin),
+                       elementOf("span", "from", layerText(origin.layer)), place, lockOf(origin),
                        vainOf(origin, files, item));
 }
 
@@ -125,26 +112,6 @@ std::string filesOf(const StandardConfigurationFiles& files) {
     return fileOf("System file", files.system) +
            fileOf(files.system.empty() ? "File" : "User's file", files.user);
 }
-
-/// Finds what a catalogue says of settings. Most have no keys.
-class Items {
-public:
-    explicit Items(const SettingIndex& settings) : m_settings(settings) {
-        for (const CatalogueItem& item : settings.items())
-            m_items.try_emplace(item.path, &item);
-    }
-
-    const CatalogueItem* find(const std::string& path) const {
-        if (const auto item = m_items.find(path); item != m_items.end())
-            return item->second;
-        const auto found = m_settings.find(path);
-        return found ? found->item : nullptr;
-    }
-
-private:
-    const SettingIndex& m_settings;
-    std::map<std::string_view, const CatalogueItem*> m_items;
-};
 
 /// @param texts what stands for names in the frame; what they hold stays as it is
 std::string filled(std::string_view frame, const std::map<std::string_view, std::string>& texts) {
@@ -167,10 +134,11 @@ std::string filled(std::string_view frame, const std::map<std::string_view, std:
 
 std::string makePage(const std::string& application, const SettingIndex& settings,
                      const StandardConfigurationFiles& files, const std::vector<Origin>& origins) {
-    const Items items(settings);
     std::string rows;
-    for (const Origin& origin : origins)
-        rows += rowOf(origin, files, items.find(origin.path)) + '\n';
+    for (const Origin& origin : origins) {
+        const auto found = settings.find(origin.path);
+        rows += rowOf(origin, files, found ? found->item : nullptr) + '\n';
+    }
     return filled(
         pageFrame,
         {{"application", escaped(application)}, {"files", filesOf(files)}, {"rows", rows}});

@@ -82,7 +82,7 @@ Said describe(Session& session, const ExplainedSetting& setting, const std::stri
     const auto found = session.settings().find(setting.origin.path);
     const ConfigurationValueDescription* const value = found ? found->item->value : nullptr;
     if (value == nullptr)
-        return {.text = text, .value = text, .shown = '"' + text + '"'};
+        return {.text = text, .value = text, .shown = shownText(value, text)};
     const std::string meaning =
         !value->isList() ? meaningOf(*value, text)
         : isApplied      ? nlohmann::json(setting.items)

@@ -38,7 +38,7 @@ std::string placeOf(const FileName& file, unsigned int line) {
 }
 
 std::string shown(const Explained& setting, const std::string& text) {
-    return oneLine(setting.value == nullptr ? '"' + text + '"' : valueText(*setting.value, text));
+    return oneLine(shownText(setting.value, text));
 }
 
 fmt::text_style styleOf(ConfigurationOrigin::Layer layer) {
@@ -51,18 +51,6 @@ fmt::text_style styleOf(ConfigurationOrigin::Layer layer) {
         break;
     }
     return fmt::emphasis::faint;
-}
-
-const char* nameOf(ConfigurationOrigin::Layer layer) {
-    switch (layer) {
-    case ConfigurationOrigin::System:
-        return "system";
-    case ConfigurationOrigin::User:
-        return "user";
-    case ConfigurationOrigin::Default:
-        break;
-    }
-    return "default";
 }
 
 /// What the files say, those that decide last.
@@ -91,7 +79,7 @@ std::string lockText(const ConfigurationOrigin& origin) {
 }
 
 std::string placeOf(const ConfigurationOrigin& origin) {
-    return origin.file.empty() ? nameOf(origin.layer) : placeOf(origin.file, origin.line);
+    return origin.file.empty() ? layerText(origin.layer) : placeOf(origin.file, origin.line);
 }
 
 /// Adds what applies, and why.
@@ -108,7 +96,7 @@ void addSetting(const Explained& setting, const std::vector<LayerText>& vain, co
 void addLayers(const Explained& setting, const std::vector<LayerText>& texts, const Output& output,
                Rows& rows) {
     const auto add = [&](const LayerText& said) {
-        rows.push_back({std::string("  ") + nameOf(said.layer), said.text,
+        rows.push_back({std::string("  ") + layerText(said.layer), said.text,
                         output.styled(said.place, styleOf(said.layer)),
                         said.layer == setting.origin.layer ? "applies" : ""});
     };
@@ -127,7 +115,7 @@ nlohmann::ordered_json jsonOf(const Explained& setting) {
         {"path", origin.path},
         {"type", setting.value == nullptr ? "string" : typeText(setting.value->type)},
         {"value", origin.value},
-        {"layer", nameOf(origin.layer)},
+        {"layer", layerText(origin.layer)},
         {"file", origin.file.toString()},
         {"line", origin.line},
         {"locked", origin.locked},
