@@ -2,15 +2,23 @@
 
 #include <ConfigurationFramework/Export.h>
 #include <ConfigurationFramework/XsdElement.h>
+#include <ConfigurationFramework/XsdLoss.h>
+#include <ConfigurationFramework/XsdReadProblem.h>
 #include <FileHandling/FileName.h>
 
+#include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace Orvant {
+
+enum class SchemaDialect : std::uint8_t;
+class SchemaSource;
 
 /// Reader of one of the suite's XML Schema files: it reports what the schema declares, removes what
 /// is not wanted and writes the rest.
@@ -75,6 +83,17 @@ public:
     ///   The schema is then unchanged.
     void readXSD(bool sanitise);
 
+    /// Reads any schema: whatever its prefixes, target namespace, encoding and layout are; also one
+    /// in the reader's own namespace. The same is read of it as of a file of the suite, into the
+    /// same tree. Names of its own types are returned without a prefix, those of XML Schema's with
+    /// xs:, others as they are written. No file beside it is made.
+    /// @throws as readXSD(); ParserReportedErrors: the document element is no schema
+    void readAnyXSD();
+
+    /// @return why the last call of readXSD() or readAnyXSD() failed, which the error log tells,
+    ///         too; nothing if it did not
+    const std::optional<XsdReadProblem>& getReadProblem() const { return m_problem; }
+
     /// @return name and type of each root element in document order, without those of undeclared
     ///         types
     std::vector<std::pair<std::string, std::string>> getRootelements();
@@ -120,13 +139,48 @@ public:
     /// There is then no file, or the former one if it could not be removed.
     void writeXSD(const FileName& file, bool fixOutput);
 
+    /// @return what writeXSD() would not write of the file that was read, in the order of the file,
+    ///         without what the filters removed; nothing before the first successful reading
+    std::vector<XsdLoss> getLosses();
+
+    /// @param typeName name of a type, with or without the prefix ov:
+    /// @return the type and all declared types that it names, directly or through others, also in
+    ///         optional children and in what the tree does not show: passed to keepXSDElement(),
+    ///         they lose nothing. Nothing when there is no such type.
+    std::vector<std::string> getTypesUsedBy(const std::string& typeName);
+
+    /// Writes the file that was read, byte for byte, without what the filters removed: types, root
+    /// elements, children and attributes, each with what is in it and the comments that belong to
+    /// it. These are the ones that stand before it without a blank line between, or after it on its
+    /// last line.
+    ///
+    /// What is removed but named by something that stays, stays as well: types; also root elements
+    /// that are referred to, attributes and children that a restriction repeats, and what comes
+    /// from an entity. The file on disk is not read again. A schema that was changed through
+    /// XsdElement::getSchema() is not written, except what it lost.
+    /// @param file file to write, replaced in one step; it may be the one that was read
+    /// @return names of the types that stay although they are removed, in the order of the file;
+    ///         after them "TYPE/CHILD" and "TYPE/@ATTRIBUTE" for what stays of a type. Nothing
+    ///         before the first successful reading, when nothing is written.
+    /// @throws ConfigException of type SourceNotFound when the file cannot be written, and is then
+    ///         as it was; ParserReportedErrors when something is to be cut out of a file that is
+    ///         well-formed only as readXSD() sees it
+    std::vector<std::string> writePrunedXSD(const FileName& file);
+
+    /// Likewise, to a stream.
+    /// @throws std::ios_base::failure when the stream does not take it
+    std::vector<std::string> writePrunedXSD(std::ostream& stream);
+
 private:
+    ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT void read(SchemaDialect dialect);
     void replaceInFile(const FileName& file, const std::string& from, const std::string& to);
     void fixXsdFormatInFile(const FileName& file);
     void fixXsdOutputFile(const FileName& file);
 
     std::shared_ptr<FileName> m_file;
     std::shared_ptr<XsdElement> m_tree;
+    std::shared_ptr<const SchemaSource> m_source; ///< what the tree was made of
+    std::optional<XsdReadProblem> m_problem;
 };
 
 } // namespace Orvant
