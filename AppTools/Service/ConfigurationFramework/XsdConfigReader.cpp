@@ -167,11 +167,7 @@ void XsdConfigReader::replaceInFile(const FileName& file, const std::string& fro
 }
 
 void XsdConfigReader::fixXsdFormatInFile(const FileName& file) {
-    replaceInFile(file, LineRewriting::suiteHeader(true), LineRewriting::readerHeader());
-    replaceInFile(file, LineRewriting::suiteHeader(false), LineRewriting::readerHeader());
-    replaceInFile(file, "<xs:import/>", "");
-    replacePrefix(file, "xs:", "");
-    replacePrefix(file, "ov:", "");
+    SchemaFiles::rewriteLines(file, LineRewriting::rewriteForReader);
 }
 
 void XsdConfigReader::fixXsdOutputFile(const FileName& file) {

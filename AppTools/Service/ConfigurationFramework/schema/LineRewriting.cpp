@@ -1,5 +1,7 @@
 #include <ConfigurationFramework/schema/LineRewriting.h>
 
+#include <ConfigurationFramework/schema/SchemaNamespaces.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -8,8 +10,6 @@ namespace Orvant::LineRewriting {
 
 namespace {
 
-constexpr std::string_view suiteNamespace = "http://www.orvant.com/OV_QLV100";
-constexpr std::string_view readerNamespace = ORVANT_READER_NAMESPACE;
 constexpr std::string_view modelSchemaTag = "<p1:schema xmlns:p1=\"";
 constexpr std::string_view whiteSpace = " \t\r";
 
@@ -19,7 +19,7 @@ std::string schemaTag(std::string_view element, std::string_view nameSpace, bool
     const auto add = [&tag](std::string_view name, std::string_view value) {
         tag.append(" ").append(name).append("=\"").append(value).append("\"");
     };
-    add("xmlns:xs", "http://www.w3.org/2001/XMLSchema");
+    add("xmlns:xs", SchemaNamespaces::xmlSchema);
     if (withPrefix)
         add("xmlns:ov", nameSpace);
     add("xmlns", nameSpace);
@@ -130,19 +130,41 @@ ClassifiedLine classify(std::string_view line, std::string_view prefix) {
 } // namespace
 
 std::string suiteHeader(bool withPrefix) {
-    return schemaTag("xs:schema", suiteNamespace, withPrefix);
+    return schemaTag("xs:schema", SchemaNamespaces::suite, withPrefix);
 }
 
 std::string readerHeader() {
-    return schemaTag("schema", readerNamespace, true);
+    return schemaTag("schema", SchemaNamespaces::reader, true);
 }
 
 std::string modelHeader() {
-    return std::string(modelSchemaTag).append(readerNamespace).append("\">");
+    return std::string(modelSchemaTag).append(SchemaNamespaces::reader).append("\">");
 }
 
 std::string emptyModelHeader() {
-    return std::string(modelSchemaTag).append(readerNamespace).append("\"/>");
+    return std::string(modelSchemaTag).append(SchemaNamespaces::reader).append("\"/>");
+}
+
+std::string rewriteForReader(const std::string& line) {
+    static const std::string s_withPrefix = suiteHeader(true);
+    static const std::string s_withoutPrefix = suiteHeader(false);
+    static const std::string s_reader = readerHeader();
+    std::string rewritten = replaceFirst(line, s_withPrefix, s_reader);
+    rewritten = replaceFirst(rewritten, s_withoutPrefix, s_reader);
+    rewritten = replaceFirst(rewritten, removedImport, "");
+    rewritten = replacePrefix(rewritten, "xs:", "");
+    return replacePrefix(rewritten, "ov:", "");
+}
+
+std::string rewrittenForReader(std::string_view file) {
+    std::string rewritten;
+    rewritten.reserve(file.size() + 1);
+    while (!file.empty()) {
+        const auto end = std::min(file.find('\n'), file.size());
+        rewritten.append(rewriteForReader(std::string(file.substr(0, end)))).append(1, '\n');
+        file.remove_prefix(std::min(end + 1, file.size()));
+    }
+    return rewritten;
 }
 
 std::string replaceFirst(const std::string& line, std::string_view from, std::string_view to) {

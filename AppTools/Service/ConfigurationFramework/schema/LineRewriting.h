@@ -19,6 +19,14 @@ std::string modelHeader();
 /// Tag that the schema document model writes for an empty schema.
 std::string emptyModelHeader();
 
+/// What is removed from a file of the suite besides prefixes.
+inline constexpr std::string_view removedImport = "<xs:import/>";
+
+/// @return a line of a file of the suite as the schema document model reads it
+std::string rewriteForReader(const std::string& line);
+/// @return the same of all lines of a file, each of which ends with a line feed afterwards
+std::string rewrittenForReader(std::string_view file);
+
 /// @return the line with the first occurrence of `from` replaced
 std::string replaceFirst(const std::string& line, std::string_view from, std::string_view to);
 

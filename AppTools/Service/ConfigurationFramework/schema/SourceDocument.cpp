@@ -1,0 +1,74 @@
+#include <ConfigurationFramework/schema/SourceDocument.h>
+
+#include <ConfigurationFramework/schema/SourceParser.h>
+
+#include <GeneralServices/XmlErrorHandler.h>
+
+#include <algorithm>
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+namespace Orvant {
+
+namespace {
+
+/// @return bytes of a byte order mark, which Xerces leaves out where it counts
+std::size_t markSize(std::string_view bytes) {
+    using namespace std::string_view_literals;
+    // That of UTF-32 begins like that of UTF-16.
+    for (const std::string_view mark : {"\xEF\xBB\xBF"sv, "\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv,
+                                        "\xFF\xFE"sv, "\xFE\xFF"sv})
+        if (bytes.starts_with(mark))
+            return mark.size();
+    return 0;
+}
+
+} // namespace
+
+std::optional<SourceDocument> SourceDocument::parse(const std::string& bytes) {
+    XmlErrorHandler errors;
+    ParserConfinement confinement(ParserConfinement::schemas);
+    const auto parser = confinement.makeParser<SourceParser>();
+    parser->setErrorHandler(&errors);
+    confinement.parseBytes(*parser, bytes);
+    SourceDocument document = parser->take();
+    if (errors.getSawErrors() || document.m_root == none)
+        return std::nullopt;
+    if (const std::size_t mark = markSize(bytes))
+        for (Node& node : document.m_nodes) {
+            node.begin += mark;
+            node.end += mark;
+            node.gap += mark;
+        }
+    return document;
+}
+
+SourceDocument::Attributes SourceDocument::attributes(Index element) const {
+    const Node& node = m_nodes[element];
+    const Attribute* const first = m_attributes.data() + node.firstAttribute;
+    return {first, first + node.attributeCount};
+}
+
+const std::string* SourceDocument::attribute(Index element, std::string_view name) const {
+    const Attributes all = attributes(element);
+    const Attribute* const found = std::ranges::find(all, name, &Attribute::name);
+    return found == all.end() ? nullptr : &found->value;
+}
+
+std::optional<std::string_view> SourceDocument::nameSpaceOf(std::string_view prefix,
+                                                            Index element) const {
+    const std::string declaration =
+        prefix.empty() ? "xmlns" : std::string("xmlns:").append(prefix);
+    for (Index scope = m_nodes[element].scope; scope != none;) {
+        if (const std::string* const uri = attribute(scope, declaration))
+            return *uri;
+        const Index parent = m_nodes[scope].parent;
+        scope = parent == none ? none : m_nodes[parent].scope;
+    }
+    if (prefix.empty())
+        return std::string_view();
+    return std::nullopt;
+}
+
+} // namespace Orvant
