@@ -1,12 +1,21 @@
 #include <ConfigurationFramework/XsdConfigReader.h>
 
 #include <ConfigurationFramework/ConfigException.h>
+#include <ConfigurationFramework/files/FileReplacing.h>
 #include <ConfigurationFramework/files/RegularFile.h>
 #include <ConfigurationFramework/schema/LineRewriting.h>
+#include <ConfigurationFramework/schema/PrunedSchema.h>
+#include <ConfigurationFramework/schema/RemovedNodes.h>
+#include <ConfigurationFramework/schema/SchemaClosure.h>
 #include <ConfigurationFramework/schema/SchemaFiles.h>
 #include <ConfigurationFramework/schema/SchemaParser.h>
+#include <ConfigurationFramework/schema/SchemaSource.h>
 
 #include <FileHandling/FileUtilities.h>
+
+#include <ios>
+#include <ostream>
+#include <utility>
 
 namespace Orvant {
 
@@ -18,15 +27,22 @@ void replacePrefix(const FileName& file, const std::string& from, const std::str
     });
 }
 
+/// @return the bytes of a schema file
+/// @throws ConfigException of type SourceNotFound when it cannot be read
+std::string bytesOf(const FileName& file) {
+    auto bytes = readRegularFile(file);
+    if (!bytes)
+        throw ConfigException(ConfigException::SourceNotFound);
+    return std::move(*bytes);
+}
+
 /// @return the name of the copy to sanitise
 /// @throws ConfigException of type SourceNotFound when it cannot be made
-FileName makeCopy(const FileName& file) {
-    // Whatever has the copy's name is removed, which must not be the file itself.
-    const auto bytes = SchemaFiles::isScratchFile(file) ? std::nullopt : readRegularFile(file);
+FileName makeCopy(const FileName& file, const std::string& bytes) {
     const FileName copy = SchemaFiles::sanitisingCopy(file);
-    if (!bytes || !SchemaFiles::makePlace(copy))
+    if (!SchemaFiles::makePlace(copy))
         throw ConfigException(ConfigException::SourceNotFound);
-    SchemaFiles::make(copy, *bytes);
+    SchemaFiles::make(copy, bytes);
     return copy;
 }
 
@@ -48,15 +64,23 @@ XsdConfigReader& XsdConfigReader::operator=(const XsdConfigReader&) = default;
 XsdConfigReader::~XsdConfigReader() = default;
 
 void XsdConfigReader::readXSD(bool sanitise) {
+    read(sanitise ? SchemaDialect::Suite : SchemaDialect::Reader);
+}
+
+void XsdConfigReader::readAnyXSD() {
+    read(SchemaDialect::Any);
+}
+
+void XsdConfigReader::read(SchemaDialect dialect) {
     try {
-        if (!sanitise) {
-            m_tree = std::make_shared<XsdElement>(*parseSchema(*m_file));
-            return;
-        }
-        const FileName copy = makeCopy(*m_file);
-        fixXsdFormatInFile(copy);
-        m_tree = std::make_shared<XsdElement>(*parseSchema(copy));
-        FileUtilities::remove(copy);
+        // Whatever has the name of a scratch file is removed, which must not be the file itself.
+        if (dialect == SchemaDialect::Suite && SchemaFiles::isScratchFile(*m_file))
+            throw ConfigException(ConfigException::SourceNotFound);
+        std::string bytes = bytesOf(*m_file);
+        const auto schema =
+            dialect == SchemaDialect::Suite ? parseRewritten(bytes) : parseSchema(bytes, dialect);
+        m_tree = std::make_shared<XsdElement>(*schema);
+        m_source = std::make_shared<const SchemaSource>(std::move(bytes), dialect);
     } catch (const ConfigException&) {
         throw;
     } catch (const xml_schema::parsing&) {
@@ -143,20 +167,43 @@ std::vector<XsdLoss> XsdConfigReader::getLosses() {
     return {};
 }
 
-std::vector<std::string> XsdConfigReader::getTypesUsedBy(const std::string&) {
-    return {};
+std::vector<std::string> XsdConfigReader::getTypesUsedBy(const std::string& typeName) {
+    if (!m_tree)
+        return {};
+    // Tree and file each show what the other does not, until there is nothing new.
+    std::vector<std::string> types = m_tree->getNeededTypes({typeName});
+    while (true) {
+        auto more = m_tree->getNeededTypes(withTypesNamedInFile(types));
+        if (more.size() == types.size())
+            return types;
+        types = std::move(more);
+    }
 }
 
-std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName&) {
-    return {};
+std::vector<std::string>
+XsdConfigReader::withTypesNamedInFile(const std::vector<std::string>& types) const {
+    if (!m_source->parse())
+        return types;
+    const auto removed = findRemovedNodes(*m_source, *m_tree->getSchema());
+    return withNamedTypes(m_source->document(), removed, types);
 }
 
-std::vector<std::string> XsdConfigReader::writePrunedXSD(std::ostream&) {
-    return {};
+std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName& file) {
+    if (!m_tree)
+        return {};
+    const PrunedSchema pruned(*m_source, *m_tree->getSchema());
+    if (replaceFile(file, pruned.text).error)
+        throw ConfigException(ConfigException::SourceNotFound);
+    return pruned.stayed;
 }
 
-void XsdConfigReader::readAnyXSD() {
-    readXSD(true);
+std::vector<std::string> XsdConfigReader::writePrunedXSD(std::ostream& stream) {
+    if (!m_tree)
+        return {};
+    const PrunedSchema pruned(*m_source, *m_tree->getSchema());
+    if (!(stream << pruned.text).flush())
+        throw std::ios_base::failure("the schema cannot be written");
+    return pruned.stayed;
 }
 
 void XsdConfigReader::replaceInFile(const FileName& file, const std::string& from,
@@ -164,6 +211,15 @@ void XsdConfigReader::replaceInFile(const FileName& file, const std::string& fro
     SchemaFiles::rewriteLines(file, [&from, &to](const std::string& line) {
         return LineRewriting::replaceFirst(line, from, to);
     });
+}
+
+/// Parses a file of the suite in a copy beside it.
+std::unique_ptr<OV_XsdReader::ov_schema> XsdConfigReader::parseRewritten(const std::string& bytes) {
+    const FileName copy = makeCopy(*m_file, bytes);
+    fixXsdFormatInFile(copy);
+    auto schema = parseSchema(bytesOf(copy), SchemaDialect::Suite);
+    FileUtilities::remove(copy);
+    return schema;
 }
 
 void XsdConfigReader::fixXsdFormatInFile(const FileName& file) {

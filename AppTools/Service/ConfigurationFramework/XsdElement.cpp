@@ -371,6 +371,15 @@ std::shared_ptr<ov_schema> XsdElement::getSchema() const {
     return m_schema;
 }
 
+std::vector<std::string> XsdElement::getNeededTypes(const std::vector<std::string>& names) const {
+    if (!m_schema)
+        return {};
+    std::vector<std::string> needed = withNeededTypes(names, Follow::AllChildren, *m_schema);
+    const Names declared = declaredTypes(*m_schema);
+    std::erase_if(needed, [&](const std::string& name) { return !declared.contains(name); });
+    return needed;
+}
+
 void XsdElement::keepElements(const std::vector<std::string>& names) {
     if (!m_schema)
         return;

@@ -97,6 +97,11 @@ public:
     /// @return the document, shared with this tree; null for an empty tree
     std::shared_ptr<OV_XsdReader::ov_schema> getSchema() const;
 
+    /// @param names names of types, with or without the prefix ov:
+    /// @return those that are declared, and the declared types that they need, directly or through
+    ///         others, so that they lose no child: optional ones count
+    std::vector<std::string> getNeededTypes(const std::vector<std::string>& names) const;
+
     /// Removes the types that are not wanted, and the optional children and root elements of these
     /// types.
     ///

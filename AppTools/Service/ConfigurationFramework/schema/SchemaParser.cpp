@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/schema/SchemaParser.h>
 
 #include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/schema/AnySchema.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 #include <ConfigurationFramework/xml/XmlText.h>
@@ -15,6 +16,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
@@ -99,7 +101,7 @@ public:
 
     /// @return the document, which lives as long as this parser; null when the document is not
     /// well-formed or is refused
-    const xercesc::DOMDocument* parse(const std::string& bytes) {
+    xercesc::DOMDocument* parse(const std::string& bytes) {
         m_confinement.parseBytes(*m_parser, bytes);
         return m_errors.getSawErrors() ? nullptr : m_parser->getDocument();
     }
@@ -114,39 +116,42 @@ bool isWithinLimits(const std::string& bytes) {
     return ParserForSchema<MeasuringParser>().parse(bytes) != nullptr;
 }
 
-/// The document of a schema file.
+/// The document of a schema.
 class SchemaDocument {
 public:
-    explicit SchemaDocument(const FileName& file)
+    explicit SchemaDocument(const std::string& bytes)
         : m_session(s_log, std::source_location::current()) {
-        const auto bytes = readRegularFile(file);
-        if (!bytes || !isWithinLimits(*bytes))
+        if (!isWithinLimits(bytes))
             return;
         m_parser.emplace();
         m_parser->setDoNamespaces(true);
-        m_document = m_parser->parse(*bytes);
+        m_document = m_parser->parse(bytes);
     }
 
-    /// @return null when the file cannot be read, is not well-formed or is refused
-    const xercesc::DOMDocument* get() const { return m_document; }
+    /// @return null when it is not well-formed or is refused
+    xercesc::DOMDocument* get() const { return m_document; }
 
 private:
     XercesSession m_session;
     std::optional<ParserForSchema<ContentParser>> m_parser;
-    const xercesc::DOMDocument* m_document = nullptr;
+    xercesc::DOMDocument* m_document = nullptr;
 };
 
 } // namespace
 
-std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const FileName& file) {
-    const SchemaDocument document(file);
+std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const std::string& bytes,
+                                                     SchemaDialect dialect) {
+    const SchemaDocument document(bytes);
     if (document.get() == nullptr)
         throw xml_schema::parsing();
-    return OV_XsdReader::schema_(*document.get(), xml_schema::flags::dont_validate);
+    if (dialect == SchemaDialect::Any)
+        translateForReader(*document.get());
+    return OV_XsdReader::schema_(std::as_const(*document.get()), xml_schema::flags::dont_validate);
 }
 
 bool isWellFormed(const FileName& file) {
-    return SchemaDocument(file).get() != nullptr;
+    const auto bytes = readRegularFile(file);
+    return bytes && SchemaDocument(*bytes).get() != nullptr;
 }
 
 } // namespace Orvant

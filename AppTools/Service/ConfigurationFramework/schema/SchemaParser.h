@@ -1,9 +1,11 @@
 #pragma once
 
+#include <ConfigurationFramework/schema/SchemaDialect.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
 
 #include <cstddef>
 #include <memory>
+#include <string>
 
 namespace Orvant {
 
@@ -21,12 +23,14 @@ struct SchemaLimits {
     static constexpr std::size_t expandedSize = 10'000'000;
 };
 
-/// Parses a file into the schema document model. Nothing that the file refers to is opened. A file
-/// beyond SchemaLimits or ParserConfinement::maxEntityReferences is refused.
-/// @throws xml_schema::parsing when the file cannot be read, is not well-formed or is refused
+/// Parses a schema into the schema document model. Nothing that it refers to is opened. One beyond
+/// SchemaLimits or ParserConfinement::maxEntityReferences is refused.
+/// @param bytes   the file, rewritten if it is one of the suite
+/// @param dialect whether the elements of XML Schema are those of the model, too
+/// @throws xml_schema::parsing when it is not well-formed or is refused
 /// @throws xsd::cxx::exception, one of the model's, when the document does not fit the model
-/// @throws FileNameException for a name that no file system could hold
-std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const FileName& file);
+std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const std::string& bytes,
+                                                     SchemaDialect dialect);
 
 /// @return true when a file holds a well-formed document with namespaces, within the same limits
 /// @throws FileNameException for a name that no file system could hold

@@ -17,8 +17,8 @@ namespace {
 std::size_t markSize(std::string_view bytes) {
     using namespace std::string_view_literals;
     // That of UTF-32 begins like that of UTF-16.
-    for (const std::string_view mark : {"\xEF\xBB\xBF"sv, "\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv,
-                                        "\xFF\xFE"sv, "\xFE\xFF"sv})
+    for (const std::string_view mark :
+         {"\xEF\xBB\xBF"sv, "\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv, "\xFF\xFE"sv, "\xFE\xFF"sv})
         if (bytes.starts_with(mark))
             return mark.size();
     return 0;
@@ -58,8 +58,7 @@ const std::string* SourceDocument::attribute(Index element, std::string_view nam
 
 std::optional<std::string_view> SourceDocument::nameSpaceOf(std::string_view prefix,
                                                             Index element) const {
-    const std::string declaration =
-        prefix.empty() ? "xmlns" : std::string("xmlns:").append(prefix);
+    const std::string declaration = prefix.empty() ? "xmlns" : std::string("xmlns:").append(prefix);
     for (Index scope = m_nodes[element].scope; scope != none;) {
         if (const std::string* const uri = attribute(scope, declaration))
             return *uri;

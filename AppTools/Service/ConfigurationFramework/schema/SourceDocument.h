@@ -32,21 +32,22 @@ public:
     struct Attribute {
         std::string name; ///< as it is written
         std::string value;
-        bool isQualified = false; ///< whether it is in a namespace
+        bool isQualified = false;   ///< whether it is in a namespace
         bool isDeclaration = false; ///< of a namespace
     };
 
     struct Node {
         Kind kind = Kind::Element;
         Namespace nameSpace = Namespace::Other; ///< of an element
-        bool inEntity = false;  ///< it is not in the text, but in an entity's
-        bool followsText = false; ///< there is more than white space between it and what is before it
+        bool inEntity = false;                  ///< it is not in the text, but in an entity's
+        bool followsText =
+            false; ///< there is more than white space between it and what is before it
         unsigned int breaksBefore = 0; ///< lines that end between it and what is before it
-        unsigned int line = 0;   ///< of its begin, from 1
-        unsigned int column = 0; ///< there, in UTF-16 code units, from 1
-        std::size_t begin = 0;   ///< first byte; in an entity, that of the reference
-        std::size_t end = 0;     ///< byte after the last
-        std::size_t gap = 0;     ///< byte after what is before it: from there on, it is white space
+        unsigned int line = 0;         ///< of its begin, from 1
+        unsigned int column = 0;       ///< there, in UTF-16 code units, from 1
+        std::size_t begin = 0;         ///< first byte; in an entity, that of the reference
+        std::size_t end = 0;           ///< byte after the last
+        std::size_t gap = 0; ///< byte after what is before it: from there on, it is white space
         Index parent = none;
         Index next = none; ///< first node that is not within it
         std::string name;  ///< local name of an element

@@ -183,14 +183,16 @@ void SourceParser::moveOn() {
 }
 
 SourceDocument::Namespace SourceParser::nameSpaceOf(unsigned int uri) {
-    const auto known = std::ranges::find(m_nameSpaces, uri, [](const auto& pair) { return pair.first; });
+    const auto known =
+        std::ranges::find(m_nameSpaces, uri, [](const auto& pair) { return pair.first; });
     if (known != m_nameSpaces.end())
         return known->second;
     const std::string text = toString(getScanner()->getURIText(uri));
     const auto nameSpace = text.empty() ? SourceDocument::Namespace::None
-                           : text == SchemaNamespaces::xmlSchema ? SourceDocument::Namespace::XmlSchema
-                           : text == SchemaNamespaces::reader    ? SourceDocument::Namespace::Reader
-                                                : SourceDocument::Namespace::Other;
+                           : text == SchemaNamespaces::xmlSchema
+                               ? SourceDocument::Namespace::XmlSchema
+                           : text == SchemaNamespaces::reader ? SourceDocument::Namespace::Reader
+                                                              : SourceDocument::Namespace::Other;
     m_nameSpaces.emplace_back(uri, nameSpace);
     return nameSpace;
 }

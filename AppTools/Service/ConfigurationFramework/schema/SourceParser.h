@@ -60,10 +60,10 @@ private:
     std::vector<SourceDocument::Index> m_open;
     std::vector<std::pair<unsigned int, SourceDocument::Namespace>> m_nameSpaces; ///< by number
     std::size_t m_references = 0;                                                 ///< that are open
-    Place m_last;              ///< where the last thing in the document ended
+    Place m_last;               ///< where the last thing in the document ended
     std::size_t m_tokenEnd = 0; ///< where the last one that is no text ended
-    unsigned int m_breaks = 0; ///< lines that ended since then
-    bool m_hasText = false;    ///< whether there was more than white space since then
+    unsigned int m_breaks = 0;  ///< lines that ended since then
+    bool m_hasText = false;     ///< whether there was more than white space since then
 };
 
 } // namespace Orvant

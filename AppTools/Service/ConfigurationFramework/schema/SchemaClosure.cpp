@@ -1,0 +1,78 @@
+#include <ConfigurationFramework/schema/SchemaClosure.h>
+
+#include <ConfigurationFramework/schema/SchemaReferences.h>
+
+#include <string_view>
+#include <unordered_set>
+
+namespace Orvant {
+
+namespace {
+
+using Index = SourceDocument::Index;
+using Nodes = std::vector<Index>;
+using Kind = SchemaReferences::Kind;
+
+class Closure {
+public:
+    Closure(const SourceDocument& document, const Nodes& removed,
+            const std::vector<std::string>& types)
+        : m_document(document),
+          m_references(document),
+          m_leftOut(removed.begin(), removed.end()),
+          m_types(types),
+          m_known(types.begin(), types.end()) {
+        for (const std::string& type : types)
+            follow(Kind::Type, type);
+    }
+
+    std::vector<std::string> names() {
+        const auto isLeftOut = [this](Index node) { return m_leftOut.contains(node); };
+        while (!m_toVisit.empty()) {
+            const Index next = m_toVisit.back();
+            m_toVisit.pop_back();
+            m_references.forEachElement(next, isLeftOut, [this](Index element) {
+                for (const auto& [kind, name] : m_references.of(element)) {
+                    if (kind == Kind::Type && m_known.insert(std::string(name)).second)
+                        m_types.emplace_back(name);
+                    follow(kind, name);
+                }
+            });
+        }
+        return m_types;
+    }
+
+private:
+    void follow(Kind kind, std::string_view name) {
+        if (kind == Kind::Key)
+            return; // names no type
+        for (const Index declaration : m_references.declarations(kind, name))
+            if (m_visited.insert(declaration).second)
+                m_toVisit.push_back(declaration);
+        if (kind != Kind::Element)
+            return;
+        for (const Index substitute : m_references.substitutes(name))
+            if (const std::string* const own = m_document.attribute(substitute, "name"))
+                if (m_visited.insert(substitute).second) {
+                    m_toVisit.push_back(substitute);
+                    follow(Kind::Element, *own);
+                }
+    }
+
+    const SourceDocument& m_document;
+    SchemaReferences m_references;
+    std::unordered_set<Index> m_leftOut;
+    std::vector<std::string> m_types;
+    std::unordered_set<std::string> m_known;
+    std::unordered_set<Index> m_visited;
+    Nodes m_toVisit;
+};
+
+} // namespace
+
+std::vector<std::string> withNamedTypes(const SourceDocument& document, const Nodes& removed,
+                                        const std::vector<std::string>& types) {
+    return Closure(document, removed, types).names();
+}
+
+} // namespace Orvant
