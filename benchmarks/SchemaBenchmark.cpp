@@ -100,6 +100,34 @@ void runWrite(benchmark::State& state, const SchemaFile& schema) {
         state.SkipWithError("Wrote less than what was read");
 }
 
+/// Right after reading and filtering: the first time, the file is parsed once more.
+void runWritePruned(benchmark::State& state, const SchemaFile& schema) {
+    const auto kept = schema.everySecondStation();
+    for ([[maybe_unused]] const auto _ : state) {
+        state.PauseTiming();
+        std::optional<XsdConfigReader> reader(read(schema));
+        reader->keepXSDElement(kept);
+        state.ResumeTiming();
+        reader->writePrunedXSD(schema.newFile());
+        state.PauseTiming();
+        reader.reset();
+        state.ResumeTiming();
+    }
+    XsdConfigReader written(schema.newFile());
+    written.readXSD(true);
+    if (written.getXsdTree().size() != schema.typesOfEverySecondStation())
+        state.SkipWithError("Wrote something else than the types that are needed");
+}
+
+void runReadAny(benchmark::State& state, const SchemaFile& schema) {
+    for ([[maybe_unused]] const auto _ : state) {
+        XsdConfigReader reader(schema.file());
+        reader.readAnyXSD();
+        if (reader.getXsdTree().size() != schema.types())
+            state.SkipWithError("Types are missing");
+    }
+}
+
 void runContents(benchmark::State& state, const SchemaFile& schema) {
     XsdConfigReader reader = read(schema);
     std::vector<std::string> names;
@@ -142,12 +170,16 @@ void registerSchemaBenchmarks() {
         addOne("this library, prune attributes type by type", onSchema(runPruneAttributes));
         addOne("this library, prune children type by type", onSchema(runPruneChildren));
         addOne("this library, write", onSchema(runWrite));
+        addOne("this library, write without what was filtered", onSchema(runWritePruned));
+        addOne("this library, read as any schema", onSchema(runReadAny));
         addOne("this library, contents of each type", onSchema(runContents));
         addOne("libxml2, parsing only", onSchema(runParse<parseWithLibxml2>));
         addOne("XercesDOMParser, parsing only", onSchema(runParse<parseWithXercesDom>));
     }
     addGrowth("read a schema of that many types", 1'000, onSchema(runRead));
     addGrowth("write a schema of that many types", 1'000, onSchema(runWrite));
+    addGrowth("write a schema of that many types without what was filtered", 1'000,
+              onSchema(runWritePruned));
     // In memory already: too many for the processor's caches, with either number.
     addGrowth("filter a schema of that many types", 5'000, onSchema(runFilter));
     addGrowth("prune the attributes of that many types, type by type", 200,
