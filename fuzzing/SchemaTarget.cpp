@@ -1,5 +1,6 @@
 // Any bytes as a schema file: what is read and written is read as the same schema, and written
-// again it is the same file.
+// again it is the same file. Without what was filtered, it is still such a file, and without a
+// filter the same bytes.
 
 #include "FuzzTarget.h"
 
@@ -29,9 +30,14 @@ std::string answersOf(XsdConfigReader& reader) {
     return answers.str();
 }
 
-bool read(XsdConfigReader& reader, bool sanitise) {
+enum class Dialect : std::uint8_t { Suite, Reader, Any };
+
+bool read(XsdConfigReader& reader, Dialect dialect) {
     try {
-        reader.readXSD(sanitise);
+        if (dialect == Dialect::Any)
+            reader.readAnyXSD();
+        else
+            reader.readXSD(dialect == Dialect::Suite);
         return true;
     } catch (const ConfigException&) {
         return false;
@@ -50,9 +56,41 @@ std::optional<std::string> written(XsdConfigReader& reader, const FileName& file
     }
 }
 
-void readAndWrite(const FileName& file, bool sanitise, const Support::TemporaryDirectory& folder) {
+/// Reads with a filter for half of the types what a file holds, and writes it as it stands.
+void readAndPrune(const FileName& file, Dialect dialect,
+                  const Support::TemporaryDirectory& folder) {
     XsdConfigReader reader(file);
-    if (!read(reader, sanitise))
+    if (!read(reader, dialect))
+        return;
+    for (const XsdLoss& loss : reader.getLosses())
+        require(!loss.construct.empty() && !loss.effect.empty(), "a loss is told");
+    const FileName pruned = folder.file("pruned.xsd");
+    require(reader.writePrunedXSD(pruned).empty(), "without a filter, nothing is filtered");
+    require(Support::readFile(file) == Support::readFile(pruned),
+            "without a filter, the file is written as it stands", Support::readFile(file),
+            Support::readFile(pruned));
+    std::vector<std::string> kept;
+    for (const auto& [name, type] : reader.getXsdTree()) {
+        if (kept.size() % 2 == 0)
+            kept = reader.getTypesUsedBy(name);
+        reader.keepXSDChildElement(name, {});
+        reader.keepXSDChildAttributes(name, {});
+    }
+    reader.keepXSDElement(kept);
+    try {
+        reader.writePrunedXSD(pruned);
+    } catch (const ConfigException&) {
+        return; // well-formed only once it is rewritten
+    }
+    XsdConfigReader again(pruned);
+    require(dialect == Dialect::Suite || read(again, dialect), "a pruned file can be read",
+            Support::readFile(file), Support::readFile(pruned));
+}
+
+void readAndWrite(const FileName& file, Dialect dialect,
+                  const Support::TemporaryDirectory& folder) {
+    XsdConfigReader reader(file);
+    if (!read(reader, dialect))
         return;
     const std::string schema = answersOf(reader);
     // What makes it a file of the suite again goes by lines and knows only the suite's.
@@ -63,7 +101,7 @@ void readAndWrite(const FileName& file, bool sanitise, const Support::TemporaryD
     if (!bytes)
         return;
     XsdConfigReader again(first);
-    require(read(again, false), "what is written can be read", *bytes);
+    require(read(again, Dialect::Reader), "what is written can be read", *bytes);
     require(schema == answersOf(again), "what is written is the same schema", schema,
             answersOf(again), *bytes);
     const auto bytesAgain = written(again, folder.file("second.xsd"), false);
@@ -76,8 +114,10 @@ void readAndWrite(const FileName& file, bool sanitise, const Support::TemporaryD
 void runTarget(std::span<const std::uint8_t> input) {
     static const Support::TemporaryDirectory folder;
     const FileName file = folder.file("schema.xsd", std::string(input.begin(), input.end()));
-    for (const bool sanitise : {true, false})
-        readAndWrite(file, sanitise, folder);
+    for (const Dialect dialect : {Dialect::Suite, Dialect::Reader, Dialect::Any}) {
+        readAndWrite(file, dialect, folder);
+        readAndPrune(file, dialect, folder);
+    }
 }
 
 } // namespace Orvant::Fuzzing
