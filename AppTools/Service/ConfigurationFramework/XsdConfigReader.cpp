@@ -55,6 +55,18 @@ bool isPlaceForSchema(const FileName& file) {
     }
 }
 
+/// Replaces a file in one step.
+/// @throws ConfigException of type SourceNotFound when that fails, or it would be a scratch file
+void save(const FileName& file, const std::string& text) {
+    try {
+        if (!SchemaFiles::isScratchFile(file) && !replaceFile(file, text).error)
+            return;
+    } catch (const FileNameException&) {
+        // No file system could hold the name.
+    }
+    throw ConfigException(ConfigException::SourceNotFound);
+}
+
 } // namespace
 
 XsdConfigReader::XsdConfigReader(const FileName& file) : m_file(std::make_shared<FileName>(file)) {}
@@ -192,8 +204,7 @@ std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName& file) {
     if (!m_tree)
         return {};
     const PrunedSchema pruned(*m_source, *m_tree->getSchema());
-    if (replaceFile(file, pruned.text).error)
-        throw ConfigException(ConfigException::SourceNotFound);
+    save(file, pruned.text);
     return pruned.stayed;
 }
 

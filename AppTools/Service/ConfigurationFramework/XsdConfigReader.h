@@ -163,8 +163,8 @@ public:
     ///         after them "TYPE/CHILD" and "TYPE/@ATTRIBUTE" for what stays of a type. Nothing
     ///         before the first successful reading, when nothing is written.
     /// @throws ConfigException of type SourceNotFound when the file cannot be written, and is then
-    ///         as it was; ParserReportedErrors when something is to be cut out of a file that is
-    ///         well-formed only as readXSD() sees it
+    ///         as it was, or when it has the name of a scratch file; ParserReportedErrors when
+    ///         something is to be cut out of a file that is well-formed only as readXSD() sees it
     std::vector<std::string> writePrunedXSD(const FileName& file);
 
     /// Likewise, to a stream.
