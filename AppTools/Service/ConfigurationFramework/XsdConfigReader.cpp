@@ -8,6 +8,7 @@
 #include <ConfigurationFramework/schema/RemovedNodes.h>
 #include <ConfigurationFramework/schema/SchemaClosure.h>
 #include <ConfigurationFramework/schema/SchemaFiles.h>
+#include <ConfigurationFramework/schema/SchemaLosses.h>
 #include <ConfigurationFramework/schema/SchemaParser.h>
 #include <ConfigurationFramework/schema/SchemaSource.h>
 
@@ -176,7 +177,16 @@ void XsdConfigReader::writeXSD(const FileName& file, bool fixOutput) {
 }
 
 std::vector<XsdLoss> XsdConfigReader::getLosses() {
-    return {};
+    if (!m_tree)
+        return {};
+    if (m_source->parse())
+        return findLosses(*m_source, findRemovedNodes(*m_source, *m_tree->getSchema()));
+    // What is well-formed only once it is rewritten is what the rewritten file holds.
+    const SchemaSource rewritten(LineRewriting::rewrittenForReader(m_source->bytes()),
+                                 SchemaDialect::Reader);
+    if (!rewritten.parse())
+        return {};
+    return findLosses(rewritten, findRemovedNodes(rewritten, *m_tree->getSchema()));
 }
 
 std::vector<std::string> XsdConfigReader::getTypesUsedBy(const std::string& typeName) {
@@ -244,11 +254,8 @@ void XsdConfigReader::fixXsdOutputFile(const FileName& file) {
     SchemaFiles::rewriteLines(file, LineRewriting::endLineOfDocumentation);
     replacePrefix(file, "p1:", "xs:");
     // Restores the prefix where the name of a built-in type has lost it.
-    replaceInFile(file, "type=\"int\"", "type=\"xs:int\"");
-    replaceInFile(file, "type=\"double\"", "type=\"xs:double\"");
-    replaceInFile(file, "type=\"string\"", "type=\"xs:string\"");
-    replaceInFile(file, "base=\"anyType\"", "base=\"xs:anyType\"");
-    replaceInFile(file, "base=\"string\"", "base=\"xs:string\"");
+    for (const auto& [lost, restored] : LineRewriting::restoredNames)
+        replaceInFile(file, std::string(lost), std::string(restored));
 }
 
 } // namespace Orvant

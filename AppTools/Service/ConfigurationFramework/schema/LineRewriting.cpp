@@ -3,8 +3,6 @@
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>
 
 #include <algorithm>
-#include <array>
-#include <utility>
 
 namespace Orvant::LineRewriting {
 
@@ -186,6 +184,11 @@ std::string replacePrefix(const std::string& line, std::string_view from, std::s
         break;
     }
     return replaceFirst(line, from, to);
+}
+
+bool isRestored(std::string_view attribute, std::string_view value) {
+    const std::string written = std::string(attribute).append("=\"").append(value).append("\"");
+    return std::ranges::find(restoredNames, written, &Restored::first) != restoredNames.end();
 }
 
 std::string endLineOfDocumentation(const std::string& line) {

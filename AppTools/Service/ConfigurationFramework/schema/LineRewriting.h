@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// The text of schema files: their start tags, and what is replaced in their lines.
 namespace Orvant::LineRewriting {
@@ -40,6 +42,20 @@ std::string replaceFirst(const std::string& line, std::string_view from, std::st
 /// Comments, instructions and CDATA sections count as text.
 /// @return the line, changed or as it was
 std::string replacePrefix(const std::string& line, std::string_view from, std::string_view to);
+
+/// An attribute as the schema document model writes it, whose value has lost its prefix, and the
+/// same with the prefix.
+using Restored = std::pair<std::string_view, std::string_view>;
+/// The names of built-in types that get xs: back, in the order in which this is done.
+inline constexpr std::array restoredNames{
+    Restored{"type=\"int\"", "type=\"xs:int\""},
+    Restored{"type=\"double\"", "type=\"xs:double\""},
+    Restored{"type=\"string\"", "type=\"xs:string\""},
+    Restored{"base=\"anyType\"", "base=\"xs:anyType\""},
+    Restored{"base=\"string\"", "base=\"xs:string\""},
+};
+/// @return whether the value of an attribute is one of them
+bool isRestored(std::string_view attribute, std::string_view value);
 
 /// Ends the line after the end tag of a documentation. The schema document model leaves it open
 /// when the documentation's text is just a line break or the like.

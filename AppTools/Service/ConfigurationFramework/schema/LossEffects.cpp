@@ -1,0 +1,413 @@
+#include <ConfigurationFramework/schema/LossEffects.h>
+
+#include <ConfigurationFramework/XsdLoss.h>
+#include <ConfigurationFramework/schema/SchemaNamespaces.h>
+#include <ConfigurationFramework/schema/TypeNames.h>
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace Orvant {
+
+namespace {
+
+using Index = SourceDocument::Index;
+using Namespace = SourceDocument::Namespace;
+using Name = WrittenSchema::Name;
+using Kind = Name::Kind;
+
+constexpr std::string_view xmlNamespace = "http://www.w3.org/XML/1998/namespace";
+
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+bool isTrue(std::string_view value) {
+    return value == "true" || value == "1";
+}
+
+const char* unless(bool isHarmless, const char* effect) {
+    return isHarmless ? XsdLoss::documentationOnly : effect;
+}
+
+/// Whether a value keeps elements from having a derived type. Substitution groups, which it may
+/// close as well, are not written.
+bool blocksTypes(const std::string& value) {
+    return value.find("#all") != std::string::npos ||
+           value.find("extension") != std::string::npos ||
+           value.find("restriction") != std::string::npos;
+}
+
+/// Whether a lost part of a content model could be there in a document.
+bool canOccur(const WrittenSchema& schema, Index lost) {
+    if (schema.text(lost, "maxOccurs") == "0")
+        return false;
+    for (Index node = lost; node < schema[lost].next; ++node)
+        if (schema.document().isElement(node) &&
+            isOneOf(schema[node].name, {"element", "any", "group"}))
+            return true;
+    return false;
+}
+
+} // namespace
+
+LossEffects::LossEffects(const WrittenSchema& schema)
+    : m_schema(schema), m_references(schema.document()) {
+    const auto nothing = [](Index) { return false; };
+    const Index root = schema.document().root();
+    for (const Index child : schema.document().children(root))
+        if (schema.modelClass(child) == ModelClass::RootElement)
+            m_rootTypes.emplace(schema.text(child, "name"), schema.text(child, "type"));
+    m_references.forEachElement(root, nothing, [this](Index element) {
+        const std::string referred = m_schema.text(element, "ref");
+        if (!referred.empty() && !m_schema.isRemoved(element))
+            m_referring[{m_schema[element].name, std::string(TypeNames::parts(referred).local)}]
+                .push_back(element);
+        m_hasAnyType = m_hasAnyType || isAnyType(element);
+        m_hasRivals = m_hasRivals || isRivalOfRoot(element);
+    });
+    listNormalised();
+}
+
+const char* LossEffects::ofElement(Index element) const {
+    const std::string& name = m_schema[element].name;
+    const Namespace nameSpace = m_schema[element].nameSpace;
+    const bool isSchemas = nameSpace == Namespace::XmlSchema || nameSpace == Namespace::Reader;
+    if (!isSchemas || name == "annotation")
+        return XsdLoss::documentationOnly;
+    switch (m_schema.parentClass(element)) {
+    case ModelClass::Schema:
+        return inSchema(element);
+    case ModelClass::ComplexContent:
+        return XsdLoss::notValid;
+    case ModelClass::SimpleType:
+        return unless(!isOneOf(name, {"restriction", "list", "union"}), XsdLoss::notValid);
+    case ModelClass::ComplexType:
+    case ModelClass::Extension:
+    case ModelClass::Sequence:
+    case ModelClass::Choice:
+    case ModelClass::Restriction:
+        break;
+    case ModelClass::Element:
+    case ModelClass::RootElement:
+    case ModelClass::Attribute:
+        return ofInlineType(element);
+    default:
+        return XsdLoss::documentationOnly;
+    }
+    if (isOneOf(name, {"element", "any", "group", "choice", "sequence", "all"}))
+        return unless(!canOccur(m_schema, element), XsdLoss::acceptsLess);
+    if (isOneOf(name, {"attribute", "attributeGroup", "anyAttribute"}))
+        return ofAttributes(element);
+    if (isOneOf(name, {"simpleContent", "complexContent", "openContent"}))
+        return XsdLoss::acceptsLess;
+    return ofFacet(element);
+}
+
+const char* LossEffects::inSchema(Index element) const {
+    const std::string& name = m_schema[element].name;
+    if (name == "import")
+        return unless(m_schema.text(element, "schemaLocation").empty() ||
+                          m_schema.text(element, "namespace") == xmlNamespace,
+                      XsdLoss::acceptsLess);
+    if (isOneOf(name, {"group", "attributeGroup"}))
+        return ofDefinition(element, XsdLoss::documentationOnly);
+    if (name == "attribute")
+        return ofDefinition(element, unless(!m_hasAnyType, XsdLoss::acceptsMore));
+    return unless(name == "notation", XsdLoss::acceptsLess);
+}
+
+/// What the losses of all references to a definition mean, which is never written.
+const char* LossEffects::ofDefinition(Index definition, const char* effect) const {
+    const auto referring =
+        m_referring.find({m_schema[definition].name, m_schema.text(definition, "name")});
+    if (referring == m_referring.end())
+        return effect;
+    for (const Index reference : referring->second)
+        if (!m_schema.isLost(reference) || ofElement(reference) == XsdLoss::acceptsLess)
+            return XsdLoss::acceptsLess;
+        else if (ofElement(reference) == XsdLoss::acceptsMore)
+            effect = XsdLoss::acceptsMore;
+    return effect;
+}
+
+/// Attributes of a type that are not written: refused, except where the base has them, without what
+/// a restriction says of them.
+const char* LossEffects::ofAttributes(Index element) const {
+    const bool isProhibited = m_schema.text(element, "use") == "prohibited";
+    if (m_schema.parentClass(element) != ModelClass::Restriction)
+        return unless(isProhibited, XsdLoss::acceptsLess);
+    if (isProhibited)
+        return XsdLoss::acceptsMore;
+    if (m_schema[element].name == "anyAttribute")
+        return XsdLoss::acceptsLess;
+    const auto name = m_schema.writtenMeaning(m_schema[element].parent, "base");
+    const Index base = name ? m_schema.writtenType(*name) : SourceDocument::none;
+    if (base == SourceDocument::none)
+        return XsdLoss::acceptsLess;
+    for (const Index type : m_schema.withBases(base)) {
+        const Index derivation = m_schema.derivation(type);
+        const Index holder = derivation == SourceDocument::none ? type : derivation;
+        for (const Index child : m_schema.document().children(holder))
+            if (m_schema.isLost(child) &&
+                isOneOf(m_schema[child].name, {"attribute", "attributeGroup", "anyAttribute"}))
+                return XsdLoss::acceptsLess;
+    }
+    return XsdLoss::acceptsMore;
+}
+
+const char* LossEffects::ofFacet(Index facet) const {
+    const std::string& name = m_schema[facet].name;
+    const Index restriction = m_schema[facet].parent;
+    if (name == "simpleType")
+        return m_schema.text(restriction, "base").empty() ? XsdLoss::notValid
+                                                          : XsdLoss::acceptsMore;
+    if (name == "enumeration" &&
+        m_schema.child(restriction, ModelClass::Enumeration) != SourceDocument::none)
+        return XsdLoss::acceptsLess;
+    if (name == "whiteSpace")
+        return unless(!normalisesListed(facet), XsdLoss::acceptsLess);
+    return unless(name == "minLength" && m_schema.text(facet, "value") == "0",
+                  XsdLoss::acceptsMore);
+}
+
+/// Finds the types whose values are compared with those that they, or types derived from them,
+/// list.
+void LossEffects::listNormalised() {
+    const auto lists = [this](Index type) {
+        const Index restriction = m_schema.derivation(type);
+        return restriction != SourceDocument::none &&
+               m_schema.child(restriction, ModelClass::Enumeration) != SourceDocument::none;
+    };
+    for (const Index type : m_schema.document().children(m_schema.document().root())) {
+        if (m_schema.modelClass(type) != ModelClass::SimpleType)
+            continue;
+        const auto family = m_schema.withBases(type);
+        const bool isText = m_schema.derivesFrom(family, "string") ||
+                            m_schema.derivesFrom(family, "normalizedString");
+        if (isText && std::ranges::any_of(family, lists))
+            m_listed.insert(family.begin(), family.end());
+    }
+}
+
+/// Whether values with white space around them would no longer be among the ones that are listed.
+bool LossEffects::normalisesListed(Index whiteSpace) const {
+    return m_schema.text(whiteSpace, "value") != "preserve" &&
+           m_listed.contains(m_schema[m_schema[whiteSpace].parent].parent);
+}
+
+/// What an element or attribute holds besides annotations: types, and constraints on its content.
+/// Without its type, it takes anything.
+const char* LossEffects::ofInlineType(Index type) const {
+    const std::string& name = m_schema[type].name;
+    if (name == "complexType")
+        return takesRivalsOfRoots(type) ? XsdLoss::acceptsLess : XsdLoss::acceptsMore;
+    if (name != "simpleType")
+        return XsdLoss::acceptsMore;
+    // Without xs:ID, references to it lead nowhere.
+    for (Index node = type; node < m_schema[type].next; ++node)
+        if (const auto base = m_schema.meaning(node, "base"))
+            if (*base == Name{Kind::BuiltIn, "ID"})
+                return XsdLoss::acceptsLess;
+    return XsdLoss::acceptsMore;
+}
+
+/// Whether a type has elements, at any depth, that are root elements of another type: where
+/// anything is taken, they are validated as these.
+bool LossEffects::takesRivalsOfRoots(Index type) const {
+    if (!m_hasRivals)
+        return false;
+    const auto nothing = [](Index) { return false; };
+    bool found = false;
+    std::set<Index> seen{type};
+    std::vector<Index> open{type};
+    while (!open.empty() && !found) {
+        const Index next = open.back();
+        open.pop_back();
+        m_references.forEachElement(next, nothing, [&](Index element) {
+            found = found || isRivalOfRoot(element);
+            for (const auto& [kind, name] : m_references.of(element))
+                for (const Index declaration : m_references.declarations(kind, name))
+                    if (seen.insert(declaration).second)
+                        open.push_back(declaration);
+        });
+    }
+    return found;
+}
+
+bool LossEffects::isRivalOfRoot(Index element) const {
+    const auto root = m_rootTypes.find(m_schema.text(element, "name"));
+    return root != m_rootTypes.end() && !root->second.empty() &&
+           m_schema[element].name == "element" &&
+           m_schema[element].parent != m_schema.document().root() &&
+           root->second != m_schema.text(element, "type");
+}
+
+/// Whether an element takes anything, and validates what it knows of it.
+bool LossEffects::isAnyType(Index element) const {
+    const ModelClass written = m_schema.modelClass(element);
+    const Name anyType{Kind::BuiltIn, "anyType"};
+    const auto names = [&](std::string_view attribute) {
+        return m_schema.writtenMeaning(element, attribute) == anyType;
+    };
+    if (written == ModelClass::Extension || written == ModelClass::Restriction)
+        return names("base");
+    if (written != ModelClass::Element && written != ModelClass::RootElement)
+        return false;
+    return names("type") ||
+           (m_schema.text(element, "type").empty() &&
+            m_schema.child(element, ModelClass::ComplexType) == SourceDocument::none);
+}
+
+const char* LossEffects::ofAttribute(Index element, std::string_view attribute) const {
+    const std::string value = m_schema.text(element, attribute);
+    switch (m_schema.modelClass(element)) {
+    case ModelClass::Schema:
+        return ofSchemaAttribute(attribute, value);
+    case ModelClass::Sequence:
+    case ModelClass::Choice:
+        return ofOccurrence(element, attribute, value);
+    case ModelClass::ComplexType:
+    case ModelClass::ComplexContent:
+        if (attribute == "mixed")
+            return unless(!isTrue(value), XsdLoss::acceptsLess);
+        if (attribute == "abstract")
+            return unless(!isTrue(value), XsdLoss::acceptsMore);
+        return unless(attribute != "block" || !blocksTypes(value), XsdLoss::acceptsMore);
+    case ModelClass::Element:
+    case ModelClass::RootElement:
+    case ModelClass::Attribute:
+        return ofElementAttribute(element, attribute, value);
+    default:
+        return XsdLoss::documentationOnly;
+    }
+}
+
+const char* LossEffects::ofAbsence(std::string_view attribute) const {
+    const Index root = m_schema.document().root();
+    if (m_schema[root].nameSpace != Namespace::XmlSchema ||
+        m_schema.document().attribute(root, attribute) != nullptr)
+        return nullptr;
+    if (attribute == "targetNamespace")
+        return XsdLoss::acceptsLess;
+    return attribute == "elementFormDefault" &&
+                   ofSchemaAttribute(attribute, {}) == XsdLoss::acceptsLess
+               ? XsdLoss::acceptsLess
+               : nullptr;
+}
+
+const char* LossEffects::ofSchemaAttribute(std::string_view attribute,
+                                           const std::string& value) const {
+    if (attribute == "targetNamespace" || attribute == "defaultAttributes")
+        return XsdLoss::acceptsLess;
+    if (attribute == "elementFormDefault") // without a namespace, it means nothing
+        return unless(m_schema.targetNamespace().empty() || !hasNamed(ModelClass::Element),
+                      XsdLoss::acceptsLess);
+    if (attribute == "attributeFormDefault")
+        return unless(value != "qualified" || !hasNamed(ModelClass::Attribute),
+                      XsdLoss::acceptsLess);
+    return unless(attribute != "blockDefault" || !blocksTypes(value), XsdLoss::acceptsMore);
+}
+
+/// Whether there is an element or attribute of a type that does not say itself which form its name
+/// has.
+bool LossEffects::hasNamed(ModelClass modelClass) const {
+    for (Index node = 0; node < m_schema.document().nodes().size(); ++node)
+        if (m_schema.modelClass(node) == modelClass && !m_schema.text(node, "name").empty() &&
+            m_schema.text(node, "form").empty())
+            return true;
+    return false;
+}
+
+const char* LossEffects::ofElementAttribute(Index element, std::string_view attribute,
+                                            const std::string& value) const {
+    const bool isAttribute = m_schema.modelClass(element) == ModelClass::Attribute;
+    if (attribute == "ref")
+        return XsdLoss::notValid;
+    if (attribute == "targetNamespace")
+        return XsdLoss::acceptsLess;
+    if (attribute == "form") // the schema that is written qualifies elements, but not attributes
+        return unless((value == "qualified") != isAttribute, XsdLoss::acceptsLess);
+    if (attribute == "fixed")
+        return isAttribute ? XsdLoss::acceptsMore : ofFixedOrDefault(element, XsdLoss::acceptsMore);
+    if (isAttribute)
+        return XsdLoss::documentationOnly;
+    if (attribute == "default")
+        return ofFixedOrDefault(element, XsdLoss::documentationOnly);
+    if (attribute == "nillable")
+        return unless(!isTrue(value), XsdLoss::acceptsLess);
+    if (attribute == "abstract")
+        return unless(!isTrue(value), XsdLoss::acceptsMore);
+    if (attribute == "substitutionGroup")
+        return ofSubstitution(element);
+    return unless(attribute != "block" || !blocksTypes(value), XsdLoss::acceptsMore);
+}
+
+/// An element without content has such a value; its type may not take it empty.
+const char* LossEffects::ofFixedOrDefault(Index element, const char* otherwise) const {
+    const auto name = m_schema.writtenMeaning(element, "type");
+    const Index type = name ? m_schema.writtenType(*name) : SourceDocument::none;
+    if (!name || m_schema.modelClass(type == SourceDocument::none ? element : type) ==
+                     ModelClass::ComplexType)
+        return otherwise;
+    if (name->kind == Kind::BuiltIn)
+        return isOneOf(name->local, {"string", "normalizedString", "token", "anyURI", "anyType",
+                                     "anySimpleType", "hexBinary", "base64Binary"})
+                   ? otherwise
+                   : XsdLoss::acceptsLess;
+    if (type == SourceDocument::none)
+        return otherwise;
+    const auto bases = m_schema.withBases(type);
+    const auto takesEmpty = [this](Index base) {
+        const Index restriction = m_schema.derivation(base);
+        if (restriction == SourceDocument::none)
+            return true;
+        const auto values = m_schema.document().children(restriction);
+        bool lists = false;
+        for (const Index child : values)
+            if (m_schema.modelClass(child) == ModelClass::Enumeration) {
+                lists = true;
+                if (m_schema.text(child, "value").empty())
+                    return true;
+            }
+        return !lists;
+    };
+    const bool isText = std::ranges::any_of(
+        std::initializer_list<std::string_view>{"string", "normalizedString", "token", "anyURI"},
+        [&](std::string_view text) { return m_schema.derivesFrom(bases, text); });
+    return isText && std::ranges::all_of(bases, takesEmpty) ? otherwise : XsdLoss::acceptsLess;
+}
+
+/// Elements that stand for another one where that is referred to, and have its type if they have
+/// none of their own.
+const char* LossEffects::ofSubstitution(Index element) const {
+    const std::string head = m_schema.text(element, "substitutionGroup");
+    if (m_referring.contains({"element", std::string(TypeNames::parts(head).local)}))
+        return XsdLoss::acceptsLess;
+    bool hasType = !m_schema.text(element, "type").empty();
+    for (const Index child : m_schema.document().children(element))
+        hasType = hasType || isOneOf(m_schema[child].name, {"complexType", "simpleType"});
+    return unless(hasType, XsdLoss::acceptsMore);
+}
+
+const char* LossEffects::ofOccurrence(Index group, std::string_view attribute,
+                                      const std::string& value) const {
+    bool canBeThere = false;
+    bool canBeEmpty = m_schema.modelClass(group) == ModelClass::Sequence;
+    for (const Index child : m_schema.document().children(group)) {
+        if (m_schema.modelClass(child) != ModelClass::Element)
+            continue;
+        const bool isOptional = m_schema.text(child, "minOccurs") == "0";
+        canBeThere = canBeThere || m_schema.text(child, "maxOccurs") != "0";
+        canBeEmpty = m_schema.modelClass(group) == ModelClass::Sequence ? canBeEmpty && isOptional
+                                                                        : canBeEmpty || isOptional;
+    }
+    if (attribute == "minOccurs")
+        return unless(value == "1" || canBeEmpty,
+                      value == "0" ? XsdLoss::acceptsLess : XsdLoss::acceptsMore);
+    if (attribute == "maxOccurs" && value == "0")
+        return canBeEmpty ? XsdLoss::acceptsMore : XsdLoss::acceptsLess;
+    return unless(attribute != "maxOccurs" || value == "1" || !canBeThere, XsdLoss::acceptsLess);
+}
+
+} // namespace Orvant

@@ -1,0 +1,305 @@
+#include <ConfigurationFramework/schema/SchemaFaults.h>
+
+#include <ConfigurationFramework/XsdLoss.h>
+#include <ConfigurationFramework/schema/TypeNames.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace Orvant {
+
+namespace {
+
+using Index = SourceDocument::Index;
+using Name = WrittenSchema::Name;
+using Kind = Name::Kind;
+
+/// The element in which a type that is written holds sequences and attributes.
+Index holderOf(const WrittenSchema& schema, Index type) {
+    const Index derivation = schema.derivation(type);
+    return derivation == SourceDocument::none ? type : derivation;
+}
+
+std::vector<Index> writtenChildren(const WrittenSchema& schema, Index element,
+                                   ModelClass modelClass) {
+    std::vector<Index> found;
+    for (const Index child : schema.document().children(element))
+        if (schema.modelClass(child) == modelClass)
+            found.push_back(child);
+    return found;
+}
+
+/// Finds two elements of one name that a validator could not tell apart: the second can follow
+/// where the first could be repeated or left out.
+class AmbiguitySearch {
+public:
+    /// @return the losses between such elements
+    std::vector<Index> lossesIn(const std::vector<WrittenSchema::Place>& content) {
+        for (const WrittenSchema::Place& place : content) {
+            if (isLoss(place))
+                m_losses.push_back(place.front().node);
+            else
+                enter(place);
+        }
+        return m_found;
+    }
+
+private:
+    static bool isLoss(const WrittenSchema::Place& place) {
+        return place.size() == 1 && place.front().maximum == 0 && place.front().name.empty();
+    }
+    void enter(const WrittenSchema::Place& place) {
+        const bool canBeEmpty = WrittenSchema::canBeEmpty(place);
+        for (const auto& particle : place)
+            if (const auto rival = m_open.find(particle.name);
+                rival != m_open.end() && particle.maximum > 0)
+                m_found.insert(m_found.end(),
+                               m_losses.begin() + static_cast<std::ptrdiff_t>(rival->second),
+                               m_losses.end());
+        if (!canBeEmpty)
+            m_open.clear();
+        for (const auto& particle : place)
+            if (!particle.name.empty() && particle.maximum > 0 &&
+                (canBeEmpty || particle.maximum > particle.minimum))
+                m_open.insert_or_assign(particle.name, m_losses.size());
+    }
+
+    std::unordered_map<std::string, std::size_t> m_open; ///< with the number of losses before
+    std::vector<Index> m_losses;
+    std::vector<Index> m_found;
+};
+
+bool isTrue(const std::string& value) {
+    return value == "true" || value == "1";
+}
+
+} // namespace
+
+SchemaFaults::SchemaFaults(const WrittenSchema& schema) : m_schema(schema) {
+    for (const Index child : schema.document().children(schema.document().root()))
+        if (schema.document().isElement(child)) {
+            if (schema[child].name == "import")
+                m_imports.push_back(child);
+            if (schema[child].name == "notation")
+                m_notations.push_back(child);
+        }
+    for (Index node = 0; node < schema.document().nodes().size(); ++node) {
+        checkNames(node);
+        if (schema.modelClass(node) == ModelClass::Element)
+            checkOrder(node, ModelClass::ComplexType, ModelClass::Annotation,
+                       ModelClass::Annotation);
+        if (schema.modelClass(node) != ModelClass::ComplexType)
+            continue;
+        checkOrder(node, ModelClass::Attribute, ModelClass::Choice, ModelClass::Choice);
+        checkContent(node);
+        checkMixed(node);
+        checkRestriction(node);
+    }
+    if (m_needsIncludes)
+        for (const char* const name : {"include", "redefine", "override"})
+            blameLost(schema.document().root(), name);
+}
+
+const char* SchemaFaults::effect(Index node, const std::string& attribute) const {
+    const auto found = m_effects.find({node, attribute});
+    return found == m_effects.end() ? nullptr : found->second;
+}
+
+void SchemaFaults::checkNames(Index node) {
+    switch (m_schema.modelClass(node)) {
+    case ModelClass::Element:
+    case ModelClass::RootElement:
+    case ModelClass::Attribute:
+        checkName(node, "type");
+        break;
+    case ModelClass::Extension:
+        checkName(node, "base");
+        break;
+    case ModelClass::Restriction:
+        checkName(node, "base");
+        checkQualifiedValues(node);
+        break;
+    default:
+        break;
+    }
+}
+
+void SchemaFaults::checkName(Index node, const std::string& attribute) {
+    const auto meant = m_schema.meaning(node, attribute);
+    const auto written = m_schema.writtenMeaning(node, attribute);
+    if (!meant || !written)
+        return;
+    if (meant->kind == Kind::Other)
+        return blamePrefix(node, m_schema.text(node, attribute));
+    if (*meant != *written)
+        return blame(node, attribute, effectOfOtherName(node, *meant, *written));
+    if (meant->kind == Kind::BuiltIn || m_schema.writtenType(*meant) != SourceDocument::none)
+        return;
+    const Index declared = m_schema.declaredType(*meant);
+    if (declared != SourceDocument::none && m_schema.isLost(declared))
+        blame(declared, {}, XsdLoss::notValid);
+    if (declared != SourceDocument::none)
+        return;
+    if (m_schema.isReaders()) // it had lost its prefix before
+        blame(node, attribute, XsdLoss::notValid);
+    m_needsIncludes = true;
+}
+
+/// @return what it means that a name means something else
+const char* SchemaFaults::effectOfOtherName(Index node, const Name& meant,
+                                            const Name& written) const {
+    const Index type = m_schema.writtenType(written);
+    if (written.kind != Kind::BuiltIn && type == SourceDocument::none)
+        return XsdLoss::notValid;
+    const bool isSimple = written.kind == Kind::BuiltIn
+                              ? written.local != "anyType"
+                              : m_schema.modelClass(type) == ModelClass::SimpleType;
+    const ModelClass parent = m_schema.parentClass(node);
+    const bool wantsComplex = parent == ModelClass::ComplexContent;
+    const bool wantsSimple =
+        parent == ModelClass::SimpleType || m_schema.modelClass(node) == ModelClass::Attribute;
+    if ((wantsComplex && isSimple) || (wantsSimple && !isSimple))
+        return XsdLoss::notValid;
+    const Index formerType = m_schema.writtenType(meant);
+    const bool wasSimple = formerType != SourceDocument::none &&
+                           m_schema.modelClass(formerType) == ModelClass::SimpleType;
+    return wasSimple && written == Name{Kind::BuiltIn, "string"} ? XsdLoss::acceptsMore
+                                                                 : XsdLoss::acceptsLess;
+}
+
+/// The prefix of a name is declared where the file that is written does not have it, and what it
+/// stands for is imported.
+void SchemaFaults::blamePrefix(Index node, const std::string& name) {
+    const auto prefix = TypeNames::parts(name).prefix;
+    const std::string declaration = prefix.empty() ? "xmlns" : std::string("xmlns:").append(prefix);
+    const auto& document = m_schema.document();
+    const auto nameSpace = document.nameSpaceOf(prefix, node);
+    for (Index scope = node; scope != SourceDocument::none; scope = document[scope].parent)
+        if (document.attribute(scope, declaration) != nullptr) {
+            blame(scope, declaration, XsdLoss::notValid);
+            break;
+        }
+    for (const Index import : m_imports)
+        if (m_schema.text(import, "namespace") == nameSpace)
+            blame(import, {}, XsdLoss::notValid);
+}
+
+/// Values that are names in a namespace have prefixes, and notations are declared.
+void SchemaFaults::checkQualifiedValues(Index restriction) {
+    if (m_schema.parentClass(restriction) != ModelClass::SimpleType)
+        return;
+    const auto types = m_schema.withBases(m_schema[restriction].parent);
+    const bool isNotation = m_schema.derivesFrom(types, "NOTATION");
+    if (!isNotation && !m_schema.derivesFrom(types, "QName"))
+        return;
+    for (const Index value : writtenChildren(m_schema, restriction, ModelClass::Enumeration)) {
+        const std::string name = m_schema.text(value, "value");
+        const auto [prefix, local] = TypeNames::parts(name);
+        if (!prefix.empty() && prefix != "ov" && prefix != "xs")
+            blamePrefix(value, name);
+        for (const Index notation : m_notations)
+            if (isNotation && m_schema.text(notation, "name") == local)
+                blame(notation, {}, XsdLoss::notValid);
+    }
+}
+
+/// The model writes its members in an order that XML Schema does not always allow.
+void SchemaFaults::checkOrder(Index element, ModelClass earlier, ModelClass later,
+                              ModelClass blamed) {
+    if (m_schema.child(element, earlier) != SourceDocument::none &&
+        m_schema.child(element, later) != SourceDocument::none)
+        blame(m_schema.child(element, blamed), {}, XsdLoss::notValid);
+}
+
+void SchemaFaults::checkContent(Index type) {
+    for (const Index loss : AmbiguitySearch().lossesIn(m_schema.content(type)))
+        blame(loss, {}, XsdLoss::notValid);
+}
+
+/// What extends xs:anyType by elements must be mixed as that is.
+void SchemaFaults::checkMixed(Index type) {
+    const Index holder = m_schema.derivation(type);
+    if (holder == SourceDocument::none || m_schema.modelClass(holder) != ModelClass::Extension)
+        return;
+    const Index sequence = m_schema.child(holder, ModelClass::Sequence);
+    if (sequence == SourceDocument::none ||
+        m_schema.child(sequence, ModelClass::Element) == SourceDocument::none)
+        return;
+    if (m_schema.writtenMeaning(holder, "base") != Name{Kind::BuiltIn, "anyType"})
+        return;
+    for (const Index element : {type, m_schema[holder].parent})
+        if (isTrue(m_schema.text(element, "mixed")))
+            blame(element, "mixed", XsdLoss::notValid);
+}
+
+void SchemaFaults::checkRestriction(Index type) {
+    const Index restriction = m_schema.derivation(type);
+    if (restriction == SourceDocument::none ||
+        m_schema.modelClass(restriction) != ModelClass::Restriction)
+        return;
+    const auto name = m_schema.writtenMeaning(restriction, "base");
+    const Index base = name ? m_schema.writtenType(*name) : SourceDocument::none;
+    if (base == SourceDocument::none)
+        return;
+    if (!m_schema.canBeEmpty(base))
+        checkRestrictedContent(restriction, base);
+    const auto bases = m_schema.withBases(base);
+    for (const Index attribute : writtenChildren(m_schema, restriction, ModelClass::Attribute))
+        if (m_schema.text(attribute, "use") != "prohibited")
+            checkRestrictedAttribute(attribute, bases);
+}
+
+/// What is written of a restriction has no content, which its base does not allow.
+void SchemaFaults::checkRestrictedContent(Index restriction, Index base) {
+    const auto content = {"sequence", "choice", "all", "group"};
+    const auto isContent = [&](Index child) {
+        return m_schema.document().isElement(child) && m_schema.isLost(child) &&
+               std::ranges::find(content, m_schema[child].name) != content.end();
+    };
+    bool hadContent = false;
+    for (const Index child : m_schema.document().children(restriction))
+        if (isContent(child)) {
+            blame(child, {}, XsdLoss::notValid);
+            hadContent = true;
+        }
+    if (hadContent)
+        return;
+    for (const Index type : m_schema.withBases(base))
+        for (const Index child : m_schema.document().children(holderOf(m_schema, type)))
+            if (m_schema.isWritten(child) && m_schema.text(child, "minOccurs") == "0")
+                blame(child, "minOccurs", XsdLoss::notValid);
+}
+
+/// An attribute of a restriction is one of its base, with a type derived from that one's.
+void SchemaFaults::checkRestrictedAttribute(Index attribute, const std::vector<Index>& bases) {
+    for (const Index base : bases)
+        for (const Index restricted :
+             writtenChildren(m_schema, holderOf(m_schema, base), ModelClass::Attribute)) {
+            if (m_schema.text(restricted, "name") != m_schema.text(attribute, "name"))
+                continue;
+            const auto type = m_schema.writtenMeaning(restricted, "type");
+            if (type && *type != Name{Kind::BuiltIn, "anySimpleType"})
+                blameLost(attribute, "simpleType");
+            return;
+        }
+    if (m_schema.derivesFrom(bases, "anyType"))
+        return;
+    for (const Index base : bases)
+        for (const char* const lost : {"attribute", "attributeGroup", "anyAttribute"})
+            blameLost(holderOf(m_schema, base), lost);
+}
+
+void SchemaFaults::blame(Index node, const std::string& attribute, const char* effect) {
+    const auto [fault, isNew] = m_effects.try_emplace({node, attribute}, effect);
+    if (!isNew && effect == XsdLoss::notValid)
+        fault->second = effect;
+}
+
+void SchemaFaults::blameLost(Index element, std::string_view name) {
+    for (const Index child : m_schema.document().children(element))
+        if (m_schema.isLost(child) && m_schema.document().isElement(child) &&
+            m_schema[child].name == name)
+            blame(child, {}, XsdLoss::notValid);
+}
+
+} // namespace Orvant
