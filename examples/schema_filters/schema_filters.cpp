@@ -33,6 +33,10 @@ int main() {
         reader.keepXSDElement({"Machine", "ToolMagazine"});  // types, and what they require
         reader.keepXSDChildElement("Machine", {"magazine"}); // of its optional children
         reader.keepXSDChildAttributes("Machine", {"id"});    // of its optional attributes
+        std::cout << "\nNot written:\n";
+        for (const Orvant::XsdLoss& loss : reader.getLosses())
+            std::cout << loss.line << ": " << loss.construct << " of " << loss.owner << ": "
+                      << loss.effect << '\n';
         reader.writeXSD("reduced.xsd", true);
         std::cout << "\nReduced to\n";
         list(reader);

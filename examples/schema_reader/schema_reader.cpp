@@ -58,9 +58,13 @@ int reduce(const std::string& schema, const std::string& output,
 
     reader.keepXSDElement(typeNames);
     const std::string kept = describe(reader);
+    std::cout << "\nKept in " << output << '\n' << kept << "  Not written:\n";
+    for (const Orvant::XsdLoss& loss : reader.getLosses())
+        std::cout << "    " << loss.line << ": " << loss.construct << " of "
+                  << (loss.owner.empty() ? "the schema" : loss.owner) << ": " << loss.effect
+                  << '\n';
     reader.writeXSD(output, true);
-    std::cout << "\nKept in " << output << '\n'
-              << kept << "\nSize: " << std::filesystem::file_size(schema) << " bytes before, "
+    std::cout << "\nSize: " << std::filesystem::file_size(schema) << " bytes before, "
               << std::filesystem::file_size(output) << " bytes after\n";
 
     Orvant::XsdConfigReader readBack(output);
