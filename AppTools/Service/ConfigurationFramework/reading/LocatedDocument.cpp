@@ -2,23 +2,15 @@
 
 #include <ConfigurationFramework/reading/TreeBuildingParser.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
+#include <ConfigurationFramework/xml/PlaceTracking.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <utility>
 
-#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/framework/XMLEntityDecl.hpp>
-#include <xercesc/internal/XMLScanner.hpp>
-#include <xercesc/sax/ErrorHandler.hpp>
-#include <xercesc/sax/Locator.hpp>
-#include <xercesc/sax/SAXParseException.hpp>
-#include <xercesc/util/XMLException.hpp>
-#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 
@@ -30,60 +22,24 @@ std::string toString(const XMLCh* text) {
     return XercesHelperFunctions::xmlChToString(text);
 }
 
-DocumentPlace placeOf(XMLFileLoc line, XMLFileLoc column) {
-    return {static_cast<unsigned int>(line), static_cast<unsigned int>(column)};
-}
-
-/// Keeps the first error.
-class FirstError : public xercesc::ErrorHandler {
+/// Records where elements begin, and all their texts.
+class LocatingParser : public PlaceTracking<TreeBuildingParser> {
 public:
-    std::optional<LocatedDocument::Error> take() { return std::move(m_error); }
-
-    void warning(const xercesc::SAXParseException&) override {}
-    void error(const xercesc::SAXParseException& exception) override { keep(exception); }
-    void fatalError(const xercesc::SAXParseException& exception) override { keep(exception); }
-    void resetErrors() override {}
-
-private:
-    void keep(const xercesc::SAXParseException& exception) {
-        if (!m_error)
-            m_error = {placeOf(exception.getLineNumber(), exception.getColumnNumber()),
-                       toString(exception.getMessage())};
-    }
-
-    std::optional<LocatedDocument::Error> m_error;
-};
-
-/// Records where elements begin. The scanner tells only where the start tag ends; but whatever
-/// comes before a tag ends where the tag begins, and the scanner reports that, too.
-class LocatingParser : public TreeBuildingParser {
-public:
-    using TreeBuildingParser::TreeBuildingParser;
+    using PlaceTracking::PlaceTracking;
 
     std::vector<LocatedDocument::Item>& items() { return m_items; }
-    DocumentPlace here() const {
-        const xercesc::Locator& locator = *getScanner()->getLocator();
-        return placeOf(locator.getLineNumber(), locator.getColumnNumber());
-    }
 
     void resetDocument() override {
-        TreeBuildingParser::resetDocument();
+        PlaceTracking::resetDocument();
         m_items.clear();
         m_open.clear();
-        m_references = 0;
-        m_last = {1, 1};
-    }
-    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
-                 const XMLCh* actualEncoding) override {
-        TreeBuildingParser::XMLDecl(version, encoding, standalone, actualEncoding);
-        mark();
     }
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                       const XMLCh* prefix, const Attributes& attributes, XMLSize_t attributeCount,
                       bool isEmpty, bool isRoot) override {
-        TreeBuildingParser::startElement(declaration, uri, prefix, attributes, attributeCount,
-                                         isEmpty, isRoot);
-        LocatedDocument::Item item{toString(declaration.getFullName()), parent(), m_last};
+        LocatedDocument::Item item{toString(declaration.getFullName()), parent(), last()};
+        PlaceTracking::startElement(declaration, uri, prefix, attributes, attributeCount, isEmpty,
+                                    isRoot);
         for (XMLSize_t i = 0; i < attributeCount; ++i)
             if (XercesHelperFunctions::compareXmlCh(attributes.elementAt(i)->getName(),
                                                     u"editable"))
@@ -91,47 +47,23 @@ public:
         open(std::move(item));
         if (isEmpty)
             m_open.pop_back();
-        mark();
     }
     void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool isRoot,
                     const XMLCh* prefix) override {
-        TreeBuildingParser::endElement(declaration, uri, isRoot, prefix);
+        PlaceTracking::endElement(declaration, uri, isRoot, prefix);
         m_open.pop_back();
-        mark();
     }
     void startEntityReference(const xercesc::XMLEntityDecl& declaration) override {
-        TreeBuildingParser::startEntityReference(declaration);
-        if (m_references == 0) {
-            // The scanner stands after the reference: "&", the name, and ";".
-            m_last = here();
-            m_last.column -= static_cast<unsigned int>(std::min<XMLSize_t>(
-                xercesc::XMLString::stringLen(declaration.getName()) + 2, m_last.column - 1));
-        }
-        ++m_references;
-        open({"", parent(), m_last});
+        PlaceTracking::startEntityReference(declaration);
+        open({"", parent(), last()});
     }
     void endEntityReference(const xercesc::XMLEntityDecl& declaration) override {
-        TreeBuildingParser::endEntityReference(declaration);
-        --m_references;
+        PlaceTracking::endEntityReference(declaration);
         m_open.pop_back();
-        mark();
-    }
-    void endIntSubset() override {
-        TreeBuildingParser::endIntSubset();
-        mark();
     }
     void docCharacters(const XMLCh* text, XMLSize_t length, bool isCData) override {
-        TreeBuildingParser::docCharacters(text, length, isCData);
+        PlaceTracking::docCharacters(text, length, isCData);
         addText(text, length);
-        mark();
-    }
-    void docComment(const XMLCh* comment) override {
-        TreeBuildingParser::docComment(comment);
-        mark();
-    }
-    void docPI(const XMLCh* target, const XMLCh* data) override {
-        TreeBuildingParser::docPI(target, data);
-        mark();
     }
 
 private:
@@ -150,41 +82,17 @@ private:
         if (element != DocumentTree::none)
             m_items[element].text.append(text, length);
     }
-    void mark() {
-        if (m_references == 0)
-            m_last = here();
-    }
 
     std::vector<LocatedDocument::Item> m_items;
     std::vector<DocumentTree::Element> m_open;
-    std::size_t m_references = 0; ///< that are open
-    DocumentPlace m_last;         ///< where the last thing in the document ended
 };
-
-/// @return what made the parser give up; nothing if it did not
-std::optional<std::string> parse(ParserConfinement& confinement, LocatingParser& parser,
-                                 const std::string& bytes) {
-    try {
-        confinement.parseBytes(parser, bytes);
-        return std::nullopt;
-    } catch (const xercesc::XMLException& e) {
-        return toString(e.getMessage());
-    } catch (const xercesc::DOMException& e) {
-        return toString(e.getMessage());
-    }
-}
 
 } // namespace
 
 LocatedDocument::LocatedDocument(const std::string& bytes) {
-    FirstError errors;
     ParserConfinement confinement(ParserConfinement::configurations);
     const auto parser = confinement.makeParser<LocatingParser>();
-    parser->setErrorHandler(&errors);
-    const auto problem = parse(confinement, *parser, bytes);
-    m_error = errors.take();
-    if (!m_error && problem)
-        m_error = {{}, *problem};
+    m_error = findFirstError(confinement, *parser, bytes);
     if (!m_error && (parser->getTree() == nullptr || parser->getTree()->empty()))
         m_error = {{}, "there is no document"};
     if (m_error)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/reading/DocumentTree.h>
+#include <ConfigurationFramework/xml/FirstError.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 
 #include <optional>
@@ -8,12 +9,6 @@
 #include <vector>
 
 namespace Orvant {
-
-/// A place in the text of a document, both numbers from 1; 0: unknown.
-struct DocumentPlace {
-    unsigned int line = 0;
-    unsigned int column = 0; ///< in UTF-16 code units
-};
 
 /// A configuration document with what its readers do not need: where each element stands, which
 /// attribute `editable` it really has, and what is wrong with a document that readers refuse. It
@@ -32,10 +27,7 @@ public:
         XmlString text = {};
     };
     /// Why readers refuse the document, whatever its version.
-    struct Error {
-        DocumentPlace place;
-        std::string message;
-    };
+    using Error = DocumentError;
 
     /// Xerces must be initialised.
     explicit LocatedDocument(const std::string& bytes);
