@@ -1,6 +1,6 @@
 // Any bytes as a schema file: what is read and written is read as the same schema, and written
 // again it is the same file. Without what was filtered, it is still such a file, and without a
-// filter the same bytes.
+// filter the same bytes. What cannot be read has a reason.
 
 #include "FuzzTarget.h"
 
@@ -38,8 +38,11 @@ bool read(XsdConfigReader& reader, Dialect dialect) {
             reader.readAnyXSD();
         else
             reader.readXSD(dialect == Dialect::Suite);
+        require(!reader.getReadProblem(), "what can be read has no problem");
         return true;
     } catch (const ConfigException&) {
+        require(reader.getReadProblem() && !reader.getReadProblem()->message.empty(),
+                "what cannot be read has a problem");
         return false;
     }
 }

@@ -23,6 +23,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
+using testing::StartsWith;
 
 const std::string lines = R"(  <xs:element name="machine" type="Machine"/>
   <xs:element name="part" type="Part"/>
@@ -329,6 +330,125 @@ TEST(XsdConfigReader, ReportsAMinOccursThatIsNoNumberAsAParsingFailure) {
                                                  "<xs:element name=\"a\" minOccurs=\"none\"/>\n"
                                                  "</xs:sequence>\n</xs:complexType>")));
     EXPECT_EQ(ConfigException::SourceNotFound, failureOf([&] { reader.readXSD(true); }));
+}
+
+// Reasons.
+
+/// @return LINE:COLUMN MESSAGE of the problem; nothing if there is none
+std::optional<std::string> problemOf(const XsdConfigReader& reader) {
+    const auto& problem = reader.getReadProblem();
+    if (!problem)
+        return std::nullopt;
+    return std::to_string(problem->line) + ':' + std::to_string(problem->column) + ' ' +
+           problem->message;
+}
+
+/// @return that of a file that cannot be read
+std::optional<std::string> problemOf(const FileName& file, bool sanitise) {
+    XsdConfigReader reader(file);
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(sanitise); }));
+    return problemOf(reader);
+}
+
+TEST(SchemaReadProblem, IsThatOfTheLastReading) {
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("schema.xsd", "<a>\n</b>");
+    XsdConfigReader reader(file);
+    EXPECT_EQ(std::nullopt, problemOf(reader));
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(true); }));
+    EXPECT_EQ("2:3 expected end of tag 'a'", problemOf(reader));
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(false); }));
+    EXPECT_EQ("2:3 expected end of tag 'a'", problemOf(reader));
+    writeFile(file, suiteSchema(lines));
+    reader.readXSD(true);
+    EXPECT_EQ(std::nullopt, problemOf(reader));
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(false); }));
+    EXPECT_THAT(problemOf(reader).value_or(""), StartsWith("1:1 the root element is"));
+}
+
+TEST(SchemaReadProblem, IsCopied) {
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("schema.xsd", "<a>");
+    XsdConfigReader reader(file);
+    EXPECT_TRUE(failureOf([&] { reader.readXSD(true); }));
+    const XsdConfigReader copy(reader);
+    writeFile(file, suiteSchema(lines));
+    reader.readXSD(true);
+    EXPECT_NE(std::nullopt, problemOf(copy));
+    EXPECT_EQ(std::nullopt, problemOf(reader));
+}
+
+TEST(SchemaReadProblem, IsLogged) {
+    const TemporaryDirectory directory;
+    const LogCapture log("XsdConfigReader");
+    ReaderOfSchema(directory, lines);
+    EXPECT_EQ("", log.text());
+    const FileName file = directory.file("ill.xsd", suiteSchema("<xs:a>\n</xs:b>"));
+    problemOf(file, true);
+    EXPECT_THAT(log.text(), StartsWith(file.toString() + ":3:3: expected end of tag 'xs:a' "));
+    const LogCapture next("XsdConfigReader");
+    problemOf(directory.file("missing.xsd"), true);
+    EXPECT_THAT(next.text(), StartsWith(directory.file("missing.xsd").toString() +
+                                        ": No such file or directory "));
+}
+
+TEST(SchemaReadProblem, IsWhatTheSystemSaysOfTheFile) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_directory(directory.path() / "directory.xsd");
+    const FileName huge = directory.file("huge.xsd", "");
+    std::filesystem::resize_file(huge.toPath(), (std::uintmax_t{1} << 30U) + 1);
+    for (const bool sanitise : {true, false}) {
+        EXPECT_EQ("0:0 No such file or directory",
+                  problemOf(directory.file("missing.xsd"), sanitise));
+        EXPECT_EQ("0:0 Is a directory", problemOf(directory.file("directory.xsd"), sanitise));
+        EXPECT_EQ("0:0 File too large", problemOf(huge, sanitise));
+        EXPECT_EQ("0:0 no file can have this name",
+                  problemOf(FileName(std::string("a\0b", 3)), sanitise));
+    }
+}
+
+TEST(SchemaReadProblem, IsWhatTheUserMayNotDo) {
+    const TemporaryDirectory directory;
+    const FileName file = directory.file("schema.xsd", suiteSchema(lines));
+    std::filesystem::permissions(file.toPath(), std::filesystem::perms(0));
+    const ReadOnlyFolder folder(directory.path());
+    EXPECT_EQ(0, asOrdinaryUser([&] {
+                  return problemOf(file, true) == "0:0 Permission denied" &&
+                                 problemOf(file, false) == "0:0 Permission denied"
+                             ? 0
+                             : 1;
+              }));
+    std::filesystem::permissions(file.toPath(), std::filesystem::perms(0444));
+    const std::string copy = directory.file(sanitisingFile).toString();
+    EXPECT_EQ(0, asOrdinaryUser([&] {
+                  return problemOf(file, true) ==
+                                 "0:0 " + copy + " cannot be written: Permission denied"
+                             ? 0
+                             : 1;
+              }));
+}
+
+TEST(SchemaReadProblem, NamesTheScratchFileThatIsInTheWay) {
+    for (const std::string& name : {sanitisingFile, rewritingFile}) {
+        const TemporaryDirectory directory;
+        const FileName file = directory.file("schema.xsd", suiteSchema(lines));
+        std::filesystem::create_directories(directory.path() / name / "full");
+        EXPECT_EQ("0:0 the scratch file " + directory.file(name).toString() +
+                      " cannot be made: something has that name and cannot be removed",
+                  problemOf(file, true));
+    }
+}
+
+TEST(SchemaReadProblem, IsThatTheFileIsAScratchFile) {
+    for (const std::string& name : {sanitisingFile, rewritingFile}) {
+        const TemporaryDirectory directory;
+        const FileName scratch = directory.file(name, suiteSchema(lines));
+        std::filesystem::create_symlink(name, directory.path() / "link.xsd");
+        for (const FileName& file : {scratch, directory.file("link.xsd")})
+            EXPECT_EQ("0:0 it has the name of a scratch file, or is a link to one: readXSD(true) "
+                      "removes those",
+                      problemOf(file, true));
+    }
 }
 
 // How a file is rewritten before it is parsed, and a model when it is written.

@@ -2,18 +2,21 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/files/FileReplacing.h>
-#include <ConfigurationFramework/files/RegularFile.h>
 #include <ConfigurationFramework/schema/LineRewriting.h>
 #include <ConfigurationFramework/schema/PrunedSchema.h>
+#include <ConfigurationFramework/schema/ReadProblem.h>
 #include <ConfigurationFramework/schema/RemovedNodes.h>
 #include <ConfigurationFramework/schema/SchemaClosure.h>
+#include <ConfigurationFramework/schema/SchemaFileFailure.h>
 #include <ConfigurationFramework/schema/SchemaFiles.h>
 #include <ConfigurationFramework/schema/SchemaLosses.h>
 #include <ConfigurationFramework/schema/SchemaParser.h>
 #include <ConfigurationFramework/schema/SchemaSource.h>
 
 #include <FileHandling/FileUtilities.h>
+#include <Logging/Logging.h>
 
+#include <exception>
 #include <ios>
 #include <ostream>
 #include <utility>
@@ -22,29 +25,43 @@ namespace Orvant {
 
 namespace {
 
+const Logging s_log("XsdConfigReader");
+
 void replacePrefix(const FileName& file, const std::string& from, const std::string& to) {
     SchemaFiles::rewriteLines(file, [&from, &to](const std::string& line) {
         return LineRewriting::replacePrefix(line, from, to);
     });
 }
 
-/// @return the bytes of a schema file
-/// @throws ConfigException of type SourceNotFound when it cannot be read
-std::string bytesOf(const FileName& file) {
-    auto bytes = readRegularFile(file);
-    if (!bytes)
-        throw ConfigException(ConfigException::SourceNotFound);
-    return std::move(*bytes);
-}
-
 /// @return the name of the copy to sanitise
-/// @throws ConfigException of type SourceNotFound when it cannot be made
+/// @throws SchemaFileFailure when it cannot be made
 FileName makeCopy(const FileName& file, const std::string& bytes) {
     const FileName copy = SchemaFiles::sanitisingCopy(file);
-    if (!SchemaFiles::makePlace(copy))
-        throw ConfigException(ConfigException::SourceNotFound);
+    SchemaFiles::makePlaceForScratch(copy);
     SchemaFiles::make(copy, bytes);
     return copy;
+}
+
+void log(const FileName& file, const XsdReadProblem& problem) {
+    std::string place = file.toString() + ':';
+    if (problem.line != 0)
+        place += std::to_string(problem.line) + ':' + std::to_string(problem.column) + ':';
+    s_log.logERROR(place + ' ' + problem.message, __FILE__, __func__, __LINE__);
+}
+
+/// @return the type of the exception that a reading throws for what it caught
+ConfigException::ExceptionType typeOf(const std::exception_ptr& caught) {
+    try {
+        std::rethrow_exception(caught);
+    } catch (const SchemaFileFailure&) {
+        return ConfigException::SourceNotFound;
+    } catch (const xml_schema::parsing&) {
+        return ConfigException::SourceNotFound;
+    } catch (const xsd::cxx::exception&) {
+        return ConfigException::ParserReportedErrors;
+    } catch (...) {
+        return ConfigException::UnknownError;
+    }
 }
 
 /// Whether a schema can be written to a file; whatever had its name is then removed.
@@ -85,25 +102,23 @@ void XsdConfigReader::readAnyXSD() {
 }
 
 void XsdConfigReader::read(SchemaDialect dialect) {
+    m_problem.reset();
+    std::string bytes;
     try {
         // Whatever has the name of a scratch file is removed, which must not be the file itself.
         if (dialect == SchemaDialect::Suite && SchemaFiles::isScratchFile(*m_file))
-            throw ConfigException(ConfigException::SourceNotFound);
-        std::string bytes = bytesOf(*m_file);
+            throw SchemaFileFailure("it has the name of a scratch file, or is a link to one: "
+                                    "readXSD(true) removes those");
+        bytes = SchemaFiles::read(*m_file);
         const auto schema =
             dialect == SchemaDialect::Suite ? parseRewritten(bytes) : parseSchema(bytes, dialect);
         m_tree = std::make_shared<XsdElement>(*schema);
         m_source = std::make_shared<const SchemaSource>(std::move(bytes), dialect);
-    } catch (const ConfigException&) {
-        throw;
-    } catch (const xml_schema::parsing&) {
-        throw ConfigException(ConfigException::SourceNotFound);
-    } catch (const xsd::cxx::exception&) {
-        throw ConfigException(ConfigException::ParserReportedErrors);
-    } catch (const std::exception&) {
-        throw ConfigException(ConfigException::UnknownError);
     } catch (...) {
-        throw ConfigException(ConfigException::UnknownError);
+        const std::exception_ptr caught = std::current_exception();
+        m_problem = describeReadProblem(bytes, dialect, caught);
+        log(*m_file, *m_problem);
+        throw ConfigException(typeOf(caught));
     }
 }
 
@@ -238,7 +253,7 @@ void XsdConfigReader::replaceInFile(const FileName& file, const std::string& fro
 std::unique_ptr<OV_XsdReader::ov_schema> XsdConfigReader::parseRewritten(const std::string& bytes) {
     const FileName copy = makeCopy(*m_file, bytes);
     fixXsdFormatInFile(copy);
-    auto schema = parseSchema(bytesOf(copy), SchemaDialect::Suite);
+    auto schema = parseSchema(SchemaFiles::read(copy), SchemaDialect::Suite);
     FileUtilities::remove(copy);
     return schema;
 }

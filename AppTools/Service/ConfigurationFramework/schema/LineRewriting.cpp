@@ -11,19 +11,15 @@ namespace {
 constexpr std::string_view modelSchemaTag = "<p1:schema xmlns:p1=\"";
 constexpr std::string_view whiteSpace = " \t\r";
 
-std::string schemaTag(std::string_view element, std::string_view nameSpace, bool withPrefix) {
-    std::string tag = "<";
-    tag += element;
-    const auto add = [&tag](std::string_view name, std::string_view value) {
-        tag.append(" ").append(name).append("=\"").append(value).append("\"");
-    };
-    add("xmlns:xs", SchemaNamespaces::xmlSchema);
+Attributes schemaAttributes(std::string_view nameSpace, bool withPrefix) {
+    const std::string uri(nameSpace);
+    Attributes attributes{{"xmlns:xs", std::string(SchemaNamespaces::xmlSchema)}};
     if (withPrefix)
-        add("xmlns:ov", nameSpace);
-    add("xmlns", nameSpace);
-    add("targetNamespace", nameSpace);
-    add("elementFormDefault", "qualified");
-    return tag + '>';
+        attributes.emplace_back("xmlns:ov", uri);
+    attributes.emplace_back("xmlns", uri);
+    attributes.emplace_back("targetNamespace", uri);
+    attributes.emplace_back("elementFormDefault", "qualified");
+    return attributes;
 }
 
 bool skip(std::string_view& text, std::string_view expected) {
@@ -127,12 +123,24 @@ ClassifiedLine classify(std::string_view line, std::string_view prefix) {
 
 } // namespace
 
+std::string startTag(std::string_view element, const Attributes& attributes) {
+    std::string tag = "<";
+    tag += element;
+    for (const auto& [name, value] : attributes)
+        tag.append(" ").append(name).append("=\"").append(value).append("\"");
+    return tag + '>';
+}
+
+Attributes suiteAttributes(bool withPrefix) {
+    return schemaAttributes(SchemaNamespaces::suite, withPrefix);
+}
+
 std::string suiteHeader(bool withPrefix) {
-    return schemaTag("xs:schema", SchemaNamespaces::suite, withPrefix);
+    return startTag("xs:schema", suiteAttributes(withPrefix));
 }
 
 std::string readerHeader() {
-    return schemaTag("schema", SchemaNamespaces::reader, true);
+    return startTag("schema", schemaAttributes(SchemaNamespaces::reader, true));
 }
 
 std::string modelHeader() {

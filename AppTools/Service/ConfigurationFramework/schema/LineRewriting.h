@@ -4,9 +4,19 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 /// The text of schema files: their start tags, and what is replaced in their lines.
 namespace Orvant::LineRewriting {
+
+using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+/// @return a start tag as suite schemas have it: one blank before each attribute
+std::string startTag(std::string_view element, const Attributes& attributes);
+
+/// Attributes of the start tag of a suite schema.
+/// @param withPrefix whether they declare the prefix ov:
+Attributes suiteAttributes(bool withPrefix);
 
 /// Start tag of a suite schema.
 /// @param withPrefix whether it declares the prefix ov:

@@ -1,9 +1,9 @@
 #include <ConfigurationFramework/schema/SchemaFiles.h>
 
-#include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/files/FileLinks.h>
 #include <ConfigurationFramework/files/NewFile.h>
 #include <ConfigurationFramework/files/RegularFile.h>
+#include <ConfigurationFramework/schema/SchemaFileFailure.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 #include <ConfigurationFramework/xsd/ov_schema.h>
@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <source_location>
 #include <sstream>
+#include <utility>
 
 namespace Orvant::SchemaFiles {
 
@@ -48,6 +49,13 @@ bool isScratchFile(const FileName& file) {
     });
 }
 
+std::string read(const FileName& file) {
+    FileBytes found = readBytes(file);
+    if (!found.bytes)
+        throw SchemaFileFailure(found.error.message());
+    return std::move(*found.bytes);
+}
+
 FileName sanitisingCopy(const FileName& file) {
     return beside(file, sanitisingName);
 }
@@ -60,30 +68,35 @@ bool makePlace(const FileName& file) {
     return !std::filesystem::is_directory(status) && FileUtilities::remove(file);
 }
 
+void makePlaceForScratch(const FileName& file) {
+    if (!makePlace(file))
+        throw SchemaFileFailure("the scratch file " + file.toString() +
+                                " cannot be made: something has that name and cannot be removed");
+}
+
 void make(const FileName& file, std::string_view bytes) {
     NewFile made(file);
     if (!made.write(bytes) || !made.finish())
-        throw ConfigException(ConfigException::SourceNotFound);
+        throw SchemaFileFailure(file.toString() + " cannot be written: " + made.error().message());
 }
 
 void rewriteLines(const FileName& file,
                   const std::function<std::string(const std::string&)>& rewrite) {
     const FileName scratch = beside(file, rewritingName);
-    if (!makePlace(scratch))
-        throw ConfigException(ConfigException::SourceNotFound);
+    makePlaceForScratch(scratch);
     OvIfstream in(file, std::ios::in);
     std::string rewritten;
     for (std::string line; std::getline(in, line);)
         rewritten += rewrite(line) + '\n';
     if (in.bad())
-        throw ConfigException(ConfigException::SourceNotFound);
+        throw SchemaFileFailure(file.toString() + " cannot be read");
     in.close();
     // A full disk must not cost what is there.
     make(scratch, rewritten);
     if (FileUtilities::replaceFile(scratch, file))
         return;
     FileUtilities::remove(scratch);
-    throw ConfigException(ConfigException::SourceNotFound);
+    throw SchemaFileFailure(file.toString() + " cannot be replaced by " + scratch.toString());
 }
 
 void write(const OV_XsdReader::ov_schema& schema, const FileName& file) {

@@ -50,7 +50,7 @@ void ParserConfinement::parse(ConfinedParser& parser, const char* bytes, std::si
     try {
         parser.parse(source);
     } catch (const xercesc::OutOfMemoryException&) {
-        if (m_memory.isExceeded() && parser.getErrorHandler() != nullptr)
+        if (m_memory.exceeded() != nullptr && parser.getErrorHandler() != nullptr)
             parser.getErrorHandler()->fatalError(xercesc::SAXParseException(
                 u"the document takes too much memory", nullptr, systemId, 0, 0));
         else

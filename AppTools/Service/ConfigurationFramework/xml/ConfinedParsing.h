@@ -69,6 +69,9 @@ public:
     /// @return bytes of the document that is being parsed
     std::size_t documentSize() const { return m_documentSize; }
 
+    /// @return which limit made a document take "too much memory", in English; null if none did
+    const char* exceeded() const { return m_memory.exceeded(); }
+
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
 private:

@@ -10,6 +10,12 @@
 
 namespace Orvant {
 
+namespace {
+
+constexpr const char* s_expansion = "the text that entity references expand to";
+
+} // namespace
+
 ParserMemory::~ParserMemory() {
     while (m_blocks.next != &m_blocks)
         deallocate(m_blocks.next + 1);
@@ -22,13 +28,13 @@ void ParserMemory::addEntity(std::size_t length) {
 void ParserMemory::tellExpansion(std::size_t length) {
     m_awaitsTelling = false;
     m_told += length;
-    refuseIf(m_told > m_maxTold);
+    refuseIf(m_told > m_maxTold, s_expansion);
 }
 
-void ParserMemory::refuseIf(bool isTooMuch) {
+void ParserMemory::refuseIf(bool isTooMuch, const char* what) {
     if (!isTooMuch)
         return;
-    m_isExceeded = true;
+    m_exceeded = what;
     throw xercesc::OutOfMemoryException();
 }
 
@@ -46,12 +52,14 @@ void ParserMemory::countExpansion() {
         return; // It reads the document.
     if (std::exchange(m_awaitsTelling, true))
         m_untold += m_longestEntity;
-    refuseIf(m_expansions++ >= m_maxExpansions || m_readers > maxNestedExpansions + 1 ||
-             m_untold > m_maxUntold);
+    refuseIf(m_expansions++ >= m_maxExpansions, "the number of entity references");
+    refuseIf(m_readers > maxNestedExpansions + 1, "the depth of entity references");
+    refuseIf(m_untold > m_maxUntold, s_expansion);
 }
 
 void* ParserMemory::allocate(XMLSize_t size) {
-    refuseIf(size > std::min(m_maxBytes, m_maxBytesOfGrowth) - m_bytes);
+    refuseIf(size > m_maxBytesOfGrowth - m_bytes, "the memory for its DTD");
+    refuseIf(size > m_maxBytes - m_bytes, "the memory for all of it");
     if (isReader(size))
         countExpansion();
     void* const place = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(sizeof(Block) + size);

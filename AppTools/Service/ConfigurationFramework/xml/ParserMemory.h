@@ -20,8 +20,8 @@ public:
     ParserMemory& operator=(const ParserMemory&) = delete;
     ~ParserMemory() override;
 
-    /// @return true when a limit was exceeded
-    bool isExceeded() const { return m_isExceeded; }
+    /// @return what was too much, in English; null while no limit was exceeded
+    const char* exceeded() const { return m_exceeded; }
 
     /// Limits what is held at a time.
     void limitBytes(std::size_t bytes) { m_maxBytes = bytes; }
@@ -64,7 +64,7 @@ private:
 
     static bool isReader(XMLSize_t size);
     void countExpansion();
-    void refuseIf(bool isTooMuch);
+    void refuseIf(bool isTooMuch, const char* what);
 
     Block m_blocks; ///< both ends of the ring
     std::size_t m_bytes = 0;
@@ -79,7 +79,7 @@ private:
     std::size_t m_untold = 0;
     std::size_t m_maxUntold = unlimited;
     bool m_awaitsTelling = false; ///< the last expansion may still be reported
-    bool m_isExceeded = false;
+    const char* m_exceeded = nullptr;
 };
 
 } // namespace Orvant

@@ -71,6 +71,10 @@ public:
         Parser::docCharacters(text, length, isCData);
         mark();
     }
+    void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool isCData) override {
+        Parser::ignorableWhitespace(text, length, isCData);
+        mark();
+    }
     void docComment(const XMLCh* comment) override {
         Parser::docComment(comment);
         mark();

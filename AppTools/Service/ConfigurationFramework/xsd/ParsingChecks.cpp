@@ -1,20 +1,28 @@
 #include <ConfigurationFramework/xsd/ParsingChecks.h>
 
-#include <ConfigurationFramework/xsd/ov_schema.h>
-
 #include <charconv>
 #include <string_view>
 
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMNodeList.hpp>
 #include <xercesc/dom/DOMText.hpp>
 
 namespace OV_XsdReader {
 
 namespace {
 
-[[noreturn]] void throwParsing(const std::string& message) {
+xml_schema::diagnostics diagnosticsOf(const std::string& message) {
     xml_schema::diagnostics diagnostics;
     diagnostics.push_back(xml_schema::error(xml_schema::severity::error, "", 0, 0, message));
-    throw xml_schema::parsing(diagnostics);
+    return diagnostics;
+}
+
+std::size_t positionOf(const xercesc::DOMElement& element) {
+    const xercesc::DOMNodeList& all = *element.getOwnerDocument()->getElementsByTagName(u"*");
+    std::size_t position = 0;
+    while (all.item(position) != &element)
+        ++position;
+    return position;
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -39,6 +47,13 @@ bool isWholeNumber(std::string_view text) {
 
 } // namespace
 
+MisfitElement::MisfitElement(const std::string& message, const xercesc::DOMElement& element)
+    : xml_schema::parsing(diagnosticsOf(message)), m_position(positionOf(element)) {}
+
+const std::string& MisfitElement::message() const {
+    return diagnostics().front().message();
+}
+
 std::string ownText(const xercesc::DOMElement& element) {
     std::string text;
     for (const xercesc::DOMNode* node = element.getFirstChild(); node != nullptr;
@@ -55,7 +70,8 @@ std::string ownText(const xercesc::DOMElement& element) {
 const xercesc::DOMAttr& wholeNumber(const xercesc::DOMAttr& attribute) {
     const auto value = xsd::cxx::xml::transcode<char>(attribute.getValue());
     if (!isWholeNumber(trimmed(value)))
-        throwParsing("not a whole number: " + value);
+        throw MisfitElement("minOccurs is not a whole number: " + value,
+                            *attribute.getOwnerElement());
     return attribute;
 }
 
@@ -64,7 +80,7 @@ const xercesc::DOMElement& notTooDeep(const xercesc::DOMElement& element) {
     for (const xercesc::DOMNode* node = element.getParentNode(); node != nullptr;
          node = node->getParentNode())
         if (++depth > maxDepth)
-            throwParsing("elements nest too deep");
+            throw MisfitElement("a complex type stands more than 512 elements deep", element);
     return element;
 }
 

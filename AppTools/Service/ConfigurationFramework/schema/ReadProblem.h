@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ConfigurationFramework/XsdReadProblem.h>
+#include <ConfigurationFramework/schema/SchemaDialect.h>
+
+#include <exception>
+#include <string>
+
+namespace Orvant {
+
+/// Finds out why a schema file could not be read. The file is parsed again, apart from the reading,
+/// so that what can be read does not pay for it.
+/// @param bytes  what the file holds; not needed if it could not be read
+/// @param caught what the reading threw
+XsdReadProblem describeReadProblem(const std::string& bytes, SchemaDialect dialect,
+                                   const std::exception_ptr& caught);
+
+} // namespace Orvant
