@@ -189,6 +189,10 @@ TEST_F(ReadProblem, NamesAMinOccursThatIsNoWholeNumberAndPlacesItsElement) {
                                  "<xs:complexType name='A'>\n<xs:sequence>\n"
                                  "<!-- \u00E4 --> <xs:element name='b'\n"
                                  " minOccurs='many'/>\n</xs:sequence>\n</xs:complexType>")));
+    EXPECT_EQ("3:2" + said,
+              problemOfAny("<schema xmlns='http://www.w3.org/2001/XMLSchema'>\n<complexType>"
+                           "<sequence>\n <element minOccurs='many'/></sequence></complexType>"
+                           "</schema>"));
     // That of a root element is not read.
     EXPECT_EQ("2:31" + said,
               problemOfReader(readerSchema("<element minOccurs='no'/>\n<complexType><sequence>"
@@ -210,6 +214,9 @@ TEST_F(ReadProblem, PlacesATypeThatIsNestedTooDeep) {
                                                          "</xs:complexType>")));
     EXPECT_EQ("515:1" + said,
               problemOfReader(readerSchema("\n<complexType>\n" + nested("") + "</complexType>")));
+    EXPECT_EQ("515:1" + said, problemOfAny("<x:schema xmlns:x='http://www.w3.org/2001/XMLSchema'>\n"
+                                           "<x:complexType>\n" +
+                                           nested("x:") + "</x:complexType></x:schema>"));
 }
 
 // Two tags on a line.
