@@ -11,31 +11,43 @@ namespace {
 using Index = SourceDocument::Index;
 using Nodes = std::vector<Index>;
 
-/// The bytes to cut for some children of an element.
-class Cuts {
+/// The nodes directly in an element, by position.
+class Siblings {
 public:
+    /// Nodes that go together.
+    struct Run {
+        std::size_t first;
+        std::size_t last;
+    };
     struct Range {
         std::size_t begin;
         std::size_t end;
     };
 
-    Cuts(const SourceDocument& document, Index parent) : m_document(document) {
+    Siblings(const SourceDocument& document, Index parent) : m_document(document) {
         for (const Index child : document.children(parent))
             m_children.push_back(child);
     }
 
-    /// @param position of the node among its siblings
-    Range rangeOf(std::size_t position) const {
-        const SourceDocument::Node& first = node(firstComment(position));
-        return {first.followsText ? first.begin : first.gap, node(lastComment(position)).end};
+    /// @return a node with the comments that belong to it
+    Run runOf(Index child) const {
+        const std::size_t position = positionOf(child);
+        return {firstComment(position), lastComment(position)};
     }
 
+    /// @return the bytes to cut, so that what stays begins and ends its line as before
+    Range rangeOf(const Run& run) const {
+        const SourceDocument::Node& first = node(run.first);
+        if (isNextOnLine(run.last) && !isOnLineOfPrevious(run.first))
+            return {first.begin, node(run.last + 1).begin};
+        return {first.followsText ? first.begin : first.gap, node(run.last).end};
+    }
+
+private:
     std::size_t positionOf(Index child) const {
         return static_cast<std::size_t>(std::ranges::lower_bound(m_children, child) -
                                         m_children.begin());
     }
-
-private:
     const SourceDocument::Node& node(std::size_t position) const {
         return m_document[m_children[position]];
     }
@@ -43,12 +55,21 @@ private:
         return node(position).kind == SourceDocument::Kind::Comment && !node(position).inEntity;
     }
     bool isOnLineOfPrevious(std::size_t position) const { return node(position).breaksBefore == 0; }
+    /// @return whether there is nothing but white space between a node and the one before it
+    bool followsPrevious(std::size_t position) const {
+        return !node(position).followsText && node(position).gap == node(position - 1).end;
+    }
+    /// @return whether there is another node behind a node on its last line
+    bool isNextOnLine(std::size_t position) const {
+        return position + 1 < m_children.size() && isOnLineOfPrevious(position + 1) &&
+               followsPrevious(position + 1);
+    }
 
     /// @return position of the first comment of those directly above a node, or of the node
     std::size_t firstComment(std::size_t position) const {
         std::size_t first = position;
         while (first > 0 && isComment(first - 1) && node(first).breaksBefore <= 1 &&
-               !node(first).followsText)
+               followsPrevious(first))
             --first;
         // What is on a line with something else belongs to that.
         while (first < position && isOnLineOfPrevious(first))
@@ -59,14 +80,10 @@ private:
     /// @return position of the last comment on the last line of a node, or of the node
     std::size_t lastComment(std::size_t position) const {
         std::size_t last = position;
-        const auto isNextHere = [&] {
-            return last + 1 < m_children.size() && isOnLineOfPrevious(last + 1) &&
-                   !node(last + 1).followsText;
-        };
-        while (isNextHere() && isComment(last + 1))
+        while (isNextOnLine(last) && isComment(last + 1))
             ++last;
         // Between two elements on one line, it is open which one a comment belongs to.
-        return isNextHere() ? position : last;
+        return isNextOnLine(last) ? position : last;
     }
 
     const SourceDocument& m_document;
@@ -77,13 +94,17 @@ private:
 
 std::string withoutNodes(const std::string& bytes, const SourceDocument& document,
                          const Nodes& cut) {
-    std::unordered_map<Index, Cuts> siblings;
+    std::unordered_map<Index, Siblings> siblingsIn;
     std::string rest;
     std::size_t done = 0;
-    for (const Index node : cut) {
-        const Index parent = document[node].parent;
-        const Cuts& cuts = siblings.try_emplace(parent, document, parent).first->second;
-        const Cuts::Range range = cuts.rangeOf(cuts.positionOf(node));
+    for (auto node = cut.begin(); node != cut.end();) {
+        const Index parent = document[*node].parent;
+        const Siblings& siblings = siblingsIn.try_emplace(parent, document, parent).first->second;
+        Siblings::Run run = siblings.runOf(*node);
+        while (++node != cut.end() && document[*node].parent == parent &&
+               siblings.runOf(*node).first == run.last + 1)
+            run.last = siblings.runOf(*node).last;
+        const Siblings::Range range = siblings.rangeOf(run);
         rest.append(bytes, done, range.begin - done);
         done = range.end;
     }
