@@ -1,5 +1,6 @@
 #include <ConfigurationFramework/schema/SchemaReferences.h>
 
+#include <ConfigurationFramework/schema/SchemaNamespaces.h>
 #include <ConfigurationFramework/schema/TypeNames.h>
 
 #include <algorithm>
@@ -120,7 +121,8 @@ bool SchemaReferences::isPartOfSchema(Index element) const {
 
 bool SchemaReferences::isOwn(std::string_view name, Index element) const {
     const auto nameSpace = m_document.nameSpaceOf(TypeNames::parts(name).prefix, element);
-    return !nameSpace || nameSpace->empty() || *nameSpace == m_target;
+    return !nameSpace || nameSpace->empty() || *nameSpace == m_target ||
+           *nameSpace == SchemaNamespaces::reader;
 }
 
 } // namespace Orvant

@@ -15,8 +15,8 @@ namespace Orvant {
 /// What the parts of a schema file name, and where that is declared: also what the schema document
 /// model does not hold, such as groups, unions and lists.
 ///
-/// A name counts as the schema's own if it is in its namespace, in none, or has a prefix that is
-/// not declared: rather one too many is found than one too few.
+/// A name counts as the schema's own if it is in its namespace, in the reader's, in none, or has a
+/// prefix that is not declared: rather one too many is found than one too few.
 class SchemaReferences {
 public:
     using Index = SourceDocument::Index;
