@@ -9,8 +9,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
-#include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/util/XMLString.hpp>
 
@@ -41,23 +42,26 @@ public:
         }
         if (!xercesc::XMLString::equals(element.getNamespaceURI(), m_xmlSchema.c_str()))
             return;
+        std::vector<std::pair<XmlString, XmlString>> changed;
         for (const std::string_view name :
              {"name", "type", "base", "use", "minOccurs", "maxOccurs"})
-            translateAttribute(element, name);
-        m_document.renameNode(&element, m_reader.c_str(), element.getLocalName());
+            if (auto value = changedValue(element, name))
+                changed.emplace_back(toXml(name), std::move(*value));
+        // This sets attributes that have a default to it once more.
+        auto& renamed = dynamic_cast<xercesc::DOMElement&>(
+            *m_document.renameNode(&element, m_reader.c_str(), element.getLocalName()));
+        for (const auto& [name, value] : changed)
+            renamed.setAttribute(name.c_str(), value.c_str());
     }
 
 private:
-    void translateAttribute(xercesc::DOMElement& element, std::string_view name) const {
-        xercesc::DOMAttr* const attribute = element.getAttributeNode(toXml(name).c_str());
-        if (attribute == nullptr)
-            return;
-        const std::string written = toString(attribute->getValue());
+    std::optional<XmlString> changedValue(const xercesc::DOMElement& element,
+                                          std::string_view name) const {
+        const std::string written = toString(element.getAttribute(toXml(name).c_str()));
         std::string value = TypeNames::collapsed(written);
         if (TypeNames::isTypeName(name))
             value = inSuite(value, element);
-        if (value != written)
-            attribute->setValue(toXml(value).c_str());
+        return value == written ? std::nullopt : std::optional(toXml(value));
     }
 
     std::string inSuite(const std::string& name, const xercesc::DOMElement& element) const {
