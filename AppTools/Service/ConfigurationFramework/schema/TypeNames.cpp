@@ -15,9 +15,11 @@ std::string inSuite(std::string_view name, std::string_view targetNamespace,
                     const Resolver& nameSpaceOf) {
     const auto [prefix, local] = parts(name);
     const auto nameSpace = nameSpaceOf(prefix);
-    if (nameSpace == SchemaNamespaces::xmlSchema)
+    if (nameSpace == targetNamespace) // which is that of XML Schema in its own schema
+        return std::string(local);
+    if (nameSpace == SchemaNamespaces::xmlSchema && !local.empty())
         return std::string("xs:").append(local);
-    return std::string(nameSpace == targetNamespace ? local : name);
+    return std::string(name);
 }
 
 std::string collapsed(std::string_view name) {
