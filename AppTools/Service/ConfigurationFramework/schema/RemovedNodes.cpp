@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -69,23 +70,27 @@ public:
     }
 
 private:
-    /// Finds the item of the schema for each of the file. Filters only remove, so most are found at
-    /// the next place; an application can do more.
+    /// Finds the item of the schema for each of the file. Filters only remove, and the first of
+    /// several that look the same, so most are found in order from the end; an application can do
+    /// more.
     template <typename Sequence>
     void compareItems(const std::vector<Index>& items, const Sequence& present) {
-        auto next = present.begin();
-        auto item = items.begin();
-        while (item != items.end() && next != present.end() && keyIn(*item) == keyOf(*next))
-            compareContents(*item++, *next++);
+        auto next = present.rbegin();
+        std::vector<Index> notInOrder;
+        for (const Index item : items | std::views::reverse)
+            if (next != present.rend() && keyIn(item) == keyOf(*next))
+                compareContents(item, *next++);
+            else
+                notInOrder.push_back(item);
         std::unordered_multimap<Key, const typename Sequence::value_type*, KeyHash> others;
-        for (; next != present.end(); ++next)
+        for (; next != present.rend(); ++next)
             others.emplace(keyOf(*next), &*next);
-        for (; item != items.end(); ++item) {
-            const auto other = others.find(keyIn(*item));
+        for (const Index item : notInOrder) {
+            const auto other = others.empty() ? others.end() : others.find(keyIn(item));
             if (other == others.end()) {
-                m_removed.push_back(*item);
+                m_removed.push_back(item);
             } else {
-                compareContents(*item, *other->second);
+                compareContents(item, *other->second);
                 others.erase(other);
             }
         }
