@@ -22,6 +22,22 @@ inline Pruned prunedBy(XsdConfigReader& reader) {
     return {out.str(), std::move(stayed)};
 }
 
+/// @return all that a reader answers
+inline std::string answersOf(XsdConfigReader& reader) {
+    std::string answers;
+    for (const auto& [name, type] : reader.getXsdTree()) {
+        answers += name + " (" + type->name + ")\n";
+        for (const auto& child : type->children)
+            answers += "  " + child->name + ": " + child->type + ' ' +
+                       std::to_string(child->minOccurs) + ".." + child->maxOccurs + '\n';
+        for (const std::string& attribute : type->attributes)
+            answers += "  @" + attribute + '\n';
+    }
+    for (const auto& [name, type] : reader.getRootelements())
+        answers += "root " + name + ": " + type + '\n';
+    return answers;
+}
+
 /// @return what a schema of the suite holds
 inline std::string linesOf(const std::string& schema) {
     constexpr std::string_view end = "\n</xs:schema>\n";

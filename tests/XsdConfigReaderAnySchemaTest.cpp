@@ -14,22 +14,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 
-/// @return all that a reader answers
-std::string answersOf(XsdConfigReader& reader) {
-    std::string answers;
-    for (const auto& [name, type] : reader.getXsdTree()) {
-        answers += name + " (" + type->name + ")\n";
-        for (const auto& child : type->children)
-            answers += "  " + child->name + ": " + child->type + ' ' +
-                       std::to_string(child->minOccurs) + ".." + child->maxOccurs + '\n';
-        for (const std::string& attribute : type->attributes)
-            answers += "  @" + attribute + '\n';
-    }
-    for (const auto& [name, type] : reader.getRootelements())
-        answers += "root " + name + ": " + type + '\n';
-    return answers;
-}
-
 const std::string machine = R"(<xs:element name="machine" type="Machine"/>
 <xs:element name="part" type="Part"/>
 <xs:complexType name="Machine">

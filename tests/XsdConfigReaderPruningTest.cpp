@@ -656,6 +656,13 @@ TEST(PrunedSchema, LosesWhatTheApplicationRenames) {
         type("B"));
 }
 
+TEST(PrunedSchema, LosesTheFirstOfTypesWithTheSameName) {
+    const std::string first = "<xs:complexType name=\"A\">\n<xs:sequence>\n"
+                              "<xs:element name=\"a\"/>\n</xs:sequence>\n</xs:complexType>\n";
+    EXPECT_EQ(pruned(first + type("A"), keeping({})).text, type("A"));
+    EXPECT_EQ(pruned(type("A") + '\n' + first + type("B"), keeping({})).text, first + type("B"));
+}
+
 TEST(PrunedSchema, TellsWhatHasTheSameNameByItsOrder) {
     const std::string twice = "<xs:element name=\"a\" minOccurs=\"0\"/> <!-- 1 -->\n"
                               "<xs:element name=\"b\" minOccurs=\"0\"/>\n"
@@ -684,6 +691,17 @@ TEST(PrunedSchema, ReportsAPlaceThatCannotBeWritten) {
             << place.toString();
     EXPECT_THAT(filesIn(directory), ElementsAre("directory", "schema.xsd"));
     EXPECT_EQ(suiteSchema(machine), readFile(directory.file("schema.xsd")));
+}
+
+TEST(PrunedSchema, NeverHasTheNameOfAScratchFile) {
+    const TemporaryDirectory directory;
+    ReaderOfSchema reader(directory, machine);
+    std::filesystem::create_symlink(sanitisingFile, directory.path() / "link.xsd");
+    for (const std::string& name : {sanitisingFile, rewritingFile, std::string("link.xsd")})
+        EXPECT_EQ(ConfigException::SourceNotFound,
+                  failureOf([&] { reader.writePrunedXSD(directory.file(name)); }))
+            << name;
+    EXPECT_THAT(filesIn(directory), ElementsAre("link.xsd", "schema.xsd"));
 }
 
 TEST(PrunedSchema, LeavesTheFileWhereTheDiskIsFull) {
