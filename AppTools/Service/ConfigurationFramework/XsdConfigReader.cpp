@@ -74,15 +74,13 @@ bool isPlaceForSchema(const FileName& file) {
 }
 
 /// Replaces a file in one step.
-/// @throws ConfigException of type SourceNotFound when that fails, or it would be a scratch file
-void save(const FileName& file, const std::string& text) {
+/// @return false when that fails, or it would be a scratch file
+bool save(const FileName& file, const std::string& text) {
     try {
-        if (!SchemaFiles::isScratchFile(file) && !replaceFile(file, text).error)
-            return;
+        return !SchemaFiles::isScratchFile(file) && !replaceFile(file, text).error;
     } catch (const FileNameException&) {
-        // No file system could hold the name.
+        return false;
     }
-    throw ConfigException(ConfigException::SourceNotFound);
 }
 
 } // namespace
@@ -229,7 +227,8 @@ std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName& file) {
     if (!m_tree)
         return {};
     const PrunedSchema pruned(*m_source, *m_tree->getSchema());
-    save(file, pruned.text);
+    if (!save(file, pruned.text))
+        throw ConfigException(ConfigException::SourceNotFound);
     return pruned.stayed;
 }
 
