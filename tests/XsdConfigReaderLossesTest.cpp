@@ -450,6 +450,13 @@ INSTANTIATE_TEST_SUITE_P(
                      "<xs:restriction base='B'/>"),
              {"4 minOccurs of B: not a valid schema"},
              ""},
+        Loss{"RestrictionOfAChoiceThatCouldBeEmpty",
+             derived("<xs:choice>" + std::string(a) +
+                         "\n<xs:any minOccurs='0' namespace='##other'/>"
+                         "</xs:choice>",
+                     "<xs:restriction base='B'/>"),
+             {"4 xs:any of B: not a valid schema"},
+             ""},
         Loss{"RestrictedAttributeWithInlineType",
              derived("<xs:attribute name='x' type='xs:int'/>",
                      restriction("<xs:attribute name='x'><xs:simpleType>"

@@ -265,9 +265,19 @@ void SchemaFaults::checkRestrictedContent(Index restriction, Index base) {
     if (hadContent)
         return;
     for (const Index type : m_schema.withBases(base))
-        for (const Index child : m_schema.document().children(holderOf(m_schema, type)))
-            if (m_schema.isWritten(child) && m_schema.text(child, "minOccurs") == "0")
-                blame(child, "minOccurs", XsdLoss::notValid);
+        for (const Index group : m_schema.document().children(holderOf(m_schema, type)))
+            if (m_schema.isWritten(group))
+                blameOptional(group);
+}
+
+/// Blames what allowed a sequence or choice to be empty.
+void SchemaFaults::blameOptional(Index group) {
+    if (m_schema.text(group, "minOccurs") == "0")
+        blame(group, "minOccurs", XsdLoss::notValid);
+    if (m_schema.modelClass(group) != ModelClass::Choice)
+        return;
+    for (const char* const lost : {"element", "any", "group", "choice", "sequence"})
+        blameLost(group, lost);
 }
 
 /// An attribute of a restriction is one of its base, with a type derived from that one's.
@@ -285,7 +295,8 @@ void SchemaFaults::checkRestrictedAttribute(Index attribute, const std::vector<I
     if (m_schema.derivesFrom(bases, "anyType"))
         return;
     for (const Index base : bases)
-        for (const char* const lost : {"attribute", "attributeGroup", "anyAttribute"})
+        for (const char* const lost :
+             {"attribute", "attributeGroup", "anyAttribute", "simpleContent", "complexContent"})
             blameLost(holderOf(m_schema, base), lost);
 }
 

@@ -34,6 +34,7 @@ private:
     void checkMixed(Index type);
     void checkRestriction(Index type);
     void checkRestrictedContent(Index restriction, Index base);
+    void blameOptional(Index group);
     void checkRestrictedAttribute(Index attribute, const std::vector<Index>& bases);
     void blame(Index node, const std::string& attribute, const char* effect);
     void blameLost(Index element, std::string_view name);

@@ -99,7 +99,7 @@ WrittenSchema::Name WrittenSchema::resolved(std::string_view name, Index element
     if (!isReaders())
         return {Kind::Other, std::string(name)};
     // Names are as in the suite, although the header need not declare xs: and ov:.
-    const Name own{Kind::Own, std::string(local)};
+    Name own{Kind::Own, std::string(local)};
     if (prefix.empty())
         return declaredType(own) == SourceDocument::none && LineRewriting::isRestored("type", local)
                    ? Name{Kind::BuiltIn, own.local}
