@@ -19,6 +19,19 @@ using Namespace = SourceDocument::Namespace;
 
 const Logging s_log("SchemaSource");
 
+/// @return where the rewriting has removed an import, or the text of one: only the first of a line
+std::vector<std::size_t> removedImports(std::string_view bytes) {
+    std::vector<std::size_t> places;
+    for (auto at = bytes.find(LineRewriting::removedImport); at != std::string_view::npos;) {
+        places.push_back(at);
+        const auto lineBreak = bytes.find('\n', at);
+        at = lineBreak == std::string_view::npos
+                 ? lineBreak
+                 : bytes.find(LineRewriting::removedImport, lineBreak);
+    }
+    return places;
+}
+
 } // namespace
 
 SchemaSource::SchemaSource(std::string bytes, SchemaDialect dialect)
@@ -49,9 +62,11 @@ bool SchemaSource::pairWithRewritten() const {
     if (!m_rewritten)
         return false;
     m_inRewritten.assign(m_document->nodes().size(), SourceDocument::none);
+    const std::vector<std::size_t> imports = removedImports(m_bytes);
     Index next = 0;
     for (Index node = 0; node < m_document->nodes().size(); ++node) {
-        if (isRemovedImport((*m_document)[node]))
+        if (!(*m_document)[node].inEntity &&
+            std::ranges::binary_search(imports, (*m_document)[node].begin))
             continue;
         if (next == m_rewritten->nodes().size() ||
             (*m_rewritten)[next].kind != (*m_document)[node].kind)
@@ -59,17 +74,6 @@ bool SchemaSource::pairWithRewritten() const {
         m_inRewritten[node] = next++;
     }
     return next == m_rewritten->nodes().size();
-}
-
-/// Whether the rewriting has removed an element: only an import without attributes, and only the
-/// first one of a line.
-bool SchemaSource::isRemovedImport(const SourceDocument::Node& node) const {
-    const std::string_view bytes = m_bytes;
-    const std::string_view tag = LineRewriting::removedImport;
-    if (node.inEntity || !bytes.substr(node.begin).starts_with(tag))
-        return false;
-    const auto lineBreak = bytes.substr(0, node.begin).rfind('\n');
-    return bytes.find(tag, lineBreak == std::string_view::npos ? 0 : lineBreak) == node.begin;
 }
 
 void SchemaSource::classify() const {

@@ -44,7 +44,6 @@ private:
     void classify() const;
     ModelClass memberOf(Index parent, Index child, std::uint32_t& seen) const;
     bool isForModel(Index element) const;
-    bool isRemovedImport(const SourceDocument::Node& node) const;
 
     std::string m_bytes;
     SchemaDialect m_dialect;
