@@ -520,6 +520,38 @@ TEST(PrunedSchema, KeepsReferencesBetweenWhatIsCutAndComments) {
     }
 }
 
+TEST(PrunedSchema, IsCutInEveryEncoding) {
+    const TemporaryDirectory directory;
+    const auto expectCut = [&](const std::string& before, const std::string& cut,
+                               const std::string& after) {
+        XsdConfigReader reader(directory.file("schema.xsd", before + cut + after));
+        reader.readAnyXSD();
+        reader.keepXSDElement({"A"});
+        EXPECT_EQ(prunedBy(reader).text, before + after);
+    };
+    const std::string before =
+        suiteHeader + "<!-- \xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80 -->" + type("A");
+    expectCut(before, "\r\n<!-- B -->\r\n" + type("B"), "\r\n</xs:schema>");
+    expectCut("\xEF\xBB\xBF" + before, '\r' + type("\xC3\xA4"), "\r</xs:schema>");
+    expectCut("<?xml version='1.0' encoding='ISO-8859-1'?>" + suiteHeader + "<!-- \xE4 -->",
+              '\n' + type("\xE4"), "</xs:schema>");
+    const auto wide = [](const std::string& ascii) {
+        std::string units;
+        for (const char c : ascii)
+            units.append(1, '\0').append(1, c);
+        return units;
+    };
+    expectCut("\xFE\xFF" + wide(suiteHeader + type("A")), wide("\n" + type("B")),
+              wide("\n</xs:schema>"));
+}
+
+TEST(PrunedSchema, IsRightForManyImportsOnALine) {
+    std::string imports;
+    for (int i = 0; i < 50'000; ++i)
+        imports += "<xs:import/>";
+    EXPECT_EQ(withoutB(imports + '\n' + type("B")).text, imports);
+}
+
 // When.
 
 TEST(PrunedSchema, LosesWhatAllFiltersTogetherRemove) {

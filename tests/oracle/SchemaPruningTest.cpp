@@ -1,6 +1,7 @@
 // A pruned schema must be what its file was, without what the filters removed.
 
 #include "SchemaGenerator.h"
+#include "ValidSchema.h"
 
 #include <PruningTestSupport.h>
 
@@ -10,6 +11,13 @@
 #include <iterator>
 #include <set>
 #include <string>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/HandlerBase.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 namespace Orvant {
 namespace {
@@ -108,6 +116,99 @@ TEST(SchemaPruning, LosesWhatFiltersRemoveFromOddSchemas) {
 
 TEST(SchemaPruning, LosesWhatFiltersRemoveFromValidSchemas) {
     expectPruned(SchemaGenerator::Valid, 100'001, 250);
+}
+
+/// What Xerces says of schemas.
+class SchemaCheck : private xercesc::HandlerBase {
+public:
+    SchemaCheck() { xercesc::XMLPlatformUtils::Initialize(); }
+    SchemaCheck(const SchemaCheck&) = delete;
+    SchemaCheck& operator=(const SchemaCheck&) = delete;
+    ~SchemaCheck() override { xercesc::XMLPlatformUtils::Terminate(); }
+
+    /// @return what is wrong with a schema
+    std::string errorsOf(const std::string& schema) {
+        m_errors.clear();
+        xercesc::XercesDOMParser parser;
+        parser.setErrorHandler(this);
+        parser.setDoNamespaces(true);
+        parser.setDoSchema(true);
+        parser.setValidationSchemaFullChecking(true);
+        const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(schema.data()),
+                                                schema.size(), "schema");
+        parser.loadGrammar(source, xercesc::Grammar::SchemaGrammarType);
+        return m_errors;
+    }
+
+private:
+    void error(const xercesc::SAXParseException& e) override {
+        char* message = xercesc::XMLString::transcode(e.getMessage());
+        m_errors += std::to_string(e.getLineNumber()) + ": " + message + '\n';
+        xercesc::XMLString::release(&message);
+    }
+    void fatalError(const xercesc::SAXParseException& e) override { error(e); }
+
+    std::string m_errors;
+};
+
+void filter(XsdConfigReader& reader, Support::ValidSchema& schema, unsigned int kind) {
+    if (kind == 0)
+        reader.keepXSDElement(schema.someOf(schema.types()));
+    else if (kind == 1)
+        reader.keepXSDChildElement(schema.anyOf(schema.types()), schema.someOf(schema.parts()));
+    else if (kind == 2)
+        reader.keepXSDElement(reader.getTypesUsedBy(schema.anyOf(schema.types())));
+    else
+        for (const std::string& type : schema.types())
+            reader.keepXSDChildAttributes(type, schema.someOf(schema.parts()));
+}
+
+TEST(SchemaPruning, LeavesAValidSchema) {
+    const Support::TemporaryDirectory directory;
+    SchemaCheck check;
+    EXPECT_NE("", check.errorsOf("<schema xmlns='http://www.w3.org/2001/XMLSchema'>"
+                                 "<element name='a' type='missing'/></schema>"));
+    std::size_t cut = 0;
+    std::size_t stayed = 0;
+    for (std::uint32_t seed = 1; seed <= 200; ++seed) {
+        Support::ValidSchema schema(seed);
+        std::string trace = "seed " + std::to_string(seed) + '\n' + schema.text();
+        ASSERT_EQ("", check.errorsOf(schema.text())) << trace;
+        XsdConfigReader reader(directory.file("schema.xsd", schema.text()));
+        reader.readAnyXSD();
+        for (unsigned int i = 0; i < 2; ++i) {
+            filter(reader, schema, seed / (i == 0 ? 1 : 4) % 4);
+            const Support::Pruned pruned = Support::prunedBy(reader);
+            cut += pruned.text != schema.text();
+            stayed += pruned.stayed.size();
+            trace += "\npruned:\n" + pruned.text;
+            ASSERT_EQ("", check.errorsOf(pruned.text)) << trace;
+            expectOnlyCut(pruned.text, schema.text());
+        }
+    }
+    EXPECT_GT(cut, 100U);
+    EXPECT_GT(stayed, 100U);
+}
+
+TEST(SchemaPruning, LosesNothingOfWhatAKeptTypeUses) {
+    const Support::TemporaryDirectory directory;
+    for (std::uint32_t seed = 1; seed <= 100; ++seed) {
+        Support::ValidSchema schema(seed);
+        const ::testing::ScopedTrace trace(__FILE__, __LINE__,
+                                           "seed " + std::to_string(seed) + '\n' + schema.text());
+        XsdConfigReader reader(directory.file("schema.xsd", schema.text()));
+        reader.readAnyXSD();
+        const Strings used = reader.getTypesUsedBy(schema.anyOf(schema.types()));
+        const auto whole = reader.getXsdTree();
+        reader.keepXSDElement(used);
+        XsdConfigReader pruned(directory.file("pruned.xsd", Support::prunedBy(reader).text));
+        pruned.readAnyXSD();
+        for (const std::string& type : used) {
+            const auto left = pruned.getXsdTree().at(type);
+            EXPECT_EQ(whole.at(type)->children.size(), left->children.size()) << type;
+            EXPECT_EQ(whole.at(type)->attributes, left->attributes) << type;
+        }
+    }
 }
 
 } // namespace
