@@ -260,6 +260,23 @@ TEST(AnySchema, ResolvesPrefixesWhereTheyStand) {
     EXPECT_THAT(reader.getRootelements(), IsEmpty());
 }
 
+TEST(AnySchema, IsReadAtOnceWithManyPrefixes) {
+    const TemporaryDirectory directory;
+    std::string start = "<xs:schema xmlns:xs='" + xmlSchema + "'><xs:complexType name='A'/>";
+    std::string end = "</xs:schema>";
+    for (int i = 0; i < 200; ++i) {
+        start += "<a";
+        for (int j = 0; j < 99; ++j)
+            start += " xmlns:p" + std::to_string(j) + "='u'";
+        start += '>';
+        end.insert(0, "</a>");
+    }
+    for (int i = 0; i < 5'000; ++i)
+        start += "<xs:element type='q:A'/>";
+    ReaderOfAny reader(directory, start + end);
+    EXPECT_EQ(1U, reader.getXsdTree().size());
+}
+
 TEST(AnySchema, MayBeInTheReadersNamespace) {
     const TemporaryDirectory directory;
     ReaderOfSchema suite(directory, machine);
