@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace Orvant {
@@ -92,22 +93,61 @@ private:
     }
 
     bool takeBackFromBases(Index restriction) {
+        const Nodes cut = removedFromBases(restriction);
+        if (cut.empty())
+            return false;
         std::unordered_set<std::string> repeated;
-        std::unordered_set<Index> known;
-        gatherNames(restriction, repeated, known);
+        gatherNames(restriction, repeated);
         bool isChanged = false;
-        for (Index type = baseOf(restriction);
-             type != SourceDocument::none && known.insert(type).second; type = baseOf(type))
-            for (const Index node : removedFrom(type))
-                if (repeated.contains(nameOf(node)))
-                    isChanged = takeBack(node) || isChanged;
+        for (const Index node : cut)
+            if (repeated.contains(nameOf(node)))
+                isChanged = takeBack(node) || isChanged;
         return isChanged;
     }
 
+    /// @return what is cut out of the types that a restriction is derived from
+    Nodes removedFromBases(Index restriction) {
+        Nodes cut;
+        std::unordered_set<Index> known;
+        for (Index type = nearestReduced(baseOf(restriction));
+             type != SourceDocument::none && known.insert(type).second;
+             type = nearestReduced(baseOf(type)))
+            std::ranges::copy(removedFrom(type), std::back_inserter(cut));
+        return cut;
+    }
+
+    /// @return the first of a type and its bases of which something was removed, or none. Found
+    ///         once for each type: there may be many types in a row.
+    Index nearestReduced(Index type) {
+        Nodes passed;
+        Index nearest = SourceDocument::none;
+        for (; type != SourceDocument::none; type = baseOf(type)) {
+            const auto [known, isNew] =
+                m_nearestReduced.try_emplace(type, SourceDocument::none); // none: a circle
+            if (!isNew) {
+                nearest = known->second;
+                break;
+            }
+            passed.push_back(type);
+            if (isReduced(type)) {
+                nearest = type;
+                break;
+            }
+        }
+        for (const Index other : passed)
+            m_nearestReduced[other] = nearest;
+        return nearest;
+    }
+
+    bool isReduced(Index type) const {
+        const auto next = std::ranges::upper_bound(m_removed, type);
+        return next != m_removed.end() && *next < m_document[type].next;
+    }
+
     /// Gathers the names of elements and attributes, in groups too.
-    void gatherNames(Index from, std::unordered_set<std::string>& names,
-                     std::unordered_set<Index>& known) const {
+    void gatherNames(Index from, std::unordered_set<std::string>& names) const {
         Nodes toGather{from};
+        std::unordered_set<Index> known;
         while (!toGather.empty()) {
             const Index next = toGather.back();
             toGather.pop_back();
@@ -191,6 +231,7 @@ private:
     std::vector<bool> m_isCut;
     Nodes m_toVisit;
     std::unordered_set<std::string> m_referredKeys;
+    std::unordered_map<Index, Index> m_nearestReduced; ///< of types
 };
 
 } // namespace
