@@ -319,6 +319,33 @@ TEST(StayingParts, AreThoseThatARestrictionOfSimpleContentRepeats) {
     EXPECT_THAT(withoutOptionalParts(simple + root + restriction).stayed, ElementsAre("Base/@a"));
 }
 
+TEST(StayingParts, AreFoundAtOnceInManyDerivedTypes) {
+    std::string lines = base;
+    std::string former = "Base";
+    for (int i = 0; i < 3'000; ++i) {
+        const std::string name = i == 2'999 ? "Derived" : 'T' + std::to_string(i);
+        lines += element("complexType", "name=\"" + name + '"',
+                         element("complexContent", "",
+                                 element("restriction", "base=\"" + former + '"',
+                                         "<xs:attribute name=\"c\"/>"))) +
+                 '\n';
+        former = name;
+    }
+    EXPECT_THAT(withoutOptionalParts(lines + root + gone).stayed, ElementsAre("Base/@c"));
+}
+
+TEST(StayingParts, MayBeInACircleOfTypes) {
+    const std::string circle =
+        element("complexType", "name=\"Base\"",
+                element("complexContent", "",
+                        element("restriction", "base=\"Derived\"", "<xs:attribute name=\"c\"/>")) +
+                    "\n<xs:attribute name=\"c\" use=\"optional\"/>");
+    EXPECT_THAT(withoutOptionalParts(circle + '\n' + root +
+                                     derived("restriction", "Base", "<xs:attribute name=\"c\"/>"))
+                    .stayed,
+                ElementsAre("Base/@c"));
+}
+
 TEST(StayingParts, DoNotStayForOtherTypes) {
     const std::string repeated =
         sequence("<xs:element name=\"a\"/>") + "\n<xs:attribute name=\"a\"/>";
