@@ -2,16 +2,16 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/files/FileReplacing.h>
+#include <ConfigurationFramework/losses/SchemaLosses.h>
 #include <ConfigurationFramework/schema/LineRewriting.h>
-#include <ConfigurationFramework/schema/PrunedSchema.h>
 #include <ConfigurationFramework/schema/ReadProblem.h>
-#include <ConfigurationFramework/schema/RemovedNodes.h>
-#include <ConfigurationFramework/schema/SchemaClosure.h>
 #include <ConfigurationFramework/schema/SchemaFileFailure.h>
 #include <ConfigurationFramework/schema/SchemaFiles.h>
-#include <ConfigurationFramework/schema/SchemaLosses.h>
 #include <ConfigurationFramework/schema/SchemaParser.h>
-#include <ConfigurationFramework/schema/SchemaSource.h>
+#include <ConfigurationFramework/source/PrunedSchema.h>
+#include <ConfigurationFramework/source/RemovedNodes.h>
+#include <ConfigurationFramework/source/SchemaClosure.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
 
 #include <FileHandling/FileUtilities.h>
 #include <Logging/Logging.h>

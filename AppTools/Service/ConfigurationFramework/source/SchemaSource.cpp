@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/SchemaSource.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
 
 #include <ConfigurationFramework/schema/LineRewriting.h>
 #include <ConfigurationFramework/schema/TypeNames.h>

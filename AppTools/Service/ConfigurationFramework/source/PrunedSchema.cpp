@@ -1,12 +1,12 @@
-#include <ConfigurationFramework/schema/PrunedSchema.h>
+#include <ConfigurationFramework/source/PrunedSchema.h>
 
 #include <ConfigurationFramework/ConfigException.h>
 #include <ConfigurationFramework/schema/LineRewriting.h>
-#include <ConfigurationFramework/schema/RemovedNodes.h>
 #include <ConfigurationFramework/schema/SchemaParser.h>
-#include <ConfigurationFramework/schema/SchemaPruning.h>
-#include <ConfigurationFramework/schema/SchemaSource.h>
-#include <ConfigurationFramework/schema/TextCuts.h>
+#include <ConfigurationFramework/source/RemovedNodes.h>
+#include <ConfigurationFramework/source/SchemaPruning.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
+#include <ConfigurationFramework/source/TextCuts.h>
 
 #include <sstream>
 #include <utility>

@@ -1,7 +1,7 @@
-#include <ConfigurationFramework/schema/SchemaPruning.h>
+#include <ConfigurationFramework/source/SchemaPruning.h>
 
-#include <ConfigurationFramework/schema/SchemaReferences.h>
 #include <ConfigurationFramework/schema/TypeNames.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <algorithm>
 #include <iterator>

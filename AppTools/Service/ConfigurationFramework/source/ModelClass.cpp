@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/ModelClass.h>
+#include <ConfigurationFramework/source/ModelClass.h>
 
 #include <array>
 

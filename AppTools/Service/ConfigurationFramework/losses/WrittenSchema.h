@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/schema/SchemaSource.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
 
 #include <cstdint>
 #include <limits>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/schema/SourceDocument.h>
+#include <ConfigurationFramework/source/SourceDocument.h>
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ConfigurationFramework/XsdLoss.h>
-#include <ConfigurationFramework/schema/SchemaSource.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/SchemaReferences.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>
 #include <ConfigurationFramework/schema/TypeNames.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <ConfigurationFramework/schema/ModelClass.h>
 #include <ConfigurationFramework/schema/SchemaDialect.h>
-#include <ConfigurationFramework/schema/SourceDocument.h>
+#include <ConfigurationFramework/source/ModelClass.h>
+#include <ConfigurationFramework/source/SourceDocument.h>
 
 #include <mutex>
 #include <optional>

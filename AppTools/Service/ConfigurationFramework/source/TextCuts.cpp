@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/TextCuts.h>
+#include <ConfigurationFramework/source/TextCuts.h>
 
 #include <algorithm>
 #include <cstddef>

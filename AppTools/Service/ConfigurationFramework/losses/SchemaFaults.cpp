@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/SchemaFaults.h>
+#include <ConfigurationFramework/losses/SchemaFaults.h>
 
 #include <ConfigurationFramework/XsdLoss.h>
 #include <ConfigurationFramework/schema/TypeNames.h>

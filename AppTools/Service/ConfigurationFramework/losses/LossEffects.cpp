@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/LossEffects.h>
+#include <ConfigurationFramework/losses/LossEffects.h>
 
 #include <ConfigurationFramework/XsdLoss.h>
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>

@@ -1,9 +1,9 @@
-#include <ConfigurationFramework/schema/SchemaLosses.h>
+#include <ConfigurationFramework/losses/SchemaLosses.h>
 
-#include <ConfigurationFramework/schema/LossEffects.h>
-#include <ConfigurationFramework/schema/SchemaFaults.h>
+#include <ConfigurationFramework/losses/LossEffects.h>
+#include <ConfigurationFramework/losses/SchemaFaults.h>
+#include <ConfigurationFramework/losses/WrittenSchema.h>
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>
-#include <ConfigurationFramework/schema/WrittenSchema.h>
 
 #include <algorithm>
 #include <string>

@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/SourceDocument.h>
+#include <ConfigurationFramework/source/SourceDocument.h>
 
 #include <ConfigurationFramework/xml/XercesSession.h>
 
@@ -46,7 +46,8 @@ std::string utf16(const std::string& ascii) {
 }
 
 TEST_F(SourceDocumentTest, NodesHaveTheirPlacesInTheBytes) {
-    EXPECT_THAT(texts("<?xml version=\"1.0\"?>\n<!-- a -->\n<?b c?><d e='f'>\n <g/><!-- h --> <i>j</i>\n</d>\n<!-- k -->"),
+    EXPECT_THAT(texts("<?xml version=\"1.0\"?>\n<!-- a -->\n<?b c?><d e='f'>\n <g/><!-- h --> "
+                      "<i>j</i>\n</d>\n<!-- k -->"),
                 ElementsAre("<!-- a -->", "<?b c?>", "<d e='f'>\n <g/><!-- h --> <i>j</i>\n</d>",
                             "<g/>", "<!-- h -->", "<i>j</i>", "<!-- k -->"));
 }

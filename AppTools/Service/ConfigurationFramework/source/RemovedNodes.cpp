@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/schema/RemovedNodes.h>
+#include <ConfigurationFramework/source/RemovedNodes.h>
 
-#include <ConfigurationFramework/schema/SchemaSource.h>
+#include <ConfigurationFramework/source/SchemaSource.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigurationFramework/schema/SchemaReferences.h>
-#include <ConfigurationFramework/schema/WrittenSchema.h>
+#include <ConfigurationFramework/losses/WrittenSchema.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <map>
 #include <set>

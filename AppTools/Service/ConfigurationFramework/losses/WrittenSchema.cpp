@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/WrittenSchema.h>
+#include <ConfigurationFramework/losses/WrittenSchema.h>
 
 #include <ConfigurationFramework/schema/LineRewriting.h>
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>

@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/schema/SchemaClosure.h>
+#include <ConfigurationFramework/source/SchemaClosure.h>
 
-#include <ConfigurationFramework/schema/SchemaReferences.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <string_view>
 #include <unordered_set>

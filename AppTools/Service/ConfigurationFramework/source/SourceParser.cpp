@@ -1,4 +1,4 @@
-#include <ConfigurationFramework/schema/SourceParser.h>
+#include <ConfigurationFramework/source/SourceParser.h>
 
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>
 #include <ConfigurationFramework/xml/XmlText.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/schema/WrittenSchema.h>
+#include <ConfigurationFramework/losses/WrittenSchema.h>
 
 #include <map>
 #include <string>

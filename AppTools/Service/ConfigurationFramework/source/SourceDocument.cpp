@@ -1,6 +1,6 @@
-#include <ConfigurationFramework/schema/SourceDocument.h>
+#include <ConfigurationFramework/source/SourceDocument.h>
 
-#include <ConfigurationFramework/schema/SourceParser.h>
+#include <ConfigurationFramework/source/SourceParser.h>
 
 #include <GeneralServices/XmlErrorHandler.h>
 
