@@ -110,8 +110,9 @@ void XsdConfigReader::read(SchemaDialect dialect) {
         bytes = SchemaFiles::read(*m_file);
         const auto schema =
             dialect == SchemaDialect::Suite ? parseRewritten(bytes) : parseSchema(bytes, dialect);
-        m_tree = std::make_shared<XsdElement>(*schema);
+        auto tree = std::make_shared<XsdElement>(*schema);
         m_source = std::make_shared<const SchemaSource>(std::move(bytes), dialect);
+        m_tree = std::move(tree);
     } catch (...) {
         const std::exception_ptr caught = std::current_exception();
         m_problem = describeReadProblem(bytes, dialect, caught);

@@ -156,8 +156,7 @@ public:
     ///
     /// What is removed but named by something that stays, stays as well: types; also root elements
     /// that are referred to, attributes and children that a restriction repeats, and what comes
-    /// from an entity. The file on disk is not read again. A schema that was changed through
-    /// XsdElement::getSchema() is not written, except what it lost.
+    /// from an entity. The file on disk is not read again.
     /// @param file file to write, replaced in one step; it may be the one that was read
     /// @return names of the types that stay although they are removed, in the order of the file;
     ///         after them "TYPE/CHILD" and "TYPE/@ATTRIBUTE" for what stays of a type. Nothing
