@@ -436,6 +436,10 @@ TEST(PrunedSchema, KeepsTheLineEndsOfTheRest) {
                        type("A"))
                   .text,
               type("A") + "\r\n\r\n" + type("A"));
+    EXPECT_EQ(withoutB(type("A") + "\r\n\r\n" + type("B") + "\n" + type("A")).text,
+              type("A") + "\r\n" + type("A"));
+    EXPECT_EQ(withoutB(type("A") + " \n" + type("B") + " \t\r\n" + type("A")).text,
+              type("A") + " \n" + type("A"));
 }
 
 // Which of the elements it is.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 #include <unordered_map>
 
 namespace Orvant {
@@ -36,11 +37,19 @@ public:
     }
 
     /// @return the bytes to cut, so that what stays begins and ends its line as before
-    Range rangeOf(const Run& run) const {
+    Range rangeOf(const Run& run, std::string_view bytes) const {
         const SourceDocument::Node& first = node(run.first);
+        const std::size_t end = node(run.last).end;
         if (isNextOnLine(run.last) && !isOnLineOfPrevious(run.first))
             return {first.begin, node(run.last + 1).begin};
-        return {first.followsText ? first.begin : first.gap, node(run.last).end};
+        if (first.followsText)
+            return {first.begin, end};
+        // The line before keeps its own end, and nothing from behind the nodes comes there.
+        const std::size_t lineEnd = bytes.find('\n', first.gap);
+        const std::size_t rest = bytes.find_first_not_of(" \t\r", end);
+        if (lineEnd < first.begin && rest != std::string_view::npos && bytes[rest] == '\n')
+            return {lineEnd + 1, rest + 1};
+        return {first.gap, end};
     }
 
 private:
@@ -104,7 +113,7 @@ std::string withoutNodes(const std::string& bytes, const SourceDocument& documen
         while (++node != cut.end() && document[*node].parent == parent &&
                siblings.runOf(*node).first == run.last + 1)
             run.last = siblings.runOf(*node).last;
-        const Siblings::Range range = siblings.rangeOf(run);
+        const Siblings::Range range = siblings.rangeOf(run, bytes);
         rest.append(bytes, done, range.begin - done);
         done = range.end;
     }
