@@ -8,7 +8,11 @@ for group in "$@"; do
     case "$group" in
     build) packages+=(g++ cmake ninja-build ccache libxerces-c-dev libboost-dev libboost-thread-dev
                       libspdlog-dev xsdcxx libxml2-utils pkg-config libcli11-dev nlohmann-json3-dev) ;;
-    test) packages+=(libgtest-dev libgmock-dev mandoc) ;;
+    test) packages+=(libgtest-dev libgmock-dev mandoc libxml2-dev)
+          # Schemas and documents for tests/corpus.
+          packages+=(docbook5-xml foomatic-db gdal-data gprconfig-kb ismrmrd-schema opensaml-schemas
+                     openscap-common python3-xmlschema sdformat-sdf shibboleth-sp-common xcb-proto
+                     xmltooling-schemas xsdcxx) ;;
     window) packages+=(qt6-base-dev fonts-dejavu-core) ;;
     page) packages+=(chromium fonts-dejavu-core) ;;
     benchmark) packages+=(libbenchmark-dev libkf5config-dev qtbase5-dev libboost-dev libpugixml-dev
