@@ -45,10 +45,11 @@ public:
         if (first.followsText)
             return {first.begin, end};
         // The line before keeps its own end, and nothing from behind the nodes comes there.
-        const std::size_t lineEnd = bytes.find('\n', first.gap);
+        const std::size_t lineEnd = bytes.substr(0, first.begin).substr(first.gap).find('\n');
         const std::size_t rest = bytes.find_first_not_of(" \t\r", end);
-        if (lineEnd < first.begin && rest != std::string_view::npos && bytes[rest] == '\n')
-            return {lineEnd + 1, rest + 1};
+        if (lineEnd != std::string_view::npos && rest != std::string_view::npos &&
+            bytes[rest] == '\n')
+            return {first.gap + lineEnd + 1, rest + 1};
         return {first.gap, end};
     }
 
