@@ -43,27 +43,28 @@ function(orvant_install_library target)
     endforeach()
 endfunction()
 
-# orvant_install_tool(TARGET MAN_PAGES PAGE ... BASH FILE ZSH FILE FISH FILE): a program, with its man
-# pages and completions, which is called like TARGET.
+# orvant_install_tool(TARGET COMPONENT COMPONENT MAN_PAGES PAGE ...): a program, with its man pages and the
+# completions that orvant_tool_completions() made, which is called like TARGET.
 function(orvant_install_tool target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "BASH;ZSH;FISH" "MAN_PAGES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "COMPONENT" "MAN_PAGES")
     if(NOT ORVANT_INSTALL)
         return()
     endif()
     file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES
         INSTALL_RPATH "$ORIGIN/${libraries};${CMAKE_INSTALL_RPATH}")
-    set(tool COMPONENT ConfigurationFramework_Tool)
+    set(tool COMPONENT ${arg_COMPONENT})
     install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" ${tool})
     foreach(page IN LISTS arg_MAN_PAGES)
         cmake_path(GET page EXTENSION LAST_ONLY section)
         string(REPLACE "." "man" section "${section}")
         install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/${section}" ${tool})
     endforeach()
-    install(FILES "${arg_BASH}" RENAME ${target}
+    set(completion "${CMAKE_CURRENT_BINARY_DIR}/completions/${target}")
+    install(FILES "${completion}.bash" RENAME ${target}
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" ${tool})
-    install(FILES "${arg_ZSH}" RENAME _${target} DESTINATION "${ORVANT_ZSH_COMPLETIONS}" ${tool})
-    install(FILES "${arg_FISH}" RENAME ${target}.fish
+    install(FILES "${completion}.zsh" RENAME _${target} DESTINATION "${ORVANT_ZSH_COMPLETIONS}" ${tool})
+    install(FILES "${completion}.fish"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" ${tool})
 endfunction()
 

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "ExitCode.h"
 #include "Options.h"
 #include "Session.h"
-
-#include <CLI/CLI.hpp>
+#include "common/ToolCommandLine.h"
 
 #include <functional>
 #include <string>
@@ -17,26 +15,19 @@ public:
     using Run = std::function<ExitCode(Session&)>;
 
     CommandLine();
-    CommandLine(const CommandLine&) = delete;
-    CommandLine& operator=(const CommandLine&) = delete;
-    ~CommandLine() = default;
 
     /// Adds a verb.
     /// @param run what it does
-    /// @return the verb, for options and arguments of its own; what they are stored in lives as
-    ///         long as this if `run` shares it
+    /// @return the verb, see ToolCommandLine::addVerb()
     CLI::App& addVerb(const std::string& name, const std::string& description, Run run);
 
     /// Does what the arguments ask for.
     /// @return the exit code of the process
-    int run(int argc, const char* const* argv);
+    int run(int argc, const char* const* argv) { return m_tool.run(argc, argv); }
 
 private:
-    ExitCode runVerb();
-
-    CLI::App m_app;
     Options m_options;
-    Run m_verb;
+    ToolCommandLine m_tool;
 };
 
 } // namespace Orvant::Tool

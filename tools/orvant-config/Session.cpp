@@ -1,8 +1,10 @@
 #include "Session.h"
 
-#include "ExitCode.h"
 #include "catalogue/CatalogueSearch.h"
 #include "checking/Users.h"
+#include "common/ExitCode.h"
+#include "common/Messages.h"
+#include "common/NearestName.h"
 
 #include <FileHandling/FileUtilities.h>
 
@@ -58,10 +60,8 @@ const SettingIndex& Session::settings() {
 FoundItem Session::find(const std::string& path) {
     if (auto found = settings().find(path))
         return *found;
-    const std::string nearest = settings().nearest(path);
-    throw Failure(ExitCode::Usage,
-                  '"' + catalogue().getApplication() + "\" has no setting \"" + path + '"' +
-                      (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?"));
+    throw Failure(ExitCode::Usage, '"' + catalogue().getApplication() + "\" has no setting \"" +
+                                       path + '"' + didYouMean(settings().nearest(path)));
 }
 
 StandardConfigurationFiles Session::files() {
@@ -110,15 +110,6 @@ ConfigurationManager& Session::loadUsable(const StandardConfigurationFiles& file
                 ExitCode::FileError,
                 messageAt(problem.file, problem.line, "error", problem.text, problem.column), true);
     return manager;
-}
-
-std::string messageAt(const FileName& file, unsigned int line, const std::string& severity,
-                      const std::string& text, unsigned int column) {
-    std::string message = file.toString() + ':';
-    for (const unsigned int number : {line, column})
-        if (number != 0)
-            message += std::to_string(number) + ':';
-    return message + ' ' + severity + ": " + text;
 }
 
 } // namespace Orvant::Tool

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Options.h"
-#include "Output.h"
 #include "catalogue/SettingIndex.h"
+#include "common/Output.h"
 
 #include <ConfigurationFramework/ConfigurationCatalogue.h>
 #include <ConfigurationFramework/ConfigurationManager.h>
@@ -55,10 +55,5 @@ private:
     std::optional<ConfigurationCatalogue> m_catalogue;
     std::unique_ptr<const SettingIndex> m_settings;
 };
-
-/// @return a line that editors jump to: "FILE:LINE: SEVERITY: TEXT", without a line if that is 0,
-///         and with a column behind it unless that is 0
-std::string messageAt(const FileName& file, unsigned int line, const std::string& severity,
-                      const std::string& text, unsigned int column = 0);
 
 } // namespace Orvant::Tool

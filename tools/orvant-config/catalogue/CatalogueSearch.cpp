@@ -1,6 +1,6 @@
 #include "catalogue/CatalogueSearch.h"
 
-#include "ExitCode.h"
+#include "common/ExitCode.h"
 
 #include <algorithm>
 #include <cstdlib>

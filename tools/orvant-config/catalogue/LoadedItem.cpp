@@ -1,7 +1,7 @@
 #include "catalogue/LoadedItem.h"
 
-#include "ExitCode.h"
 #include "catalogue/KeyedEntries.h"
+#include "common/ExitCode.h"
 
 #include <ConfigurationFramework/ConfigurationObject.h>
 #include <ConfigurationFramework/KeyedGroup.h>

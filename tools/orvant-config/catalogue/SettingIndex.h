@@ -63,7 +63,4 @@ private:
     std::unordered_map<std::string, std::size_t> m_positions; ///< by path: a value before objects
 };
 
-/// @return the candidate that is most like a text; empty when none is
-std::string nearestName(const std::string& text, const std::vector<std::string>& candidates);
-
 } // namespace Orvant::Tool

@@ -1,5 +1,7 @@
 #include "catalogue/Suggestions.h"
 
+#include "common/NearestName.h"
+
 namespace Orvant::Tool {
 
 namespace {

@@ -1,7 +1,7 @@
 #include "checking/AttributeCheck.h"
 
 #include "FileParsing.h"
-#include "catalogue/SettingIndex.h"
+#include "common/NearestName.h"
 
 #include <GeneralServices/XercesHelperFunctions.h>
 

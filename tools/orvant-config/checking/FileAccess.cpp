@@ -1,7 +1,7 @@
 #include "checking/FileAccess.h"
 
-#include "ExitCode.h"
 #include "checking/Users.h"
+#include "common/ExitCode.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "checking/Users.h"
 
-#include "ExitCode.h"
+#include "common/ExitCode.h"
 
 #include <array>
 

@@ -1,5 +1,7 @@
 #include "editing/FileEdit.h"
 
+#include "common/Messages.h"
+
 #include <algorithm>
 #include <iterator>
 #include <ranges>

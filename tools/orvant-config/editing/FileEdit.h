@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ExitCode.h"
 #include "Session.h"
+#include "common/ExitCode.h"
 
 #include <ConfigurationFramework/ConfigurationFileEditor.h>
 

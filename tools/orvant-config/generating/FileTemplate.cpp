@@ -1,7 +1,7 @@
 #include "generating/FileTemplate.h"
 
-#include "Output.h"
 #include "catalogue/SettingText.h"
+#include "common/Output.h"
 #include "generating/ElementContents.h"
 #include "generating/Markup.h"
 

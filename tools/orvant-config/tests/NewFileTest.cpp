@@ -1,6 +1,6 @@
 #include "generating/NewFile.h"
 
-#include "ExitCode.h"
+#include "common/ExitCode.h"
 #include <TestSupport.h>
 
 #include <gmock/gmock.h>

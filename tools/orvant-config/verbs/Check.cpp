@@ -3,6 +3,8 @@
 #include "CommandLine.h"
 #include "checking/FileCheck.h"
 #include "checking/RightsCheck.h"
+#include "common/Messages.h"
+#include "common/NearestName.h"
 
 #include <FileHandling/FileUtilities.h>
 
@@ -92,12 +94,10 @@ const char* nameOf(Finding::Severity severity) {
 
 std::string lineOf(const Finding& finding) {
     const std::string path = finding.path.empty() ? "" : finding.path + ": ";
-    const std::string question =
-        finding.suggestion.empty() ? "" : "; did you mean \"" + finding.suggestion + "\"?";
     // Of a setting, the line is enough.
     const unsigned int column = finding.severity == Finding::FileError ? finding.column : 0;
     return messageAt(finding.file, finding.line, nameOf(finding.severity),
-                     oneLine(path + finding.text + question), column) +
+                     oneLine(path + finding.text + didYouMean(finding.suggestion)), column) +
            '\n';
 }
 

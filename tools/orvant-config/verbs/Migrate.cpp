@@ -1,6 +1,7 @@
 #include "verbs/Verbs.h"
 
 #include "CommandLine.h"
+#include "common/Messages.h"
 #include "editing/FileEdit.h"
 #include "editing/Migration.h"
 

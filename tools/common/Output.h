@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Options.h"
+#include "common/OutputOptions.h"
 
 #include <fmt/color.h>
 #include <nlohmann/json.hpp>
@@ -14,10 +14,12 @@ namespace Orvant::Tool {
 class Output {
 public:
     /// @param options must outlive this
-    explicit Output(const Options& options);
+    explicit Output(const OutputOptions& options);
 
     /// @return whether a program reads what is printed
     bool isJson() const { return m_options.json; }
+    /// @return whether only the exit code is to tell what was found
+    bool isQuiet() const { return m_options.quiet; }
     /// @return a text that terminals show in a style, where that is wanted
     std::string styled(const std::string& text, const fmt::text_style& style) const;
     /// Prints a text as it is.
@@ -29,7 +31,7 @@ public:
     void printTable(const std::vector<std::vector<std::string>>& rows) const;
 
 private:
-    const Options& m_options;
+    const OutputOptions& m_options;
     bool m_isColored;
 };
 

@@ -1,24 +1,16 @@
 #!/usr/bin/env bash
 # Runs the commands of a session (lines that begin with "$ ") in a new folder with copies of files, and
 # compares what they print, and "[exit N]" where they fail, with what the session shows.
-# The catalogue is installed in the home folder, which is that folder.
-# usage: run_session.sh SESSION FOLDERS_OF_PROGRAMS WORK CATALOGUE FOLDER_OF_FILES...
+# The home folder is that folder.
+# usage: run_session.sh SESSION FOLDERS_OF_PROGRAMS WORK FILES... (see copy_files.sh)
 set -euo pipefail
 session=$1
 PATH=$2:$PATH
 work=$3
-catalogue=$4
-shift 4
 export LC_ALL=C.UTF-8 NO_COLOR=1
 unset XDG_CONFIG_HOME XDG_CONFIG_DIRS XDG_DATA_HOME XDG_DATA_DIRS
 
-rm -rf "$work"
-mkdir -p "$work/run"
-for folder in "$@"; do
-    [ -d "$folder" ] && cp -r "$folder/." "$work/run"
-done
-mkdir -p "$work/run/.local/share/orvant/catalogues"
-cp "$catalogue" "$work/run/.local/share/orvant/catalogues/workshop.xml"
+"$(dirname "$0")/copy_files.sh" "$work/run" "${@:4}"
 cd "$work/run"
 HOME=$PWD
 while IFS= read -r line; do

@@ -1,4 +1,4 @@
-#include "Output.h"
+#include "common/Output.h"
 
 #include <boost/locale/utf.hpp>
 
@@ -60,7 +60,7 @@ std::string withoutStyles(std::string text) {
 
 } // namespace
 
-Output::Output(const Options& options)
+Output::Output(const OutputOptions& options)
     : m_options(options), m_isColored(isColored(options.color)) {}
 
 std::string Output::styled(const std::string& text, const fmt::text_style& style) const {
