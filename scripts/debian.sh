@@ -28,12 +28,13 @@ suffix=${version}-1_$(dpkg --print-architecture).deb
 runtime=$packages/${runtime_name}_$suffix
 development=$packages/libservice-configurationframework-dev_$suffix
 tool=$packages/orvant-config_$suffix
-printf '%s\n' "$development" "$runtime" "$tool" >"$work/names"
+schema_tool=$packages/orvant-xsd_$suffix
+printf '%s\n' "$development" "$runtime" "$tool" "$schema_tool" >"$work/names"
 ls "$packages"/* >"$work/made"
 same names made "These are not the packages that there should be"
 
 echo "== Contents"
-# What cmake installs, each file in one of the packages: libraries, the tool with its manual and
+# What cmake installs, each file in one of the packages: libraries, each tool with its manual and
 # completions, all else.
 sed -e "s|@CMAKE_INSTALL_LIBDIR@|usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)|" \
     -e 's|@CMAKE_INSTALL_INCLUDEDIR@|usr/include|' -e 's|@configuration@|relwithdebinfo|' \
@@ -43,22 +44,24 @@ sed -e "s|@CMAKE_INSTALL_LIBDIR@|usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIAR
     -e "s|@PROJECT_VERSION@|$version|" -e "s|@PROJECT_VERSION_MAJOR@|${version%%.*}|" \
     tests/install/files.txt.in >"$work/files"
 contents() { dpkg-deb --fsys-tarfile "$1" | tar -t | sed -n 's|^\./\(.*[^/]\)$|\1|p' | LC_ALL=C sort; }
-for package in runtime tool development; do
+for package in runtime tool schema_tool development; do
     case $package in
     runtime) options=(-e '\.so\.') ;;
     tool) options=(-e 'orvant-config') ;;
-    development) options=(-v -e '\.so\.' -e 'orvant-config') ;;
+    schema_tool) options=(-e 'orvant-xsd') ;;
+    development) options=(-v -e '\.so\.' -e 'orvant-config' -e 'orvant-xsd') ;;
     esac
     grep "${options[@]}" "$work/files" | LC_ALL=C sort >"$work/expected"
     contents "${!package}" >"$work/contained"
     same expected contained "${!package} has other contents"
 done
 
-for package in "$development" "$tool"; do
+for package in "$development" "$tool" "$schema_tool"; do
     [[ "$(dpkg-deb -f "$package" Depends)," == "$runtime_name (= $version-1),"* ]] ||
         failed "$package does not depend on the runtime package of its version"
 done
 [ "$(dpkg-deb -f "$tool" Section)" = admin ] || failed "$tool is in another section"
+[ "$(dpkg-deb -f "$schema_tool" Section)" = text ] || failed "$schema_tool is in another section"
 
 echo "== In a clean Debian"
 if [ "$(id -u)" -ne 0 ]; then
@@ -84,13 +87,14 @@ fi
 apt-config dump | grep -E '^Acquire::(http|https|Check|Retries)' >"$work/apt.conf" || true
 
 mkdir "$work/repository" "$work/programs"
-cp "$runtime" "$development" "$tool" "$work/repository"
+cp "$runtime" "$development" "$tool" "$schema_tool" "$work/repository"
 (cd "$work/repository" && dpkg-scanpackages . >Packages 2>/dev/null)
 cp -r tests/install/application tests/install/catalogues examples/first_settings "$work/programs"
+cp examples/schema_filters/data/machine.xsd "$work/programs"
 cp tests/install/in_clean_debian.sh tests/install/pkgconfig.sh "$work/programs"
 # Everything is in a folder that mmdebstrap makes and removes.
 mmdebstrap --quiet --variant=apt --format=null --aptopt="$work/apt.conf" \
-    --include=libservice-configurationframework-dev,orvant-config,g++,cmake,make,pkg-config \
+    --include=libservice-configurationframework-dev,orvant-config,orvant-xsd,g++,cmake,make,pkg-config \
     --customize-hook="copy-in $work/programs /root" \
     --customize-hook="chroot \"\$1\" sh /root/programs/in_clean_debian.sh $runtime_name" \
     "$release" /dev/null "$work/sources.list" "deb [trusted=yes] copy:$work/repository ./"

@@ -1,6 +1,7 @@
 #!/bin/sh
 # in_clean_debian.sh RUNTIME_PACKAGE: builds programs with the installed development package, and runs
-# them with the runtime package alone, and the tool on the catalogues that they install.
+# them with the runtime package alone, and the tools on the catalogues that they install and
+# on a schema.
 set -eu
 cd "$(dirname "$0")"
 for program in application first_settings catalogues; do
@@ -31,3 +32,5 @@ Scale[*]/Number" ]
 code=0
 orvant-config list 2>message || code=$?
 [ $code -eq 3 ] && grep -q 'installed: market, shop' message
+
+[ "$(orvant-xsd types ../machine.xsd | tr '\n' ' ')" = "Axis Coolant Machine ToolMagazine " ]

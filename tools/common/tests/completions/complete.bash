@@ -2,7 +2,8 @@
 # usage: bash complete.bash COMPLETION LINE
 compopt() { [[ $* != '-o default' ]] || files=yes; }
 source "$1"
-read -ra COMP_WORDS <<<"${2//=/ = }" # as bash does
+COMP_LINE=$2
+read -ra COMP_WORDS <<<"${2//=/ = }" # bash splits there, too
 [[ $2 != *[' ='] ]] || COMP_WORDS+=('')
 COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
 program=${2%% *}
