@@ -362,5 +362,22 @@ TEST_F(AnySchemaFailure, IsThatOfAFileThatIsNotThere) {
     EXPECT_EQ(earlierTree, reader.getXsdTree());
 }
 
+TEST(AnySchema, DocumentationOfBlanksCanBeWritten) {
+    const TemporaryDirectory directory;
+    for (const std::string blank : {" ", "\n", "\n    ", "\n\n", " \n \n"}) {
+        XsdConfigReader reader(directory.file(
+            "schema.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:complexType name=\"A\">"
+            "<xs:annotation><xs:documentation>" +
+                blank + "</xs:documentation></xs:annotation></xs:complexType></xs:schema>"));
+        reader.readAnyXSD();
+        const FileName written = directory.file("written.xsd");
+        reader.writeXSD(written, true);
+        XsdConfigReader again(written);
+        again.readXSD(true);
+        EXPECT_EQ(1U, again.getXsdTree().count("A"));
+    }
+}
+
 } // namespace
 } // namespace Orvant

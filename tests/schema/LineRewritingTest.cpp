@@ -83,6 +83,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(EndLineOfDocumentation, BreaksTheLineBehindTheEndTag) {
     EXPECT_EQ("</p1:documentation>\n    </p1:annotation>",
               endLineOfDocumentation("</p1:documentation>    </p1:annotation>"));
+    EXPECT_EQ("</p1:documentation>\n</p1:annotation>",
+              endLineOfDocumentation("</p1:documentation></p1:annotation>"));
     EXPECT_EQ("a</p1:documentation>", endLineOfDocumentation("a</p1:documentation>"));
 }
 

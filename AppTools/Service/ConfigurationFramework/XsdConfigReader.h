@@ -156,7 +156,8 @@ public:
     ///
     /// What is removed but named by something that stays, stays as well: types; also root elements
     /// that are referred to, attributes and children that a restriction repeats, and what comes
-    /// from an entity. The file on disk is not read again.
+    /// from an entity. Other files are not looked at: what only they name is cut out. The file on
+    /// disk is not read again.
     /// @param file file to write, replaced in one step; it may be the one that was read
     /// @return names of the types that stay although they are removed, in the order of the file;
     ///         after them "TYPE/CHILD" and "TYPE/@ATTRIBUTE" for what stays of a type. Nothing

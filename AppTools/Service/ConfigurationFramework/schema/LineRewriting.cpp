@@ -200,7 +200,8 @@ bool isRestored(std::string_view attribute, std::string_view value) {
 }
 
 std::string endLineOfDocumentation(const std::string& line) {
-    return replaceFirst(line, "</p1:documentation> ", "</p1:documentation>\n ");
+    const std::string ended = replaceFirst(line, "</p1:documentation> ", "</p1:documentation>\n ");
+    return replaceFirst(ended, "</p1:documentation><", "</p1:documentation>\n<");
 }
 
 } // namespace Orvant::LineRewriting
