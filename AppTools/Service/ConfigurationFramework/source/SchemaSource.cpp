@@ -145,7 +145,7 @@ std::optional<std::string> SchemaSource::attribute(Index element, std::string_vi
     if (m_dialect != SchemaDialect::Any || name == "value" ||
         (*m_document)[element].nameSpace != Namespace::XmlSchema)
         return *value;
-    const std::string collapsed = TypeNames::collapsed(*value);
+    std::string collapsed = TypeNames::collapsed(*value);
     if (!TypeNames::isTypeName(name))
         return collapsed;
     return TypeNames::inSuite(collapsed, m_targetNamespace, [&](std::string_view prefix) {

@@ -111,9 +111,12 @@ std::string withoutNodes(const std::string& bytes, const SourceDocument& documen
         const Index parent = document[*node].parent;
         const Siblings& siblings = siblingsIn.try_emplace(parent, document, parent).first->second;
         Siblings::Run run = siblings.runOf(*node);
-        while (++node != cut.end() && document[*node].parent == parent &&
-               siblings.runOf(*node).first == run.last + 1)
-            run.last = siblings.runOf(*node).last;
+        for (++node; node != cut.end() && document[*node].parent == parent; ++node) {
+            const Siblings::Run next = siblings.runOf(*node);
+            if (next.first != run.last + 1)
+                break;
+            run.last = next.last;
+        }
         const Siblings::Range range = siblings.rangeOf(run, bytes);
         rest.append(bytes, done, range.begin - done);
         done = range.end;
