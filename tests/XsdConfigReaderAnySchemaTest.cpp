@@ -227,6 +227,12 @@ TEST(AnySchema, HasOtherNamesAsTheyAreWritten) {
                 ElementsAre("t:A", "u:A", "t:A:B", "A:", ""));
 }
 
+TEST(AnySchema, HasOtherNamesThatWouldLookLikeItsOwnWithTheirNamespace) {
+    EXPECT_THAT(childTypes("targetNamespace='urn:t' xmlns='urn:o' xmlns:ov='urn:o' xmlns:p='urn:o'",
+                           {"A", "ov:A", "p:A"}),
+                ElementsAre("{urn:o}A", "{urn:o}A", "p:A"));
+}
+
 TEST(AnySchema, HasNamesOfItsOwnIfItDescribesXmlSchema) {
     const TemporaryDirectory directory;
     ReaderOfAny reader(directory, "<xs:schema xmlns:xs='" + xmlSchema + "' targetNamespace='" +

@@ -239,5 +239,16 @@ TEST(SchemaClosure, LosesNothingWhenItIsKept) {
     EXPECT_THAT(result.stayed, IsEmpty());
 }
 
+TEST(SchemaClosure, FollowsTheAttributesThatEachTypeHasByDefault) {
+    const TemporaryDirectory directory;
+    XsdConfigReader reader(directory.file(
+        "schema.xsd",
+        "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" defaultAttributes=\"All\">"
+        "<xs:complexType name=\"A\"/><xs:simpleType name=\"B\"/><xs:attributeGroup name=\"All\">"
+        "<xs:attribute name=\"b\" type=\"B\"/></xs:attributeGroup></xs:schema>"));
+    reader.readAnyXSD();
+    EXPECT_THAT(reader.getTypesUsedBy("A"), ElementsAre("A", "B"));
+}
+
 } // namespace
 } // namespace Orvant

@@ -790,5 +790,18 @@ TEST(PrunedSchema, IsWrittenThroughALink) {
     EXPECT_EQ(suiteSchema(machine), readFile(target));
 }
 
+TEST(PrunedSchema, KeepsWhatStandsBetweenTwoPartsThatAreCutOut) {
+    const TemporaryDirectory directory;
+    const std::string start = "<!DOCTYPE s:schema [<!ENTITY more SYSTEM \"more.ent\">]>\n"
+                              "<s:schema xmlns:s=\"http://www.w3.org/2001/XMLSchema\">";
+    XsdConfigReader reader(directory.file(
+        "schema.xsd", start + "\n<s:complexType name=\"A\"/>\n<s:complexType name=\"B\"/>\n"
+                              "&more;\n<s:complexType name=\"C\"/>\n</s:schema>\n"));
+    reader.readAnyXSD();
+    reader.keepXSDElement({"A"});
+    EXPECT_EQ(prunedBy(reader).text,
+              start + "\n<s:complexType name=\"A\"/>\n&more;\n</s:schema>\n");
+}
+
 } // namespace
 } // namespace Orvant

@@ -401,5 +401,48 @@ TEST(StayingParts, AreThoseWithAKeyThatIsReferredTo) {
     EXPECT_THAT(result.stayed, ElementsAre("Base/a"));
 }
 
+TEST(StayingParts, AreThoseThatARestrictionReplacesByASubstitute) {
+    const auto lines = [](const std::string& content) {
+        return root +
+               "<xs:element name=\"head\" type=\"xs:string\"/>\n"
+               "<xs:element name=\"middle\" substitutionGroup=\"head\" type=\"xs:string\"/>\n"
+               "<xs:element name=\"sub\" substitutionGroup=\"middle\" type=\"xs:string\"/>\n" +
+               element("complexType", "name=\"Base\"",
+                       sequence("<xs:element ref=\"head\" minOccurs=\"0\"/>" + content)) +
+               '\n' + derived("restriction", "Base", sequence("<xs:element ref=\"sub\"/>"));
+    };
+    const Pruned result = withoutOptionalParts(lines("\n<xs:element name=\"b\" minOccurs=\"0\"/>"));
+    EXPECT_EQ(result.text, lines(""));
+    EXPECT_THAT(result.stayed, ElementsAre("Base/head"));
+}
+
+TEST(StayingParts, AreNotWhatOnlyATypeWithinARestrictionHas) {
+    const Pruned result = withoutOptionalParts(
+        root +
+        element("complexType", "name=\"Base\"",
+                sequence("<xs:element name=\"a\" minOccurs=\"0\"/>\n<xs:element name=\"b\"/>")) +
+        '\n' +
+        derived(
+            "restriction", "Base",
+            sequence(element("element", "name=\"b\"",
+                             element("complexType", "", sequence("<xs:element name=\"a\"/>"))))));
+    EXPECT_THAT(result.stayed, testing::IsEmpty());
+}
+
+TEST(StayingParts, AreFoundAtOnceWhereKeysReferToOthers) {
+    constexpr int parts = 3'000;
+    std::string children;
+    for (int i = 0; i < parts; ++i)
+        children +=
+            element("element", "name=\"e" + std::to_string(i) + "\" minOccurs=\"0\"",
+                    "<xs:key name=\"k" + std::to_string(i) + "\"/>\n<xs:keyref name=\"r" +
+                        std::to_string(i) + "\" refer=\"k" + std::to_string(i + 1) + "\"/>") +
+            '\n';
+    const Pruned result = withoutOptionalParts(
+        element("complexType", "name=\"Base\"", sequence(children)) +
+        "\n<xs:element name=\"root\">\n<xs:keyref name=\"r\" refer=\"k0\"/>\n</xs:element>");
+    EXPECT_EQ(result.stayed.size(), static_cast<std::size_t>(parts));
+}
+
 } // namespace
 } // namespace Orvant

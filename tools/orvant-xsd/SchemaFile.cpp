@@ -6,6 +6,8 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <unordered_set>
 
@@ -66,8 +68,9 @@ void SchemaFile::checkType(const std::string& type) {
 void SchemaFile::checkNames(const std::string& type, const std::string& what,
                             const std::vector<std::string>& names,
                             const std::vector<std::string>& known) const {
+    const std::string problem = fmt::format("the type \"{}\" in {} has no {}", type, m_name, what);
     for (const std::string& name : names)
-        checkOneOf(known, name, "the type \"" + type + "\" in " + m_name + " has no " + what);
+        checkOneOf(known, name, problem);
 }
 
 } // namespace Orvant::Tool

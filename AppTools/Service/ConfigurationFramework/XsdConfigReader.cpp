@@ -221,7 +221,7 @@ XsdConfigReader::withTypesNamedInFile(const std::vector<std::string>& types) con
     if (!m_source->parse())
         return types;
     const auto removed = findRemovedNodes(*m_source, *m_tree->getSchema());
-    return withNamedTypes(m_source->document(), removed, types);
+    return withNamedTypes(m_source->references(), removed, types);
 }
 
 std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName& file) {

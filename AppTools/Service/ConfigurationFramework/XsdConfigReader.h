@@ -86,7 +86,8 @@ public:
     /// Reads any schema: whatever its prefixes, target namespace, encoding and layout are; also one
     /// in the reader's own namespace. The same is read of it as of a file of the suite, into the
     /// same tree. Names of its own types are returned without a prefix, those of XML Schema's with
-    /// xs:, others as they are written. No file beside it is made.
+    /// xs:, others as they are written, but as {NAMESPACE}NAME if they are without prefix or have
+    /// the prefix ov: or xs:. No file beside it is made.
     /// @throws as readXSD(); ParserReportedErrors: the document element is no schema
     void readAnyXSD();
 
@@ -158,7 +159,9 @@ public:
     /// that are referred to, attributes and children that a restriction repeats, and what comes
     /// from an entity. Other files are not looked at: what only they name is cut out. The file on
     /// disk is not read again.
-    /// @param file file to write, replaced in one step; it may be the one that was read
+    /// @param file file to write; it may be the one that was read. A new file takes its place in
+    ///             one step, and its rights. Links are followed. Where no new file can be made, and
+    ///             for one with several hard links, the bytes are written in place.
     /// @return names of the types that stay although they are removed, in the order of the file;
     ///         after them "TYPE/CHILD" and "TYPE/@ATTRIBUTE" for what stays of a type. Nothing
     ///         before the first successful reading, when nothing is written.

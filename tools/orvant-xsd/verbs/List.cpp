@@ -2,6 +2,8 @@
 
 #include "CommandLine.h"
 
+#include <fmt/core.h>
+
 namespace Orvant::Tool {
 
 namespace {
@@ -26,8 +28,8 @@ std::string countText(const XsdChildElementProperty& child) {
 
 std::string lineOf(const XsdChildElementProperty& child) {
     const std::string count = countText(child);
-    return "  " + child.name + (child.type.empty() ? "" : ": " + child.type) +
-           (count.empty() ? "" : ", " + count);
+    return fmt::format("  {}{}{}{}{}", child.name, child.type.empty() ? "" : ": ", child.type,
+                       count.empty() ? "" : ", ", count);
 }
 
 void print(SchemaFile& schema, const Output& output) {

@@ -5,6 +5,8 @@
 
 #include <ConfigurationFramework/ConfigException.h>
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <ios>
 #include <iostream>
@@ -45,7 +47,7 @@ NamesByType namesByType(const std::string& option, const Names& texts) {
         const std::size_t sign = text.find('=');
         if (sign == std::string::npos)
             throw Failure(ExitCode::Usage,
-                          option + " needs TYPE=NAME,... instead of \"" + text + '"');
+                          fmt::format("{} needs TYPE=NAME,... instead of \"{}\"", option, text));
         const std::string type = text.substr(0, sign);
         auto found = std::ranges::find(byType, type, &NamesByType::value_type::first);
         if (found == byType.end())

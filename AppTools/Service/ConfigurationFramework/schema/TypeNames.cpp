@@ -15,10 +15,15 @@ std::string inSuite(std::string_view name, std::string_view targetNamespace,
                     const Resolver& nameSpaceOf) {
     const auto [prefix, local] = parts(name);
     const auto nameSpace = nameSpaceOf(prefix);
+    if (local.empty())
+        return std::string(name);
     if (nameSpace == targetNamespace) // which is that of XML Schema in its own schema
         return std::string(local);
-    if (nameSpace == SchemaNamespaces::xmlSchema && !local.empty())
+    if (nameSpace == SchemaNamespaces::xmlSchema)
         return std::string("xs:").append(local);
+    const bool looksOwn = prefix.empty() || prefix == "ov" || prefix == "xs";
+    if (looksOwn && nameSpace && !nameSpace->empty())
+        return std::string("{").append(*nameSpace).append("}").append(local);
     return std::string(name);
 }
 

@@ -19,7 +19,8 @@ struct Parts {
 Parts parts(std::string_view name);
 
 /// @return the name as the suite writes it: those of the schema's own types without a prefix, those
-///         of XML Schema's with xs:, others as they are
+///         of XML Schema's with xs:, others as they are, but as {NAMESPACE}NAME where they would
+///         look like one of these
 std::string inSuite(std::string_view name, std::string_view targetNamespace,
                     const Resolver& nameSpaceOf);
 

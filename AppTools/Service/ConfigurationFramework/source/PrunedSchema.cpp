@@ -32,7 +32,7 @@ bool isWhole(const SchemaSource& source, const OV_XsdReader::ov_schema& schema) 
 
 PrunedSchema::PrunedSchema(const SchemaSource& source, const OV_XsdReader::ov_schema& schema) {
     if (source.parse()) {
-        SchemaPruning pruning = prune(source.document(), findRemovedNodes(source, schema));
+        SchemaPruning pruning = prune(source.references(), findRemovedNodes(source, schema));
         text = withoutNodes(source.bytes(), source.document(), pruning.cut);
         stayed = std::move(pruning.stayed);
         return;

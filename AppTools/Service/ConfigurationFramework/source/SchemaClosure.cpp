@@ -15,10 +15,9 @@ using Kind = SchemaReferences::Kind;
 
 class Closure {
 public:
-    Closure(const SourceDocument& document, const Nodes& removed,
+    Closure(const SchemaReferences& references, const Nodes& removed,
             const std::vector<std::string>& types)
-        : m_document(document),
-          m_references(document),
+        : m_references(references),
           m_leftOut(removed.begin(), removed.end()),
           m_types(types),
           m_known(types.begin(), types.end()) {
@@ -46,33 +45,45 @@ private:
     void follow(Kind kind, std::string_view name) {
         if (kind == Kind::Key)
             return; // names no type
-        for (const Index declaration : m_references.declarations(kind, name))
-            if (m_visited.insert(declaration).second)
-                m_toVisit.push_back(declaration);
-        if (kind != Kind::Element)
-            return;
-        for (const Index substitute : m_references.substitutes(name))
-            if (const std::string* const own = m_document.attribute(substitute, "name"))
-                if (m_visited.insert(substitute).second) {
-                    m_toVisit.push_back(substitute);
-                    follow(Kind::Element, *own);
-                }
+        visit(m_references.declarations(kind, name));
+        if (kind == Kind::Element)
+            visitSubstitutes(name);
     }
 
-    const SourceDocument& m_document;
-    SchemaReferences m_references;
+    void visit(const Nodes& declarations) {
+        for (const Index declaration : declarations)
+            if (m_visited.insert(declaration).second)
+                m_toVisit.push_back(declaration);
+    }
+
+    void visitSubstitutes(std::string_view element) {
+        std::vector<std::string_view> heads{element};
+        while (!heads.empty()) {
+            const std::string_view head = heads.back();
+            heads.pop_back();
+            if (!m_heads.insert(head).second)
+                continue;
+            visit(m_references.substitutes(head));
+            for (const Index substitute : m_references.substitutes(head))
+                if (const auto* const name = m_references.document().attribute(substitute, "name"))
+                    heads.push_back(*name);
+        }
+    }
+
+    const SchemaReferences& m_references;
     std::unordered_set<Index> m_leftOut;
     std::vector<std::string> m_types;
     std::unordered_set<std::string> m_known;
     std::unordered_set<Index> m_visited;
+    std::unordered_set<std::string_view> m_heads; ///< of which the substitutes are visited
     Nodes m_toVisit;
 };
 
 } // namespace
 
-std::vector<std::string> withNamedTypes(const SourceDocument& document, const Nodes& removed,
+std::vector<std::string> withNamedTypes(const SchemaReferences& references, const Nodes& removed,
                                         const std::vector<std::string>& types) {
-    return Closure(document, removed, types).names();
+    return Closure(references, removed, types).names();
 }
 
 } // namespace Orvant

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/source/SourceDocument.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <string>
 #include <vector>
@@ -9,11 +9,11 @@ namespace Orvant {
 
 /// Finds the types of a schema file that types name, directly or through others: in optional
 /// children, groups, unions and lists, too, and in elements that may stand for a named one.
-/// @param document the file
-/// @param removed  nodes that do not count, in the order of the file
-/// @param types    names of types
+/// @param references what names what in the file
+/// @param removed    nodes that do not count, in the order of the file
+/// @param types      names of types
 /// @return these, and the names of the others
-std::vector<std::string> withNamedTypes(const SourceDocument& document,
+std::vector<std::string> withNamedTypes(const SchemaReferences& references,
                                         const std::vector<SourceDocument::Index>& removed,
                                         const std::vector<std::string>& types);
 

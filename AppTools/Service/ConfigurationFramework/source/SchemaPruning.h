@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ConfigurationFramework/source/SourceDocument.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <string>
 #include <vector>
@@ -16,8 +16,9 @@ struct SchemaPruning {
 };
 
 /// Decides what of a schema can go so that what stays is still a schema.
-/// @param removed what is not wanted, in the order of the file
-SchemaPruning prune(const SourceDocument& document,
+/// @param references what names what in it
+/// @param removed    what is not wanted, in the order of the file
+SchemaPruning prune(const SchemaReferences& references,
                     const std::vector<SourceDocument::Index>& removed);
 
 } // namespace Orvant

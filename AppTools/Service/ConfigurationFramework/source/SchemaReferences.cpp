@@ -69,6 +69,8 @@ const SchemaReferences::Nodes& nodesOf(const ByName& byName, std::string_view na
 SchemaReferences::SchemaReferences(const SourceDocument& document) : m_document(document) {
     if (const std::string* const target = document.attribute(document.root(), "targetNamespace"))
         m_target = *target;
+    if (const std::string* const group = document.attribute(document.root(), "defaultAttributes"))
+        m_defaultAttributes = TypeNames::parts(*group).local;
     const auto nothing = [](Index) { return false; };
     forEachElement(document.root(), nothing, [this](Index element) { declare(element); });
 }
@@ -100,6 +102,8 @@ std::vector<SchemaReferences::Reference> SchemaReferences::of(Index element) con
                 if (isOwn(name, element))
                     references.push_back({*kind, TypeNames::parts(name).local});
             });
+    if (!m_defaultAttributes.empty() && m_document[element].name == "complexType")
+        references.push_back({Kind::AttributeGroup, m_defaultAttributes});
     return references;
 }
 

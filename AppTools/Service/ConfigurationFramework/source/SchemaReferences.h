@@ -23,6 +23,7 @@ public:
     using Nodes = std::vector<Index>;
 
     enum class Kind : std::uint8_t { Type, Element, Attribute, Group, AttributeGroup, Key };
+    static constexpr std::size_t kinds = 6;
     struct Reference {
         Kind kind;
         std::string_view name; ///< without prefix
@@ -30,6 +31,8 @@ public:
 
     /// @param document must outlive this
     explicit SchemaReferences(const SourceDocument& document);
+
+    const SourceDocument& document() const { return m_document; }
 
     /// @return what an element itself names of the schema's own, without the elements in it
     std::vector<Reference> of(Index element) const;
@@ -55,7 +58,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kinds = 6;
     using ByName = std::unordered_map<std::string_view, Nodes>;
 
     bool isPartOfSchema(Index element) const;
@@ -64,6 +66,7 @@ private:
 
     const SourceDocument& m_document;
     std::string_view m_target;
+    std::string_view m_defaultAttributes; ///< an attribute group that each complex type refers to
     std::array<ByName, kinds> m_declarations;
     ByName m_substitutes;
 };

@@ -53,6 +53,7 @@ void SchemaSource::parseOnce() const {
             m_document->attribute(m_document->root(), "targetNamespace"))
         m_targetNamespace = *target;
     classify();
+    m_references.emplace(*m_document);
     m_isUsable = true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/schema/SchemaDialect.h>
 #include <ConfigurationFramework/source/ModelClass.h>
+#include <ConfigurationFramework/source/SchemaReferences.h>
 #include <ConfigurationFramework/source/SourceDocument.h>
 
 #include <mutex>
@@ -28,6 +29,7 @@ public:
     /// @return false when the file is well-formed only once it is rewritten
     bool parse() const;
     const SourceDocument& document() const { return *m_document; }
+    const SchemaReferences& references() const { return *m_references; }
 
     /// @return what the model holds an element or its text as; None for what it does not hold
     ModelClass modelClass(Index node) const { return m_classes[node]; }
@@ -50,6 +52,7 @@ private:
     // Made by the first parse().
     mutable std::once_flag m_parsed;
     mutable std::optional<SourceDocument> m_document;
+    mutable std::optional<SchemaReferences> m_references;
     mutable std::optional<SourceDocument> m_rewritten; ///< of a file of the suite
     mutable std::vector<Index> m_inRewritten; ///< the elements there, by those of the document
     mutable std::vector<ModelClass> m_classes;

@@ -53,6 +53,11 @@ public:
         return {first.gap, end};
     }
 
+    /// @return whether there is nothing but white space between a node and the one before it
+    bool followsPrevious(std::size_t position) const {
+        return !node(position).followsText && node(position).gap == node(position - 1).end;
+    }
+
 private:
     std::size_t positionOf(Index child) const {
         return static_cast<std::size_t>(std::ranges::lower_bound(m_children, child) -
@@ -65,10 +70,6 @@ private:
         return node(position).kind == SourceDocument::Kind::Comment && !node(position).inEntity;
     }
     bool isOnLineOfPrevious(std::size_t position) const { return node(position).breaksBefore == 0; }
-    /// @return whether there is nothing but white space between a node and the one before it
-    bool followsPrevious(std::size_t position) const {
-        return !node(position).followsText && node(position).gap == node(position - 1).end;
-    }
     /// @return whether there is another node behind a node on its last line
     bool isNextOnLine(std::size_t position) const {
         return position + 1 < m_children.size() && isOnLineOfPrevious(position + 1) &&
@@ -113,7 +114,7 @@ std::string withoutNodes(const std::string& bytes, const SourceDocument& documen
         Siblings::Run run = siblings.runOf(*node);
         for (++node; node != cut.end() && document[*node].parent == parent; ++node) {
             const Siblings::Run next = siblings.runOf(*node);
-            if (next.first != run.last + 1)
+            if (next.first != run.last + 1 || !siblings.followsPrevious(next.first))
                 break;
             run.last = next.last;
         }
