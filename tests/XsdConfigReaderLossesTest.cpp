@@ -537,7 +537,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "<!-- c --></xs:documentation>\n<xs:documentation/><xs:appinfo><c/>"
                     "</xs:appinfo></xs:annotation>"),
              {"4 id of T: documentation only", "5 xml:lang of T: documentation only",
-              "5 source of T: documentation only", "5 xs:b of T: documentation only",
+              "5 source of T: documentation only", "5 b of T: documentation only",
               "5 comment of T: documentation only", "6 xs:documentation of T: documentation only",
               "6 xs:appinfo of T: documentation only"},
              "<r/>"}),
@@ -771,8 +771,110 @@ TEST(XsdConfigReaderLosses, OfAnEntityAreWhereItIsNamed) {
                                           "</xs:sequence></xs:complexType>"),
                           false);
     EXPECT_THAT(reading.losses,
-                ElementsAre("7 xs:any of T: accepts less", "7 xs:any of T: accepts less"));
+                ElementsAre("1 document type declaration of : documentation only",
+                            "7 xs:any of T: accepts less", "7 xs:any of T: accepts less"));
 }
+
+TEST(XsdConfigReaderLosses, IncludeADocumentTypeDeclaration) {
+    for (const std::string declaration :
+         {"<!DOCTYPE\nxs:schema>", "<!DOCTYPE xs:schema SYSTEM 'missing.dtd'>",
+          "<!DOCTYPE xs:schema [\n<!-- of the declaration -->\n<!ELEMENT x EMPTY>\n]>"}) {
+        const Reading reading("<!-- a -->\n\n" + declaration + "<!-- b -->" + suiteSchema(""),
+                              false);
+        ASSERT_EQ(reading.losses.size(), 3U) << declaration;
+        EXPECT_EQ(reading.losses[0], "1 comment of : documentation only");
+        EXPECT_EQ(reading.losses[1], "3 document type declaration of : documentation only");
+        EXPECT_THAT(reading.losses[2], testing::HasSubstr(" comment of : documentation only"));
+    }
+}
+
+constexpr int many = 2000;
+
+/// @return the text many times, with a number for each #, and the next number for each ##
+std::string repeated(const std::string& text) {
+    std::string all;
+    for (int i = 0; i < many; ++i) {
+        std::string one = text;
+        for (auto at = one.find('#'); at != std::string::npos; at = one.find('#', at)) {
+            const bool isNext = one.compare(at, 2, "##") == 0;
+            one.replace(at, isNext ? 2 : 1, std::to_string(isNext ? i + 1 : i));
+        }
+        all += one + '\n';
+    }
+    return all;
+}
+
+struct ManyLosses : TestCase {
+    std::string content;
+    std::size_t losses = 0;
+    std::string last;
+};
+
+class LossesOfManyParts : public testing::TestWithParam<ManyLosses> {};
+
+TEST_P(LossesOfManyParts, AreFoundInTime) {
+    const Reading reading(suiteSchema(GetParam().content), false);
+    ASSERT_EQ(reading.losses.size(), GetParam().losses);
+    const std::string& last = reading.losses.back();
+    EXPECT_EQ(last.substr(last.find(' ') + 1), GetParam().last);
+}
+
+/// @return a type, and many that are each derived from the one before, with this in them
+std::string chainOf(const std::string& derivation, const std::string& content) {
+    return "<xs:complexType name='T0'/>\n" +
+           repeated("<xs:complexType name='T##'><xs:complexContent><xs:" + derivation +
+                    " base='T#'>" + content + "</xs:" + derivation +
+                    "></xs:complexContent></xs:complexType>");
+}
+
+// What is looked for anew along the bases of each type would take minutes.
+INSTANTIATE_TEST_SUITE_P(
+    Schemas, LossesOfManyParts,
+    testing::Values(
+        ManyLosses{{"SimpleTypes"},
+                   "<xs:simpleType name='S0'><xs:restriction base='xs:string'/></xs:simpleType>\n" +
+                       repeated("<xs:simpleType name='S##'><xs:restriction base='S#'>"
+                                "<xs:enumeration value='a'/><xs:whiteSpace value='collapse'/>"
+                                "</xs:restriction></xs:simpleType>"),
+                   many,
+                   "xs:whiteSpace of S2000: accepts less"},
+        ManyLosses{{"Extensions"},
+                   chainOf("extension", "<xs:sequence><xs:any/><xs:element name='a' type='xs:int' "
+                                        "minOccurs='0'/></xs:sequence>"),
+                   many,
+                   "xs:any of T2000: not a valid schema"},
+        ManyLosses{{"Restrictions"},
+                   chainOf("restriction", "<xs:attribute name='a#'><xs:simpleType><xs:list "
+                                          "itemType='xs:int'/></xs:simpleType></xs:attribute>"
+                                          "<xs:attributeGroup ref='g'/>"),
+                   2 * std::size_t{many},
+                   "xs:attributeGroup of T2000: accepts less"},
+        ManyLosses{{"InlineTypes"},
+                   repeated("<xs:complexType name='T#'><xs:sequence><xs:element name='a' "
+                            "type='T##'/></xs:sequence></xs:complexType>") +
+                       "<xs:complexType name='T2000'><xs:sequence><xs:element name='r' "
+                       "type='xs:string'/></xs:sequence></xs:complexType>\n"
+                       "<xs:element name='r' type='xs:int'/>\n" +
+                       repeated("<xs:element name='r#'><xs:complexType><xs:sequence><xs:element "
+                                "name='a' type='T0'/></xs:sequence></xs:complexType></xs:element>"),
+                   many,
+                   "xs:complexType of r1999: accepts less"},
+        ManyLosses{{"Defaults"},
+                   "<xs:simpleType name='S'><xs:restriction base='xs:string'>\n" +
+                       repeated("<xs:enumeration value='#'/>") +
+                       "</xs:restriction></xs:simpleType>\n" +
+                       repeated("<xs:element name='r#' type='S' default='1'/>"),
+                   many,
+                   "default of r1999: accepts less"},
+        ManyLosses{{"AttributesOfABase"},
+                   "<xs:complexType name='B'>\n" + repeated("<xs:attribute name='a#'/>") +
+                       "</xs:complexType>\n" +
+                       repeated("<xs:complexType name='T#'><xs:complexContent><xs:restriction "
+                                "base='B'><xs:attribute name='a#'/><xs:attributeGroup ref='g'/>"
+                                "</xs:restriction></xs:complexContent></xs:complexType>"),
+                   many,
+                   "xs:attributeGroup of T1999: accepts more"}),
+    nameOf<ManyLosses>);
 
 TEST(XsdConfigReaderLosses, AreNoneBeforeReading) {
     XsdConfigReader reader("missing.xsd");

@@ -21,14 +21,17 @@ struct XsdLoss {
     static constexpr const char* documentationOnly = "documentation only"; ///< nothing
     /// @}
 
-    /// An element such as "xs:group", always with this prefix, and with all that is in it; the name
-    /// of an attribute; "comment" or "processing instruction".
+    /// An element with all that is in it: one of XML Schema such as "xs:group", always with this
+    /// prefix, another one, such as markup in a documentation, with its local name alone; the name
+    /// of an attribute; "comment", "processing instruction" or "document type declaration".
     std::string construct;
     /// Name of the type, root element or other declaration of the schema that it is a part of;
     /// empty for what belongs to none.
     std::string owner;
-    unsigned int line = 0; ///< where it begins in the file that was read, from 1
-    std::string effect;    ///< one of the above
+    /// Where it begins in the file that was read, from 1; of an attribute in a file in UTF-16 or
+    /// UTF-32, where its element begins.
+    unsigned int line = 0;
+    std::string effect; ///< one of the above
 };
 
 } // namespace Orvant

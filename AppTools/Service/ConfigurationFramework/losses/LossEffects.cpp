@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <ranges>
+#include <unordered_map>
 
 namespace Orvant {
 
@@ -52,7 +54,13 @@ bool canOccur(const WrittenSchema& schema, Index lost) {
 } // namespace
 
 LossEffects::LossEffects(const WrittenSchema& schema)
-    : m_schema(schema), m_references(schema.document()) {
+    : m_schema(schema),
+      m_references(schema.document()),
+      m_takesRivals(schema.document().nodes().size()),
+      m_lists(m_takesRivals.size()),
+      m_losesAttributes(m_takesRivals.size()),
+      m_refusesEmpty(m_takesRivals.size()),
+      m_listed(m_takesRivals.size()) {
     const auto nothing = [](Index) { return false; };
     const Index root = schema.document().root();
     for (const Index child : schema.document().children(root))
@@ -64,16 +72,17 @@ LossEffects::LossEffects(const WrittenSchema& schema)
             m_referring[{m_schema[element].name, std::string(TypeNames::parts(referred).local)}]
                 .push_back(element);
         m_hasAnyType = m_hasAnyType || isAnyType(element);
-        m_hasRivals = m_hasRivals || isRivalOfRoot(element);
     });
-    listNormalised();
+    for (Index node = 0; node < m_lists.size(); ++node)
+        if (schema.modelClass(node) == ModelClass::Enumeration)
+            m_lists[m_schema[node].parent] = true;
+    findRivals();
+    findInherited();
 }
 
 const char* LossEffects::ofElement(Index element) const {
     const std::string& name = m_schema[element].name;
-    const Namespace nameSpace = m_schema[element].nameSpace;
-    const bool isSchemas = nameSpace == Namespace::XmlSchema || nameSpace == Namespace::Reader;
-    if (!isSchemas || name == "annotation")
+    if (!m_schema.isOfSchemas(element) || name == "annotation")
         return XsdLoss::documentationOnly;
     switch (m_schema.parentClass(element)) {
     case ModelClass::Schema:
@@ -145,15 +154,7 @@ const char* LossEffects::ofAttributes(Index element) const {
     const Index base = name ? m_schema.writtenType(*name) : SourceDocument::none;
     if (base == SourceDocument::none)
         return XsdLoss::acceptsLess;
-    for (const Index type : m_schema.withBases(base)) {
-        const Index derivation = m_schema.derivation(type);
-        const Index holder = derivation == SourceDocument::none ? type : derivation;
-        for (const Index child : m_schema.document().children(holder))
-            if (m_schema.isLost(child) &&
-                isOneOf(m_schema[child].name, {"attribute", "attributeGroup", "anyAttribute"}))
-                return XsdLoss::acceptsLess;
-    }
-    return XsdLoss::acceptsMore;
+    return m_losesAttributes[base] ? XsdLoss::acceptsLess : XsdLoss::acceptsMore;
 }
 
 const char* LossEffects::ofFacet(Index facet) const {
@@ -162,8 +163,7 @@ const char* LossEffects::ofFacet(Index facet) const {
     if (name == "simpleType")
         return m_schema.text(restriction, "base").empty() ? XsdLoss::notValid
                                                           : XsdLoss::acceptsMore;
-    if (name == "enumeration" &&
-        m_schema.child(restriction, ModelClass::Enumeration) != SourceDocument::none)
+    if (name == "enumeration" && m_lists[restriction])
         return XsdLoss::acceptsLess;
     if (name == "whiteSpace")
         return unless(!normalisesListed(facet), XsdLoss::acceptsLess);
@@ -171,29 +171,59 @@ const char* LossEffects::ofFacet(Index facet) const {
                   XsdLoss::acceptsMore);
 }
 
-/// Finds the types whose values are compared with those that they, or types derived from them,
-/// list.
-void LossEffects::listNormalised() {
-    const auto lists = [this](Index type) {
-        const Index restriction = m_schema.derivation(type);
-        return restriction != SourceDocument::none &&
-               m_schema.child(restriction, ModelClass::Enumeration) != SourceDocument::none;
+bool LossEffects::losesAttributes(Index type) const {
+    for (const Index child : m_schema.document().children(m_schema.holder(type)))
+        if (m_schema.isLost(child) &&
+            isOneOf(m_schema[child].name, {"attribute", "attributeGroup", "anyAttribute"}))
+            return true;
+    return false;
+}
+
+/// Whether a simple type, apart from its bases, takes an element without content.
+bool LossEffects::takesEmpty(Index type) const {
+    const Index holder = m_schema.holder(type);
+    if (!m_lists[holder])
+        return true;
+    for (const Index child : m_schema.document().children(holder))
+        if (m_schema.modelClass(child) == ModelClass::Enumeration &&
+            m_schema.text(child, "value").empty())
+            return true;
+    return false;
+}
+
+/// Finds what types have from their bases. The values of a text type are compared with those that
+/// it, its bases, or types of the schema that are derived from it list.
+void LossEffects::findInherited() {
+    const auto& types = m_schema.typesAfterBases();
+    const auto lists = [this](Index type) { return m_lists[m_schema.holder(type)]; };
+    const auto isGlobal = [this](Index type) {
+        return m_schema.modelClass(type) == ModelClass::SimpleType &&
+               m_schema[type].parent == m_schema.document().root();
     };
-    for (const Index type : m_schema.document().children(m_schema.document().root())) {
-        if (m_schema.modelClass(type) != ModelClass::SimpleType)
-            continue;
-        const auto family = m_schema.withBases(type);
-        const bool isText = m_schema.derivesFrom(family, "string") ||
-                            m_schema.derivesFrom(family, "normalizedString");
-        if (isText && std::ranges::any_of(family, lists))
-            m_listed.insert(family.begin(), family.end());
+    std::vector<bool> byDerived(m_listed.size());
+    for (const Index type : types | std::views::reverse) {
+        const Index base = m_schema.base(type);
+        byDerived[type] = byDerived[type] || lists(type);
+        if (byDerived[type] && base != SourceDocument::none && isGlobal(type))
+            byDerived[base] = true;
+    }
+    std::vector<bool> byBase(m_listed.size());
+    for (const Index type : types) {
+        const Index base = m_schema.base(type);
+        const bool isDerived = base != SourceDocument::none;
+        m_losesAttributes[type] = (isDerived && m_losesAttributes[base]) || losesAttributes(type);
+        m_refusesEmpty[type] = (isDerived && m_refusesEmpty[base]) || !takesEmpty(type);
+        byBase[type] = (isDerived && byBase[base]) || lists(type);
+        m_listed[type] = (byBase[type] || byDerived[type]) && isGlobal(type) &&
+                         (m_schema.derivesFrom(type, "string") ||
+                          m_schema.derivesFrom(type, "normalizedString"));
     }
 }
 
 /// Whether values with white space around them would no longer be among the ones that are listed.
 bool LossEffects::normalisesListed(Index whiteSpace) const {
     return m_schema.text(whiteSpace, "value") != "preserve" &&
-           m_listed.contains(m_schema[m_schema[whiteSpace].parent].parent);
+           m_listed[m_schema[m_schema[whiteSpace].parent].parent];
 }
 
 /// What an element or attribute holds besides annotations: types, and constraints on its content.
@@ -201,7 +231,7 @@ bool LossEffects::normalisesListed(Index whiteSpace) const {
 const char* LossEffects::ofInlineType(Index type) const {
     const std::string& name = m_schema[type].name;
     if (name == "complexType")
-        return takesRivalsOfRoots(type) ? XsdLoss::acceptsLess : XsdLoss::acceptsMore;
+        return m_takesRivals[type] ? XsdLoss::acceptsLess : XsdLoss::acceptsMore;
     if (name != "simpleType")
         return XsdLoss::acceptsMore;
     // Without xs:ID, references to it lead nowhere.
@@ -212,27 +242,33 @@ const char* LossEffects::ofInlineType(Index type) const {
     return XsdLoss::acceptsMore;
 }
 
-/// Whether a type has elements, at any depth, that are root elements of another type: where
-/// anything is taken, they are validated as these.
-bool LossEffects::takesRivalsOfRoots(Index type) const {
-    if (!m_hasRivals)
-        return false;
+/// Finds what has elements, at any depth, that are root elements of another type: where anything is
+/// taken, they are validated as these.
+void LossEffects::findRivals() {
     const auto nothing = [](Index) { return false; };
-    bool found = false;
-    std::set<Index> seen{type};
-    std::vector<Index> open{type};
-    while (!open.empty() && !found) {
-        const Index next = open.back();
+    std::vector<Index> open; // what is in such, or refers to it
+    std::map<std::pair<SchemaReferences::Kind, std::string_view>, std::vector<Index>> referring;
+    m_references.forEachElement(m_schema.document().root(), nothing, [&](Index element) {
+        if (isRivalOfRoot(element))
+            open.push_back(element);
+        for (const auto& [kind, name] : m_references.of(element))
+            referring[{kind, name}].push_back(element);
+    });
+    std::unordered_map<Index, std::vector<Index>*> ofDeclarations;
+    for (auto& [declared, elements] : referring)
+        for (const Index declaration : m_references.declarations(declared.first, declared.second))
+            ofDeclarations.emplace(declaration, &elements);
+    while (!open.empty()) {
+        Index node = open.back();
         open.pop_back();
-        m_references.forEachElement(next, nothing, [&](Index element) {
-            found = found || isRivalOfRoot(element);
-            for (const auto& [kind, name] : m_references.of(element))
-                for (const Index declaration : m_references.declarations(kind, name))
-                    if (seen.insert(declaration).second)
-                        open.push_back(declaration);
-        });
+        for (; node != SourceDocument::none && !m_takesRivals[node]; node = m_schema[node].parent) {
+            m_takesRivals[node] = true;
+            if (const auto found = ofDeclarations.find(node); found != ofDeclarations.end()) {
+                open.insert(open.end(), found->second->begin(), found->second->end());
+                found->second->clear();
+            }
+        }
     }
-    return found;
 }
 
 bool LossEffects::isRivalOfRoot(Index element) const {
@@ -357,25 +393,10 @@ const char* LossEffects::ofFixedOrDefault(Index element, const char* otherwise) 
                    : XsdLoss::acceptsLess;
     if (type == SourceDocument::none)
         return otherwise;
-    const auto bases = m_schema.withBases(type);
-    const auto takesEmpty = [this](Index base) {
-        const Index restriction = m_schema.derivation(base);
-        if (restriction == SourceDocument::none)
-            return true;
-        const auto values = m_schema.document().children(restriction);
-        bool lists = false;
-        for (const Index child : values)
-            if (m_schema.modelClass(child) == ModelClass::Enumeration) {
-                lists = true;
-                if (m_schema.text(child, "value").empty())
-                    return true;
-            }
-        return !lists;
-    };
     const bool isText = std::ranges::any_of(
         std::initializer_list<std::string_view>{"string", "normalizedString", "token", "anyURI"},
-        [&](std::string_view text) { return m_schema.derivesFrom(bases, text); });
-    return isText && std::ranges::all_of(bases, takesEmpty) ? otherwise : XsdLoss::acceptsLess;
+        [&](std::string_view text) { return m_schema.derivesFrom(type, text); });
+    return isText && !m_refusesEmpty[type] ? otherwise : XsdLoss::acceptsLess;
 }
 
 /// Elements that stand for another one where that is referred to, and have its type if they have

@@ -4,7 +4,6 @@
 #include <ConfigurationFramework/source/SchemaReferences.h>
 
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -32,11 +31,13 @@ private:
     const char* ofAttributes(Index element) const;
     const char* ofFacet(Index facet) const;
     const char* ofInlineType(Index type) const;
-    bool takesRivalsOfRoots(Index type) const;
     bool isRivalOfRoot(Index element) const;
     const char* ofDefinition(Index definition, const char* effect) const;
     bool isAnyType(Index element) const;
-    void listNormalised();
+    void findRivals();
+    void findInherited();
+    bool losesAttributes(Index type) const;
+    bool takesEmpty(Index type) const;
     bool normalisesListed(Index whiteSpace) const;
 
     const char* ofSchemaAttribute(std::string_view attribute, const std::string& value) const;
@@ -53,9 +54,13 @@ private:
     /// Elements by their own name and that in their ref.
     std::map<std::pair<std::string, std::string>, std::vector<Index>> m_referring;
     std::map<std::string, std::string> m_rootTypes; ///< of the root elements that are written
-    std::set<Index> m_listed;                       ///< see listNormalised()
     bool m_hasAnyType = false;                      ///< some element is that, see isAnyType()
-    bool m_hasRivals = false;                       ///< likewise, see isRivalOfRoot()
+    // By nodes:
+    std::vector<bool> m_takesRivals;     ///< see findRivals()
+    std::vector<bool> m_lists;           ///< a restriction has values that are written
+    std::vector<bool> m_losesAttributes; ///< a type or a base of it does
+    std::vector<bool> m_refusesEmpty;    ///< likewise
+    std::vector<bool> m_listed;          ///< see findInherited()
 };
 
 } // namespace Orvant

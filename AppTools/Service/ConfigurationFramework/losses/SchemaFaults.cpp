@@ -4,7 +4,7 @@
 #include <ConfigurationFramework/schema/TypeNames.h>
 
 #include <algorithm>
-#include <unordered_map>
+#include <ranges>
 
 namespace Orvant {
 
@@ -13,12 +13,6 @@ namespace {
 using Index = SourceDocument::Index;
 using Name = WrittenSchema::Name;
 using Kind = Name::Kind;
-
-/// The element in which a type that is written holds sequences and attributes.
-Index holderOf(const WrittenSchema& schema, Index type) {
-    const Index derivation = schema.derivation(type);
-    return derivation == SourceDocument::none ? type : derivation;
-}
 
 std::vector<Index> writtenChildren(const WrittenSchema& schema, Index element,
                                    ModelClass modelClass) {
@@ -29,59 +23,23 @@ std::vector<Index> writtenChildren(const WrittenSchema& schema, Index element,
     return found;
 }
 
-/// Finds two elements of one name that a validator could not tell apart: the second can follow
-/// where the first could be repeated or left out.
-class AmbiguitySearch {
-public:
-    /// @return the losses between such elements
-    std::vector<Index> lossesIn(const std::vector<WrittenSchema::Place>& content) {
-        for (const WrittenSchema::Place& place : content) {
-            if (isLoss(place))
-                m_losses.push_back(place.front().node);
-            else
-                enter(place);
-        }
-        return m_found;
-    }
-
-private:
-    static bool isLoss(const WrittenSchema::Place& place) {
-        return place.size() == 1 && place.front().maximum == 0 && place.front().name.empty();
-    }
-    void enter(const WrittenSchema::Place& place) {
-        const bool canBeEmpty = WrittenSchema::canBeEmpty(place);
-        for (const auto& particle : place)
-            if (const auto rival = m_open.find(particle.name);
-                rival != m_open.end() && particle.maximum > 0)
-                m_found.insert(m_found.end(),
-                               m_losses.begin() + static_cast<std::ptrdiff_t>(rival->second),
-                               m_losses.end());
-        if (!canBeEmpty)
-            m_open.clear();
-        for (const auto& particle : place)
-            if (!particle.name.empty() && particle.maximum > 0 &&
-                (canBeEmpty || particle.maximum > particle.minimum))
-                m_open.insert_or_assign(particle.name, m_losses.size());
-    }
-
-    std::unordered_map<std::string, std::size_t> m_open; ///< with the number of losses before
-    std::vector<Index> m_losses;
-    std::vector<Index> m_found;
-};
-
 bool isTrue(const std::string& value) {
     return value == "true" || value == "1";
 }
 
 } // namespace
 
-SchemaFaults::SchemaFaults(const WrittenSchema& schema) : m_schema(schema) {
+SchemaFaults::SchemaFaults(const WrittenSchema& schema)
+    : m_schema(schema),
+      m_needsContent(schema.document().nodes().size()),
+      m_blamedForContent(m_needsContent.size()),
+      m_blamedForAttributes(m_needsContent.size()) {
     for (const Index child : schema.document().children(schema.document().root()))
         if (schema.document().isElement(child)) {
             if (schema[child].name == "import")
-                m_imports.push_back(child);
+                m_imports[schema.text(child, "namespace")].push_back(child);
             if (schema[child].name == "notation")
-                m_notations.push_back(child);
+                m_notations[schema.text(child, "name")].push_back(child);
         }
     for (Index node = 0; node < schema.document().nodes().size(); ++node) {
         checkNames(node);
@@ -91,10 +49,9 @@ SchemaFaults::SchemaFaults(const WrittenSchema& schema) : m_schema(schema) {
         if (schema.modelClass(node) != ModelClass::ComplexType)
             continue;
         checkOrder(node, ModelClass::Attribute, ModelClass::Choice, ModelClass::Choice);
-        checkContent(node);
         checkMixed(node);
-        checkRestriction(node);
     }
+    checkTypes();
     if (m_needsIncludes)
         for (const char* const name : {"include", "redefine", "override"})
             blameLost(schema.document().root(), name);
@@ -179,27 +136,25 @@ void SchemaFaults::blamePrefix(Index node, const std::string& name) {
             blame(scope, declaration, XsdLoss::notValid);
             break;
         }
-    for (const Index import : m_imports)
-        if (m_schema.text(import, "namespace") == nameSpace)
-            blame(import, {}, XsdLoss::notValid);
+    if (nameSpace)
+        blameAll(m_imports, std::string(*nameSpace));
 }
 
 /// Values that are names in a namespace have prefixes, and notations are declared.
 void SchemaFaults::checkQualifiedValues(Index restriction) {
     if (m_schema.parentClass(restriction) != ModelClass::SimpleType)
         return;
-    const auto types = m_schema.withBases(m_schema[restriction].parent);
-    const bool isNotation = m_schema.derivesFrom(types, "NOTATION");
-    if (!isNotation && !m_schema.derivesFrom(types, "QName"))
+    const Index type = m_schema[restriction].parent;
+    const bool isNotation = m_schema.derivesFrom(type, "NOTATION");
+    if (!isNotation && !m_schema.derivesFrom(type, "QName"))
         return;
     for (const Index value : writtenChildren(m_schema, restriction, ModelClass::Enumeration)) {
         const std::string name = m_schema.text(value, "value");
         const auto [prefix, local] = TypeNames::parts(name);
         if (!prefix.empty() && prefix != "ov" && prefix != "xs")
             blamePrefix(value, name);
-        for (const Index notation : m_notations)
-            if (isNotation && m_schema.text(notation, "name") == local)
-                blame(notation, {}, XsdLoss::notValid);
+        if (isNotation)
+            blameAll(m_notations, std::string(local));
     }
 }
 
@@ -211,8 +166,44 @@ void SchemaFaults::checkOrder(Index element, ModelClass earlier, ModelClass late
         blame(m_schema.child(element, blamed), {}, XsdLoss::notValid);
 }
 
-void SchemaFaults::checkContent(Index type) {
-    for (const Index loss : AmbiguitySearch().lossesIn(m_schema.content(type)))
+/// Checks types against what they have of their bases.
+void SchemaFaults::checkTypes() {
+    struct Entered {
+        Index type;
+        std::size_t attributes;
+        AmbiguitySearch::State content;
+    };
+    std::vector<Entered> entered; // a type with its bases
+    for (const Index type : m_schema.typesAfterBases()) {
+        for (; !entered.empty() && entered.back().type != m_schema.base(type); entered.pop_back()) {
+            m_attributes.takeBack(entered.back().attributes);
+            m_content.goBack(entered.back().content);
+        }
+        entered.push_back({type, m_attributes.changes(), m_content.state()});
+        if (m_schema.modelClass(type) == ModelClass::ComplexType)
+            checkRestriction(type);
+        enterContent(type);
+        // The first of a name counts.
+        const auto attributes =
+            writtenChildren(m_schema, m_schema.holder(type), ModelClass::Attribute);
+        for (const Index attribute : attributes | std::views::reverse)
+            m_attributes.set(m_schema.text(attribute, "name"), attribute);
+    }
+}
+
+void SchemaFaults::enterContent(Index type) {
+    const Index base = m_schema.base(type);
+    const bool isExtended =
+        base != SourceDocument::none &&
+        m_schema.modelClass(m_schema.holder(type)) != ModelClass::Restriction; // no content stays
+    if (!isExtended)
+        m_content.begin();
+    const auto content = m_schema.ownContent(type);
+    m_needsContent[type] = (isExtended && m_needsContent[base]) ||
+                           !std::ranges::all_of(content, [](const auto& place) {
+                               return WrittenSchema::canBeEmpty(place);
+                           });
+    for (const Index loss : m_content.add(content))
         blame(loss, {}, XsdLoss::notValid);
 }
 
@@ -237,16 +228,14 @@ void SchemaFaults::checkRestriction(Index type) {
     if (restriction == SourceDocument::none ||
         m_schema.modelClass(restriction) != ModelClass::Restriction)
         return;
-    const auto name = m_schema.writtenMeaning(restriction, "base");
-    const Index base = name ? m_schema.writtenType(*name) : SourceDocument::none;
+    const Index base = m_schema.base(type);
     if (base == SourceDocument::none)
         return;
-    if (!m_schema.canBeEmpty(base))
+    if (m_needsContent[base])
         checkRestrictedContent(restriction, base);
-    const auto bases = m_schema.withBases(base);
     for (const Index attribute : writtenChildren(m_schema, restriction, ModelClass::Attribute))
         if (m_schema.text(attribute, "use") != "prohibited")
-            checkRestrictedAttribute(attribute, bases);
+            checkRestrictedAttribute(attribute, base);
 }
 
 /// What is written of a restriction has no content, which its base does not allow.
@@ -264,10 +253,13 @@ void SchemaFaults::checkRestrictedContent(Index restriction, Index base) {
         }
     if (hadContent)
         return;
-    for (const Index type : m_schema.withBases(base))
-        for (const Index group : m_schema.document().children(holderOf(m_schema, type)))
+    for (Index type = base; type != SourceDocument::none && !m_blamedForContent[type];
+         type = m_schema.base(type)) {
+        m_blamedForContent[type] = true;
+        for (const Index group : m_schema.document().children(m_schema.holder(type)))
             if (m_schema.isWritten(group))
                 blameOptional(group);
+    }
 }
 
 /// Blames what allowed a sequence or choice to be empty.
@@ -281,29 +273,37 @@ void SchemaFaults::blameOptional(Index group) {
 }
 
 /// An attribute of a restriction is one of its base, with a type derived from that one's.
-void SchemaFaults::checkRestrictedAttribute(Index attribute, const std::vector<Index>& bases) {
-    for (const Index base : bases)
-        for (const Index restricted :
-             writtenChildren(m_schema, holderOf(m_schema, base), ModelClass::Attribute)) {
-            if (m_schema.text(restricted, "name") != m_schema.text(attribute, "name"))
-                continue;
-            const auto type = m_schema.writtenMeaning(restricted, "type");
-            if (type && *type != Name{Kind::BuiltIn, "anySimpleType"})
-                blameLost(attribute, "simpleType");
-            return;
-        }
-    if (m_schema.derivesFrom(bases, "anyType"))
+void SchemaFaults::checkRestrictedAttribute(Index attribute, Index base) {
+    if (const auto restricted = m_attributes.find(m_schema.text(attribute, "name"))) {
+        const auto type = m_schema.writtenMeaning(static_cast<Index>(*restricted), "type");
+        if (type && *type != Name{Kind::BuiltIn, "anySimpleType"})
+            blameLost(attribute, "simpleType");
         return;
-    for (const Index base : bases)
+    }
+    if (m_schema.derivesFrom(base, "anyType"))
+        return;
+    for (Index type = base; type != SourceDocument::none && !m_blamedForAttributes[type];
+         type = m_schema.base(type)) {
+        m_blamedForAttributes[type] = true;
         for (const char* const lost :
              {"attribute", "attributeGroup", "anyAttribute", "simpleContent", "complexContent"})
-            blameLost(holderOf(m_schema, base), lost);
+            blameLost(m_schema.holder(type), lost);
+    }
 }
 
 void SchemaFaults::blame(Index node, const std::string& attribute, const char* effect) {
     const auto [fault, isNew] = m_effects.try_emplace({node, attribute}, effect);
     if (!isNew && effect == XsdLoss::notValid)
         fault->second = effect;
+}
+
+/// Blames the nodes of a name; they need not be looked at again.
+void SchemaFaults::blameAll(ByName& nodes, const std::string& name) {
+    const auto named = nodes.extract(name);
+    if (named.empty())
+        return;
+    for (const Index node : named.mapped())
+        blame(node, {}, XsdLoss::notValid);
 }
 
 void SchemaFaults::blameLost(Index element, std::string_view name) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <ConfigurationFramework/losses/AmbiguitySearch.h>
+#include <ConfigurationFramework/losses/RevertibleNames.h>
 #include <ConfigurationFramework/losses/WrittenSchema.h>
 
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -23,6 +26,8 @@ public:
     const char* effect(Index node, const std::string& attribute = {}) const;
 
 private:
+    using ByName = std::unordered_map<std::string, std::vector<Index>>;
+
     void checkNames(Index node);
     void checkName(Index node, const std::string& attribute);
     const char* effectOfOtherName(Index node, const WrittenSchema::Name& meant,
@@ -30,19 +35,27 @@ private:
     void blamePrefix(Index node, const std::string& name);
     void checkQualifiedValues(Index restriction);
     void checkOrder(Index element, ModelClass earlier, ModelClass later, ModelClass blamed);
-    void checkContent(Index type);
+    void checkTypes();
+    void enterContent(Index type);
     void checkMixed(Index type);
     void checkRestriction(Index type);
     void checkRestrictedContent(Index restriction, Index base);
     void blameOptional(Index group);
-    void checkRestrictedAttribute(Index attribute, const std::vector<Index>& bases);
+    void checkRestrictedAttribute(Index attribute, Index base);
     void blame(Index node, const std::string& attribute, const char* effect);
+    void blameAll(ByName& nodes, const std::string& name);
     void blameLost(Index element, std::string_view name);
 
     const WrittenSchema& m_schema;
-    std::vector<Index> m_imports;
-    std::vector<Index> m_notations;
-    bool m_needsIncludes = false; ///< a type that is named is not in the file
+    ByName m_imports; ///< by namespace
+    ByName m_notations;
+    AmbiguitySearch m_content;    ///< of the bases of the type that is checked
+    RevertibleNames m_attributes; ///< likewise: the nodes
+    // Of types, by their nodes:
+    std::vector<bool> m_needsContent;        ///< it takes no element without content
+    std::vector<bool> m_blamedForContent;    ///< it and its bases were, see blameOptional()
+    std::vector<bool> m_blamedForAttributes; ///< likewise, for the attributes they lost
+    bool m_needsIncludes = false;            ///< a type that is named is not in the file
     std::map<std::pair<Index, std::string>, const char*> m_effects;
 };
 

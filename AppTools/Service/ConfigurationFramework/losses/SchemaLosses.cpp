@@ -6,8 +6,10 @@
 #include <ConfigurationFramework/schema/SchemaNamespaces.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace Orvant {
@@ -19,28 +21,33 @@ using Kind = SourceDocument::Kind;
 
 constexpr std::string_view whiteSpace = " \t\r\n";
 
-std::size_t lineBreaksIn(std::string_view text) {
-    std::size_t breaks = 0;
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (text[i] == '\n' || (text[i] == '\r' && !text.substr(i + 1).starts_with('\n')))
-            ++breaks;
-    return breaks;
+unsigned int lineBreaksIn(std::string_view text) {
+    return static_cast<unsigned int>(std::ranges::count_if(text, [&](const char& character) {
+        const auto rest = text.substr(static_cast<std::size_t>(&character - text.data()) + 1);
+        return character == '\n' || (character == '\r' && !rest.starts_with('\n'));
+    }));
 }
 
+using Lines = std::unordered_map<std::string_view, unsigned int>;
+
 /// @param text begins with a start tag
-/// @return lines between its begin and that of an attribute; 0 when it does not have it
-std::size_t linesBefore(std::string_view text, std::string_view attribute) {
+/// @return lines between its begin and those of its attributes
+Lines attributeLines(std::string_view text) {
+    Lines lines;
+    unsigned int breaks = 0;
+    std::size_t counted = 0;
     std::size_t begin = std::min(text.find_first_of(" \t\r\n/>"), text.size());
     while (true) {
         begin = text.find_first_not_of(whiteSpace, begin);
         if (begin == std::string_view::npos || text[begin] == '>' || text[begin] == '/')
-            return 0;
+            return lines;
+        breaks += lineBreaksIn(text.substr(counted, begin - counted));
+        counted = begin;
         const auto nameEnd = text.find_first_of(" \t\r\n=", begin);
-        if (text.substr(begin, nameEnd - begin) == attribute)
-            return lineBreaksIn(text.substr(0, begin));
+        lines.emplace(text.substr(begin, nameEnd - begin), breaks);
         const auto quote = text.find_first_of("\"'", begin);
         if (quote == std::string_view::npos)
-            return 0;
+            return lines;
         begin = text.find(text[quote], quote + 1);
         begin += begin == std::string_view::npos ? 0 : 1;
     }
@@ -53,7 +60,11 @@ public:
         : m_schema(schema), m_effects(schema), m_faults(schema) {}
 
     std::vector<XsdLoss> run() {
+        const auto& doctype = m_schema.document().doctype();
         for (Index node = 0; node < m_schema.document().nodes().size(); ++node) {
+            if (doctype && doctype->next == node)
+                m_losses.push_back(
+                    {"document type declaration", {}, doctype->line, XsdLoss::documentationOnly});
             if (m_schema.isLost(node))
                 addNode(node);
             else if (m_schema.isWritten(node))
@@ -71,7 +82,8 @@ private:
             add(node, "processing instruction", XsdLoss::documentationOnly);
         else {
             const char* const fault = m_faults.effect(node);
-            add(node, "xs:" + lost.name, fault != nullptr ? fault : m_effects.ofElement(node));
+            add(node, m_schema.isOfSchemas(node) ? "xs:" + lost.name : lost.name,
+                fault != nullptr ? fault : m_effects.ofElement(node));
         }
     }
 
@@ -83,9 +95,15 @@ private:
             for (const char* const attribute : {"targetNamespace", "elementFormDefault"})
                 if (const char* const effect = m_effects.ofAbsence(attribute))
                     add(element, attribute, effect);
+        std::optional<Lines> lines; // most elements lose nothing
         for (const auto& attribute : m_schema.document().attributes(element))
-            if (const char* const effect = effectOf(element, attribute))
-                addAttribute(element, attribute.name, effect);
+            if (const char* const effect = effectOf(element, attribute)) {
+                if (!lines)
+                    lines = linesOfAttributes(element);
+                add(element, attribute.name, effect);
+                if (const auto found = lines->find(attribute.name); found != lines->end())
+                    m_losses.back().line += found->second;
+            }
     }
 
     /// @return null when the attribute is written
@@ -115,12 +133,10 @@ private:
                (attribute.name == "elementFormDefault" && attribute.value == "qualified");
     }
 
-    void addAttribute(Index element, const std::string& attribute, const char* effect) {
-        add(element, attribute, effect);
+    Lines linesOfAttributes(Index element) const {
         const auto& node = m_schema[element];
-        if (!node.inEntity && m_hasByteText)
-            m_losses.back().line +=
-                static_cast<unsigned int>(linesBefore(m_bytes.substr(node.begin), attribute));
+        return node.inEntity || !m_hasByteText ? Lines()
+                                               : attributeLines(m_bytes.substr(node.begin));
     }
 
     void add(Index node, std::string construct, const char* effect) {

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <ranges>
 #include <utility>
 
 namespace Orvant {
@@ -49,6 +48,47 @@ WrittenSchema::WrittenSchema(const SchemaSource& source, const std::vector<Index
         if (document().isElement(type) &&
             (document()[type].name == "complexType" || document()[type].name == "simpleType"))
             m_types.try_emplace(text(type, "name"), type);
+    orderTypes();
+}
+
+bool WrittenSchema::isType(Index node) const {
+    return modelClass(node) == ModelClass::ComplexType ||
+           modelClass(node) == ModelClass::SimpleType;
+}
+
+void WrittenSchema::orderTypes() {
+    m_bases.assign(m_written.size(), SourceDocument::none);
+    m_origins = m_bases;
+    std::unordered_map<Index, std::vector<Index>> derived;
+    for (Index type = 0; type < m_written.size(); ++type) {
+        if (!isType(type))
+            continue;
+        const Index restriction = derivation(type);
+        const auto name = restriction == SourceDocument::none ? std::nullopt
+                                                              : writtenMeaning(restriction, "base");
+        m_bases[type] = name ? writtenType(*name) : SourceDocument::none;
+        derived[m_bases[type]].push_back(type);
+    }
+    const auto addWithDerived = [&](Index outermost) {
+        std::vector<Index> open{outermost};
+        while (!open.empty()) {
+            const Index type = open.back();
+            open.pop_back();
+            if (m_origins[type] != SourceDocument::none)
+                continue;
+            m_origins[type] = outermost;
+            m_typesAfterBases.push_back(type);
+            if (const auto further = derived.find(type); further != derived.end())
+                open.insert(open.end(), further->second.begin(), further->second.end());
+        }
+    };
+    for (const Index type : derived[SourceDocument::none])
+        addWithDerived(type);
+    for (Index type = 0; type < m_written.size(); ++type)
+        if (isType(type) && m_origins[type] == SourceDocument::none) {
+            m_bases[type] = SourceDocument::none;
+            addWithDerived(type);
+        }
 }
 
 bool WrittenSchema::isLost(Index node) const {
@@ -59,6 +99,12 @@ bool WrittenSchema::isLost(Index node) const {
 
 bool WrittenSchema::isReaders() const {
     return document()[document().root()].nameSpace == SourceDocument::Namespace::Reader;
+}
+
+bool WrittenSchema::isOfSchemas(Index element) const {
+    const auto nameSpace = document()[element].nameSpace;
+    return nameSpace == SourceDocument::Namespace::XmlSchema ||
+           nameSpace == SourceDocument::Namespace::Reader;
 }
 
 ModelClass WrittenSchema::modelClass(Index node) const {
@@ -148,37 +194,20 @@ Index WrittenSchema::derivation(Index type) const {
     return child(holder, ModelClass::Restriction);
 }
 
-std::vector<Index> WrittenSchema::withBases(Index type) const {
-    std::vector<Index> types;
-    while (type != SourceDocument::none && types.size() <= m_types.size()) {
-        types.push_back(type);
-        const Index holder = derivation(type);
-        const auto base =
-            holder == SourceDocument::none ? std::nullopt : writtenMeaning(holder, "base");
-        type = base ? writtenType(*base) : SourceDocument::none;
-    }
-    return types;
+Index WrittenSchema::holder(Index type) const {
+    const Index holder = derivation(type);
+    return holder == SourceDocument::none ? type : holder;
 }
 
-bool WrittenSchema::derivesFrom(const std::vector<Index>& types, std::string_view builtIn) const {
-    const Name wanted{Kind::BuiltIn, std::string(builtIn)};
-    const Index holder = derivation(types.back());
-    return holder != SourceDocument::none && writtenMeaning(holder, "base") == wanted;
+bool WrittenSchema::derivesFrom(Index type, std::string_view builtIn) const {
+    const Index holder = derivation(m_origins[type]);
+    return holder != SourceDocument::none &&
+           writtenMeaning(holder, "base") == Name{Kind::BuiltIn, std::string(builtIn)};
 }
 
-std::vector<WrittenSchema::Place> WrittenSchema::content(Index type) const {
-    std::vector<Index> types;
-    for (const Index base : withBases(type)) {
-        types.push_back(base);
-        const Index holder = derivation(base);
-        if (holder != SourceDocument::none && modelClass(holder) == ModelClass::Restriction)
-            break; // what stays of it has no content
-    }
+std::vector<WrittenSchema::Place> WrittenSchema::ownContent(Index type) const {
     std::vector<Place> content;
-    for (const Index part : types | std::views::reverse) {
-        const Index holder = derivation(part);
-        addContent(content, holder == SourceDocument::none ? part : holder);
-    }
+    addContent(content, holder(type));
     return content;
 }
 
@@ -209,10 +238,6 @@ bool WrittenSchema::canBeEmpty(const Place& place) {
     return place.empty() || std::ranges::any_of(place, [](const Particle& particle) {
                return particle.minimum == 0;
            });
-}
-
-bool WrittenSchema::canBeEmpty(Index type) const {
-    return std::ranges::all_of(content(type), [](const Place& place) { return canBeEmpty(place); });
 }
 
 } // namespace Orvant

@@ -54,6 +54,9 @@ public:
     /// @return whether the file is in the reader's own namespace
     bool isReaders() const;
 
+    /// @return whether an element is one of XML Schema, in its namespace or the reader's
+    bool isOfSchemas(Index element) const;
+
     bool isWritten(Index node) const { return m_written[node]; }
     bool isRemoved(Index node) const { return m_removed[node]; }
     /// @return whether a node is not written although what it stands in is, if anything
@@ -81,19 +84,25 @@ public:
 
     /// @return the element with the base of a type: a restriction or extension that is written
     Index derivation(Index type) const;
-    /// @return the type, its base, the base of that, ...: those that are written
-    std::vector<Index> withBases(Index type) const;
-    /// @return whether these are derived from a built-in type of this name
-    bool derivesFrom(const std::vector<Index>& types, std::string_view builtIn) const;
+    /// @return the element in which a type holds sequences and attributes: that or itself
+    Index holder(Index type) const;
+    /// @return all types that are written, each one after its base: what is derived from a type
+    ///         follows it before all others
+    const std::vector<Index>& typesAfterBases() const { return m_typesAfterBases; }
+    /// @return the base of a type if it is written, or SourceDocument::none; where types are
+    ///         derived from each other in a circle, one of them has none
+    Index base(Index type) const { return m_bases[type]; }
+    /// @return whether a type is, by way of its bases, derived from a built-in type of this name
+    bool derivesFrom(Index type, std::string_view builtIn) const;
 
-    /// @return the content of a complex type after that of its bases
-    std::vector<Place> content(Index type) const;
+    /// @return the content of a complex type without that of its base
+    std::vector<Place> ownContent(Index type) const;
     static bool canBeEmpty(const Place& place);
-    /// @return whether a complex type takes an element without content
-    bool canBeEmpty(Index type) const;
 
 private:
     Name resolved(std::string_view name, Index element) const;
+    bool isType(Index node) const;
+    void orderTypes();
     void addContent(std::vector<Place>& content, Index holder) const;
     Particle particle(Index node) const;
 
@@ -102,6 +111,9 @@ private:
     std::vector<bool> m_written;
     std::vector<bool> m_removed;
     std::unordered_map<std::string, Index> m_types; ///< the first of each name
+    std::vector<Index> m_typesAfterBases;
+    std::vector<Index> m_bases;   ///< of the types
+    std::vector<Index> m_origins; ///< the base of the base of ... each type
 };
 
 } // namespace Orvant

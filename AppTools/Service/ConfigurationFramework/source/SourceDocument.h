@@ -66,6 +66,14 @@ public:
     /// @return the document element
     Index root() const { return m_root; }
 
+    /// A document type declaration, which is no node.
+    struct Doctype {
+        Index next = none;     ///< first node after it
+        unsigned int line = 0; ///< of its begin, from 1
+    };
+    /// @return nothing when there is none
+    const std::optional<Doctype>& doctype() const { return m_doctype; }
+
     bool isElement(Index node) const { return m_nodes[node].kind == Kind::Element; }
     /// @return whether a node is within another or is that one
     bool contains(Index outer, Index inner) const {
@@ -97,6 +105,7 @@ private:
     std::vector<Node> m_nodes;
     std::vector<Attribute> m_attributes;
     Index m_root = none;
+    std::optional<Doctype> m_doctype;
 };
 
 /// See SourceDocument::children().

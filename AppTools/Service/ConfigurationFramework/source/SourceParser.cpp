@@ -57,6 +57,7 @@ void SourceParser::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XM
 
 void SourceParser::doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh*, const XMLCh*, bool,
                                bool) {
+    m_document.m_doctype = {static_cast<Index>(m_document.m_nodes.size()), m_last.line};
     endToken();
 }
 
