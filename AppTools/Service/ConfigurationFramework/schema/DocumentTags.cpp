@@ -6,6 +6,12 @@
 #include <ConfigurationFramework/xml/PlaceTracking.h>
 
 #include <GeneralServices/XercesHelperFunctions.h>
+#include <Transcoding/Transcode.h>
+
+#include <string_view>
+
+#include <xercesc/util/XMLExceptMsgs.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 namespace Orvant {
 
@@ -13,6 +19,55 @@ namespace {
 
 std::string toString(const XMLCh* text) {
     return XercesHelperFunctions::xmlChToString(text);
+}
+
+/// @return the text without a byte order mark, which Xerces counts in no position
+std::string_view withoutMark(std::string_view utf8) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    return utf8.substr(utf8.starts_with(mark) ? mark.size() : 0);
+}
+
+/// @return what comes before the first byte that is not UTF-8
+std::string_view upToNoUtf8(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    for (const char* position = text.data(); position != end;) {
+        const char* const first = position;
+        // A U+FFFD of the text has three bytes; one that stands for a bad byte has one.
+        if (takeCodePoint(position, end) == replacementCharacter && position - first == 1)
+            return {text.data(), first};
+    }
+    return text;
+}
+
+/// @return where a text in UTF-8 ends; lines are what Xerces counts
+DocumentPlace endOf(std::string_view text) {
+    DocumentPlace place{1, 1};
+    for (auto end = text.find_first_of("\r\n"); end != std::string_view::npos;
+         end = text.find_first_of("\r\n")) {
+        text.remove_prefix(end);
+        text.remove_prefix(text.starts_with("\r\n") ? 2 : 1);
+        ++place.line;
+    }
+    place.column += static_cast<unsigned int>(transcode<XMLCh>(text).size());
+    return place;
+}
+
+std::string hexadecimal(unsigned char byte) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    return {digits[byte / 16U], digits[byte % 16U]};
+}
+
+/// Replaces the place of an error by that of the first byte that is not UTF-8: Xerces decodes far
+/// ahead of what it has scanned.
+void placeNoUtf8(std::string_view bytes, DocumentError& error) {
+    const std::string_view text = withoutMark(bytes);
+    const std::string_view valid = upToNoUtf8(text);
+    if (valid.size() == text.size())
+        return;
+    error = {
+        endOf(valid),
+        "the byte 0x" + hexadecimal(static_cast<unsigned char>(text[valid.size()])) +
+            " is not UTF-8: save the file in UTF-8, or let its XML declaration tell its encoding"};
 }
 
 /// Records the tags.
@@ -44,6 +99,18 @@ public:
         m_tags.open.pop_back();
         Base::endElement(declaration, uri, isRoot, prefix);
     }
+    void error(unsigned int code, const XMLCh* domain, xercesc::XMLErrorReporter::ErrTypes type,
+               const XMLCh* text, const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
+               XMLFileLoc column) override {
+        using xercesc::XMLExcepts;
+        m_isNoUtf8 = m_isNoUtf8.value_or(
+            xercesc::XMLString::equals(domain, xercesc::XMLUni::fgExceptDomain) &&
+            code >= XMLExcepts::UTF8_FormatError && code <= XMLExcepts::UTF8_Exceeds_BytesLimit);
+        Base::error(code, domain, type, text, systemId, publicId, line, column);
+    }
+
+    /// @return whether the first error is a byte that is not UTF-8
+    bool isNoUtf8() const { return m_isNoUtf8.value_or(false); }
 
 private:
     RootTag rootTag(const DocumentPlace& place, const xercesc::XMLElementDecl& declaration,
@@ -54,15 +121,18 @@ private:
             tag.attributes.emplace_back(toString(attributes.elementAt(i)->getName()),
                                         toString(attributes.elementAt(i)->getValue()));
         // The scanner stands after the tag, which holds no other '<'.
-        const auto end = static_cast<std::size_t>(this->getScanner()->getSrcOffset());
-        if (const auto begin = m_bytes.rfind('<', end); begin != std::string::npos)
-            tag.text = m_bytes.substr(begin, end - begin);
+        const std::string_view text = withoutMark(m_bytes).substr(
+            0, static_cast<std::size_t>(this->getScanner()->getSrcOffset()));
+        const auto begin = text.rfind('<');
+        if (begin != std::string_view::npos && text.substr(begin + 1).starts_with(tag.name))
+            tag.text = text.substr(begin);
         return tag;
     }
 
     const std::string& m_bytes;
     std::optional<std::size_t> m_wanted;
     std::size_t m_elements = 0;
+    std::optional<bool> m_isNoUtf8; ///< nothing before the first error
     DocumentTags& m_tags;
 };
 
@@ -74,6 +144,8 @@ void parse(const std::string& bytes, bool withNamespaces, std::optional<std::siz
     parser.setDoNamespaces(withNamespaces);
     tags.error = findFirstError(confinement, parser, bytes);
     tags.last = parser.last();
+    if (tags.error && parser.isNoUtf8())
+        placeNoUtf8(bytes, *tags.error);
     if (tags.error && confinement.exceeded() != nullptr)
         tags.error = {tags.last, std::string("a limit is exceeded: ") + confinement.exceeded()};
 }

@@ -15,7 +15,7 @@ struct RootTag {
     DocumentPlace place;                                         ///< of the '<'
     std::string name;                                            ///< with its prefix
     std::vector<std::pair<std::string, std::string>> attributes; ///< given or declared
-    std::string text; ///< the bytes of the tag; of little use in UTF-16
+    std::string text; ///< the bytes of the tag; empty if they are not what ASCII has for it
 
     std::string localName() const;
     /// @return the namespace that the attributes declare for the name; empty if they do not

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <source_location>
 #include <string_view>
+#include <system_error>
 
 #include <xsd/cxx/exceptions.hxx>
 
@@ -35,14 +36,29 @@ XsdReadProblem problemOf(const DocumentError& error) {
     return problemAt(error.place, error.message);
 }
 
-bool isUtf16(std::string_view bytes) {
+/// @return the name of the encoding of a document that ASCII is no part of
+std::string encodingOf(std::string_view bytes) {
     using namespace std::string_view_literals;
-    return bytes.starts_with("\xFF\xFE"sv) || bytes.starts_with("\xFE\xFF"sv) ||
-           bytes.starts_with("<\0"sv) || bytes.starts_with("\0<"sv);
+    const auto startsWithOneOf = [&bytes](const auto&... starts) {
+        return (bytes.starts_with(starts) || ...);
+    };
+    // What UTF-32 begins with begins like UTF-16.
+    if (startsWithOneOf("\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv, "<\0\0\0"sv, "\0\0\0<"sv))
+        return "UTF-32";
+    if (startsWithOneOf("\xFF\xFE"sv, "\xFE\xFF"sv, "<\0"sv, "\0<"sv))
+        return "UTF-16";
+    return "an encoding that ASCII is no part of";
+}
+
+/// Whether the lines of a document end as they did on systems of long ago.
+bool hasOnlyCarriageReturns(const std::string& bytes) {
+    return bytes.find('\r') != std::string::npos && bytes.find('\n') == std::string::npos;
 }
 
 /// A line of a document, in UTF-16; lines are what Xerces counts.
 XmlString lineOf(std::string_view bytes, unsigned int number) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF"; // is in no column
+    bytes.remove_prefix(bytes.starts_with(mark) ? mark.size() : 0);
     const auto endOfLine = [&bytes] { return bytes.substr(0, bytes.find_first_of("\r\n")); };
     for (; number > 1; --number) {
         bytes.remove_prefix(endOfLine().size());
@@ -77,10 +93,11 @@ public:
         const DocumentTags original(m_bytes);
         if (original.error)
             return problemOf(*original.error);
-        if (isUtf16(m_bytes))
+        if (original.root->text.empty())
             return {1, 1,
-                    "the file is in UTF-16, which readXSD(true) cannot rewrite: save it in UTF-8, "
-                    "or let readAnyXSD() read it"};
+                    "the file is in " + encodingOf(m_bytes) +
+                        ", which readXSD(true) cannot rewrite: save it in UTF-8, or let "
+                        "readAnyXSD() read it"};
         const DocumentTags tags(m_rewritten);
         if (tags.root && !isSchemaTag(*tags.root, SchemaDialect::Suite))
             return problemAt(original.root->place,
@@ -95,6 +112,8 @@ public:
 private:
     /// The problem of a file that is well-formed, but not as it was rewritten.
     XsdReadProblem problemOfRewriting(const DocumentTags& tags) const {
+        if (hasOnlyCarriageReturns(m_bytes))
+            return problemOfLineEnds();
         if (tags.open.empty())
             return inFile(problemOf(*tags.error));
         const auto& [name, place] = tags.open.back();
@@ -107,6 +126,13 @@ private:
                 return problemOfTag(tags.last, end, prefix);
         }
         return inFile(problemOf(*tags.error));
+    }
+    /// To the rewriting, all of the file is one line.
+    XsdReadProblem problemOfLineEnds() const {
+        return {1, static_cast<unsigned int>(lineOf(m_bytes, 1).size()) + 1,
+                "the lines end with a carriage return only, which readXSD(true) does not take for "
+                "the end of a line: let them end with a line feed. readAnyXSD() reads the file as "
+                "it is"};
     }
     bool hasTag(const DocumentPlace& place, const std::string& tag) const {
         const std::string text = textAt(m_rewritten, place);
@@ -157,19 +183,27 @@ XsdReadProblem problemOfDocument(const std::string& bytes, SchemaDialect dialect
 
 XsdReadProblem problemOfText(const std::string& bytes, SchemaDialect dialect,
                              const MisfitElement* misfit = nullptr) {
+    if (bytes.empty())
+        return {1, 1, "the file is empty"};
     const XercesSession session(s_log, std::source_location::current());
     return dialect == SchemaDialect::Suite ? SuiteFile(bytes).problem(misfit)
                                            : problemOfDocument(bytes, dialect, misfit);
 }
 
-} // namespace
+/// @return the reason, in words that tell about the file where those of the system do not
+std::string reasonOf(const SchemaFileFailure& failure) {
+    // What is reported of what is neither a file nor a directory.
+    static const std::string s_notRegular =
+        std::make_error_code(std::errc::not_supported).message();
+    return failure.reason() == s_notRegular ? "it is not a regular file" : failure.reason();
+}
 
-XsdReadProblem describeReadProblem(const std::string& bytes, SchemaDialect dialect,
-                                   const std::exception_ptr& caught) {
+XsdReadProblem describe(const std::string& bytes, SchemaDialect dialect,
+                        const std::exception_ptr& caught) {
     try {
         std::rethrow_exception(caught);
     } catch (const SchemaFileFailure& e) {
-        return {0, 0, e.reason()};
+        return {0, 0, reasonOf(e)};
     } catch (const FileNameException&) {
         return {0, 0, "no file can have this name"};
     } catch (const MisfitElement& e) {
@@ -180,6 +214,18 @@ XsdReadProblem describeReadProblem(const std::string& bytes, SchemaDialect diale
         return {0, 0, e.what()};
     } catch (...) { // an exception of Xerces
         return problemOfText(bytes, dialect);
+    }
+}
+
+} // namespace
+
+XsdReadProblem describeReadProblem(const std::string& bytes, SchemaDialect dialect,
+                                   const std::exception_ptr& caught) {
+    try {
+        return describe(bytes, dialect, caught);
+    } catch (...) {
+        // Parsing again can take more memory than there is. So short a text takes none.
+        return {0, 0, "cannot be read"};
     }
 }
 

@@ -12,6 +12,9 @@ namespace Orvant {
 /// so that what can be read does not pay for it.
 /// @param bytes  what the file holds; not needed if it could not be read
 /// @param caught what the reading threw
+/// @return the reason; one without a place if even finding it fails, say for lack of memory.
+/// Nothing
+///         is thrown.
 XsdReadProblem describeReadProblem(const std::string& bytes, SchemaDialect dialect,
                                    const std::exception_ptr& caught);
 

@@ -15,8 +15,7 @@ class FileName;
 /// @param bytes   the file, rewritten if it is one of the suite
 /// @param dialect whether the elements of XML Schema are those of the model, too
 /// @throws xml_schema::parsing when it is not well-formed or is refused; MisfitElement, derived
-/// from
-///         it, when an element does not fit the model
+///         from it, when an element does not fit the model
 /// @throws xsd::cxx::exception, one of the model's, when the document does not fit the model
 std::unique_ptr<OV_XsdReader::ov_schema> parseSchema(const std::string& bytes,
                                                      SchemaDialect dialect);

@@ -9,8 +9,7 @@
 #include <xercesc/dom/DOMElement.hpp>
 
 /// What the generated parsing functions of the schema document model ask about a node before they
-/// read it. Failures are derived from the
-/// runtime's own, xsd::cxx::tree::parsing<char>.
+/// read it. Failures are derived from the runtime's own, xsd::cxx::tree::parsing<char>.
 namespace OV_XsdReader {
 
 /// Maximum depth of elements in a schema. Reading, copying and writing a document recurse as deep
