@@ -402,6 +402,8 @@ TEST(SchemaReadProblem, IsWhatTheSystemSaysOfTheFile) {
                   problemOf(directory.file("missing.xsd"), sanitise));
         EXPECT_EQ("0:0 Is a directory", problemOf(directory.file("directory.xsd"), sanitise));
         EXPECT_EQ("0:0 File too large", problemOf(huge, sanitise));
+        EXPECT_EQ("0:0 it is not a regular file", problemOf(FileName("/dev/null"), sanitise));
+        EXPECT_EQ("1:1 the file is empty", problemOf(directory.file("empty.xsd", ""), sanitise));
         EXPECT_EQ("0:0 no file can have this name",
                   problemOf(FileName(std::string("a\0b", 3)), sanitise));
     }

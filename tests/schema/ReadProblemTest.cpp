@@ -9,9 +9,14 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <new>
+#include <utility>
 
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/TransService.hpp>
 
 namespace Orvant {
 namespace {
@@ -71,6 +76,23 @@ std::string inUtf16(const std::string& bytes) {
     return wide;
 }
 
+/// The bytes in UTF-32, with a byte order mark.
+std::string inUtf32(const std::string& bytes) {
+    std::string wide("\xFF\xFE\0\0", 4);
+    for (const char byte : bytes)
+        wide += {byte, '\0', '\0', '\0'};
+    return wide;
+}
+
+/// A document in EBCDIC.
+std::string inEbcdic(const std::string& content) {
+    const std::string text = "<?xml version='1.0' encoding='IBM037'?>" + content;
+    const xercesc::TranscodeToStr bytes(std::u16string(text.begin(), text.end()).c_str(), "IBM037");
+    return {reinterpret_cast<const char*>(bytes.str()), bytes.length()};
+}
+
+const std::string mark = "\xEF\xBB\xBF";
+
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
     return text.replace(text.find(from), from.size(), to);
 }
@@ -79,12 +101,30 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 
 TEST_F(ReadProblem, IsTheFirstErrorOfTheParser) {
     expectForAll("<a>\n <b>\n </a>", "3:4 expected end of tag 'b'");
-    expectForAll("", "1:1 invalid document structure");
+    expectForAll("", "1:1 the file is empty");
     expectForAll("<a b=''\n b=''/>", "2:4 attribute 'b' is already specified for element 'a'");
     expectForAll("<a>\n&e;</a>", "2:4 entity 'e' not found");
     expectForAll("<?xml version='2.0'?><a/>", "1:20 unsupported XML version '2.0'");
     EXPECT_EQ("4:4 expected end of tag 'xs:b'",
               problemOfSuite(suiteSchema("<xs:a>\n<xs:b>\n </xs:c>\n</xs:a>")));
+}
+
+TEST_F(ReadProblem, IsTheFirstByteThatIsNotUtf8) {
+    const std::string said = " is not UTF-8: save the file in UTF-8, or let its XML declaration "
+                             "tell its encoding";
+    expectForAll("<a>\n \u00E4\U0001F600\xE4</a>", "2:5 the byte 0xE4" + said);
+    expectForAll(mark + "<a>\uFFFD\xFF\xFE</a>", "1:5 the byte 0xFF" + said);
+    expectForAll("<a>\r\n\r\r\xC0\x80</a>", "4:1 the byte 0xC0" + said);
+    expectForAll("<a>\n\xED\xA0\x80</a>", "2:1 the byte 0xED" + said);
+    // The parser decodes far ahead of what it has scanned.
+    expectForAll("<a>\n" + repeated("<b>some text</b>\n", 5'000) + "<c d='\x80'/></a>",
+                 "5002:7 the byte 0x80" + said);
+    // What comes before what the parser decodes ahead of is told first.
+    expectForAll("<a>\n</b>" + repeated("\n<b>some text</b>", 50'000) + "\x80</a>",
+                 "2:3 expected end of tag 'a'");
+    // In other encodings, the byte is none that UTF-8 says anything of.
+    expectForAll("<?xml version='1.0' encoding='ISO-8859-1'?>\n<a>\xE4</b>",
+                 "2:7 expected end of tag 'a'");
 }
 
 TEST_F(ReadProblem, HasNoPlaceWhereTheParserHasNone) {
@@ -243,6 +283,26 @@ TEST_F(ReadProblem, NamesATagThatKeepsItsPrefix) {
                            " the tag </xs:schema> keeps its prefix"));
 }
 
+TEST_F(ReadProblem, PlacesATagBehindAByteOrderMark) {
+    EXPECT_THAT(problemOfSuite(mark + suiteHeader + "<xs:a/></xs:schema>"),
+                StartsWith("1:" + std::to_string(suiteHeader.size() + 8) +
+                           " the tag </xs:schema> keeps its prefix"));
+}
+
+TEST_F(ReadProblem, IsThatLinesEndWithACarriageReturnOnly) {
+    std::string bytes = suiteSchema("<xs:a>\n<xs:b>\n</xs:b>\n</xs:a>");
+    std::ranges::replace(bytes, '\n', '\r');
+    for (const std::string& start : {std::string(), mark})
+        EXPECT_EQ("1:" + std::to_string(suiteHeader.size() + 1) +
+                      " the lines end with a carriage return only, which readXSD(true) does not "
+                      "take for the end of a line: let them end with a line feed. readAnyXSD() "
+                      "reads the file as it is",
+                  problemOfSuite(start + bytes));
+    EXPECT_EQ("none", problemOfAny(bytes));
+    EXPECT_THAT(problemOfSuite(suiteSchema("\r<xs:a><xs:b>\n</xs:b>\n</xs:a>")),
+                HasSubstr("the tag <xs:b> keeps its prefix"));
+}
+
 TEST_F(ReadProblem, TellsWhatElseRewritingBroke) {
     EXPECT_EQ("2:14 attribute 'b' is already specified for element 'a'",
               problemOfSuite(suiteSchema("<a xs:b='' b=''/>")));
@@ -311,6 +371,25 @@ INSTANTIATE_TEST_SUITE_P(
         Difference{"References", "qualified", "q&#117;alified", "values are given by references"}),
     Support::nameOf<Difference>);
 
+TEST_F(ReadProblem, FindsNoFaultWithBlanksThatAreInOrder) {
+    const std::string said = "1:1 the start tag is not that of a file of the suite: ";
+    const std::string missing = "xmlns:xs is missing";
+    const std::string tag =
+        replaced(suiteHeader, "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" ", "");
+    for (const std::string& start : {std::string(), mark})
+        for (const char* next : {"</xs:schema>", "\n</xs:schema>", "<a/></xs:schema>"})
+            EXPECT_THAT(problemOfSuite(start + tag + next),
+                        StartsWith(said + missing + ". readXSD(true)"));
+    for (const std::string& start : {std::string(), mark})
+        EXPECT_THAT(
+            problemOfSuite(start + replaced(suiteHeader, " elem", "  elem") + "</xs:schema>"),
+            StartsWith(said + "blanks are not just one before each attribute. "));
+    // In another encoding, the tag differs from its values.
+    EXPECT_THAT(problemOfSuite("<?xml version='1.0' encoding='ISO-8859-1'?>" +
+                               replaced(suiteHeader, "qualified", "\xE4") + "</xs:schema>"),
+                HasSubstr("suite: elementFormDefault is \"\u00E4\", not \"qualified\". readXSD"));
+}
+
 TEST_F(ReadProblem, TellsThatOnlyTheFirstStartTagOfALineIsReplaced) {
     EXPECT_THAT(problemOfSuite("<!-- " + suiteHeader + " -->" + suiteSchema("")),
                 AllOf(StartsWith("1:" + std::to_string(suiteHeader.size() + 10)),
@@ -338,6 +417,12 @@ TEST_F(ReadProblem, IsTheStartTagBeforeWhatFollows) {
 TEST_F(ReadProblem, IsAnEncodingThatIsNotRewritten) {
     EXPECT_THAT(problemOfSuite(inUtf16(suiteSchema(""))),
                 AllOf(StartsWith("1:1 the file is in UTF-16"), HasSubstr("readAnyXSD()")));
+    EXPECT_THAT(problemOfSuite(inUtf32(suiteSchema(""))),
+                AllOf(StartsWith("1:1 the file is in UTF-32"), HasSubstr("readAnyXSD()")));
+    EXPECT_THAT(problemOfSuite(inEbcdic(suiteSchema(""))),
+                AllOf(StartsWith("1:1 the file is in an encoding that ASCII is no part of"),
+                      HasSubstr("readAnyXSD()")));
+    EXPECT_EQ("none", problemOfAny(inEbcdic(suiteSchema(""))));
     EXPECT_THAT(problemOfSuite(inUtf16("<a>\n</b>")), StartsWith("2:3 expected end of tag 'a'"));
 }
 
@@ -388,6 +473,33 @@ TEST_F(ReadProblem, IsTheReasonWhereThereIsNoFile) {
     EXPECT_EQ("no place", problemOfThrown(SchemaFileFailure("no place")));
     EXPECT_EQ("no file can have this name", problemOfThrown(FileNameException()));
     EXPECT_EQ("std::bad_alloc", problemOfThrown(std::bad_alloc()));
+}
+
+// Finding the reason fails, too.
+
+/// Is the memory of Xerces while it is in scope, and all used up.
+class UsedUpMemory : public xercesc::MemoryManager {
+public:
+    UsedUpMemory() : m_before(std::exchange(xercesc::XMLPlatformUtils::fgMemoryManager, this)) {}
+    UsedUpMemory(const UsedUpMemory&) = delete;
+    UsedUpMemory& operator=(const UsedUpMemory&) = delete;
+    ~UsedUpMemory() override { xercesc::XMLPlatformUtils::fgMemoryManager = m_before; }
+
+    xercesc::MemoryManager* getExceptionMemoryManager() override { return m_before; }
+    void* allocate(XMLSize_t) override { throw xercesc::OutOfMemoryException(); }
+    void deallocate(void*) override {}
+
+private:
+    xercesc::MemoryManager* m_before;
+};
+
+TEST_F(ReadProblem, HasNoPlaceWithoutMemoryToFindIt) {
+    const auto caught = std::make_exception_ptr(xml_schema::parsing());
+    const UsedUpMemory memory;
+    const XsdReadProblem problem = describeReadProblem("<a>", SchemaDialect::Any, caught);
+    EXPECT_EQ(0u, problem.line);
+    EXPECT_EQ(0u, problem.column);
+    EXPECT_EQ("cannot be read", problem.message);
 }
 
 } // namespace
