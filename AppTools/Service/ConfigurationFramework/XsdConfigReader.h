@@ -56,8 +56,8 @@ class SchemaSource;
 /// or its DTD more than 4 MiB plus 16 times its size.
 ///
 /// Copies share the schema: what is filtered out through one is gone from the other. Before the
-/// first successful readXSD() there is no schema: queries return nothing, and filters and
-/// writeXSD() do nothing.
+/// first successful reading there is no schema: queries return nothing, and filters and what writes
+/// do nothing.
 class ORVANT_CONFIGURATIONFRAMEWORK_EXPORT XsdConfigReader {
 public:
     /// @param file schema file; it is not opened before readXSD()
