@@ -35,9 +35,9 @@ std::string lineOf(const XsdChildElementProperty& child) {
 void print(SchemaFile& schema, const Output& output) {
     const auto printLine = [&](const std::string& line) { output.print(oneLine(line) + '\n'); };
     for (const auto& [name, type] : schema.reader().getRootelements())
-        printLine(name + ": " + type);
+        printLine(fmt::format("{}: {}", name, type));
     for (const auto& [name, type] : schema.reader().getXsdTree()) {
-        output.print('\n' + output.styled(oneLine(name), fmt::emphasis::bold) + '\n');
+        output.print(fmt::format("\n{}\n", output.styled(oneLine(name), fmt::emphasis::bold)));
         for (const auto& child : type->children)
             printLine(lineOf(*child));
         for (const std::string& attribute : type->attributes)
