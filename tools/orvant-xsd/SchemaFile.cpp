@@ -54,15 +54,20 @@ std::vector<std::string> SchemaFile::typeNames() {
 std::vector<std::string> SchemaFile::typesUsedBy(const std::vector<std::string>& types) {
     std::vector<std::string> used;
     std::unordered_set<std::string> known;
-    for (const std::string& type : types)
+    for (const std::string& type : types) {
+        if (known.contains(type))
+            continue; // what it uses is there, too
         for (const std::string& name : m_reader.getTypesUsedBy(type))
             if (known.insert(name).second)
                 used.push_back(name);
+    }
     return used;
 }
 
-void SchemaFile::checkType(const std::string& type) {
-    checkOneOf(typeNames(), type, m_name + " has no type");
+void SchemaFile::checkTypes(const std::vector<std::string>& types) {
+    const std::vector<std::string> known = typeNames();
+    for (const std::string& type : types)
+        checkOneOf(known, type, m_name + " has no type");
 }
 
 void SchemaFile::checkNames(const std::string& type, const std::string& what,

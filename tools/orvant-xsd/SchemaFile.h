@@ -23,8 +23,8 @@ public:
     std::vector<std::string> typeNames();
     /// @return what types use, directly or through others, and these; each once
     std::vector<std::string> typesUsedBy(const std::vector<std::string>& types);
-    /// @throws Failure(Usage) when the file does not declare a type
-    void checkType(const std::string& type);
+    /// @throws Failure(Usage) when the file does not declare one of them
+    void checkTypes(const std::vector<std::string>& types);
     /// @param what  "child" or "attribute"
     /// @param names what a type should have of it
     /// @param known what it has

@@ -206,22 +206,17 @@ std::vector<XsdLoss> XsdConfigReader::getLosses() {
 std::vector<std::string> XsdConfigReader::getTypesUsedBy(const std::string& typeName) {
     if (!m_tree)
         return {};
-    // Tree and file each show what the other does not, until there is nothing new.
     std::vector<std::string> types = m_tree->getNeededTypes({typeName});
+    if (!m_source->parse())
+        return types;
+    const auto removed = findRemovedNodes(*m_source, *m_tree->getSchema());
+    // Tree and file each show what the other does not, until there is nothing new.
     while (true) {
-        auto more = m_tree->getNeededTypes(withTypesNamedInFile(types));
+        auto more = m_tree->getNeededTypes(withNamedTypes(m_source->references(), removed, types));
         if (more.size() == types.size())
             return types;
         types = std::move(more);
     }
-}
-
-std::vector<std::string>
-XsdConfigReader::withTypesNamedInFile(const std::vector<std::string>& types) const {
-    if (!m_source->parse())
-        return types;
-    const auto removed = findRemovedNodes(*m_source, *m_tree->getSchema());
-    return withNamedTypes(m_source->references(), removed, types);
 }
 
 std::vector<std::string> XsdConfigReader::writePrunedXSD(const FileName& file) {

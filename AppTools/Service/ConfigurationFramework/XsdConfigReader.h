@@ -178,8 +178,6 @@ private:
     ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT void read(SchemaDialect dialect);
     ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT std::unique_ptr<OV_XsdReader::ov_schema>
     parseRewritten(const std::string& bytes);
-    ORVANT_CONFIGURATIONFRAMEWORK_NO_EXPORT std::vector<std::string>
-    withTypesNamedInFile(const std::vector<std::string>& types) const;
     void replaceInFile(const FileName& file, const std::string& from, const std::string& to);
     void fixXsdFormatInFile(const FileName& file);
     void fixXsdOutputFile(const FileName& file);

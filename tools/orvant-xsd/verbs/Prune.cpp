@@ -72,14 +72,13 @@ public:
         : m_types(options.types),
           m_children(namesByType("--keep-children", options.children)),
           m_attributes(namesByType("--keep-attributes", options.attributes)) {
-        for (const std::string& type : m_types)
-            schema.checkType(type);
+        schema.checkTypes(m_types);
         for (const auto& [type, names] : m_children) {
-            schema.checkType(type);
+            schema.checkTypes({type});
             schema.checkNames(type, "child", names, childrenOf(schema.reader(), type));
         }
         for (const auto& [type, names] : m_attributes) {
-            schema.checkType(type);
+            schema.checkTypes({type});
             schema.checkNames(type, "attribute", names, schema.reader().getAttributes(type));
         }
         if (options.withUsed)

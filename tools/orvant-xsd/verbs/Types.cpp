@@ -11,8 +11,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 ExitCode types(SchemaFile& schema, const Output& output, const Names& types) {
-    for (const std::string& type : types)
-        schema.checkType(type);
+    schema.checkTypes(types);
     const Names names = types.empty() ? schema.typeNames() : schema.typesUsedBy(types);
     if (output.isJson()) {
         output.print(nlohmann::ordered_json(names));

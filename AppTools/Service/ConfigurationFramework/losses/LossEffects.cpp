@@ -55,7 +55,7 @@ bool canOccur(const WrittenSchema& schema, Index lost) {
 
 LossEffects::LossEffects(const WrittenSchema& schema)
     : m_schema(schema),
-      m_references(schema.document()),
+      m_references(schema.source().references()),
       m_takesRivals(schema.document().nodes().size()),
       m_lists(m_takesRivals.size()),
       m_losesAttributes(m_takesRivals.size()),

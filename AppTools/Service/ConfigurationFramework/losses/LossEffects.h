@@ -50,7 +50,7 @@ private:
     bool hasNamed(ModelClass modelClass) const;
 
     const WrittenSchema& m_schema;
-    SchemaReferences m_references;
+    const SchemaReferences& m_references;
     /// Elements by their own name and that in their ref.
     std::map<std::pair<std::string, std::string>, std::vector<Index>> m_referring;
     std::map<std::string, std::string> m_rootTypes; ///< of the root elements that are written

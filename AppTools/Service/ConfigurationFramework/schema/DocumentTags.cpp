@@ -2,6 +2,7 @@
 
 #include <ConfigurationFramework/schema/ContentParser.h>
 #include <ConfigurationFramework/schema/MeasuringParser.h>
+#include <ConfigurationFramework/xml/ByteOrderMark.h>
 #include <ConfigurationFramework/xml/ConfinedParsing.h>
 #include <ConfigurationFramework/xml/PlaceTracking.h>
 
@@ -19,12 +20,6 @@ namespace {
 
 std::string toString(const XMLCh* text) {
     return XercesHelperFunctions::xmlChToString(text);
-}
-
-/// @return the text without a byte order mark, which Xerces counts in no position
-std::string_view withoutMark(std::string_view utf8) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    return utf8.substr(utf8.starts_with(mark) ? mark.size() : 0);
 }
 
 /// @return what comes before the first byte that is not UTF-8
@@ -60,7 +55,7 @@ std::string hexadecimal(unsigned char byte) {
 /// Replaces the place of an error by that of the first byte that is not UTF-8: Xerces decodes far
 /// ahead of what it has scanned.
 void placeNoUtf8(std::string_view bytes, DocumentError& error) {
-    const std::string_view text = withoutMark(bytes);
+    const std::string_view text = withoutByteOrderMark(bytes);
     const std::string_view valid = upToNoUtf8(text);
     if (valid.size() == text.size())
         return;
@@ -121,7 +116,7 @@ private:
             tag.attributes.emplace_back(toString(attributes.elementAt(i)->getName()),
                                         toString(attributes.elementAt(i)->getValue()));
         // The scanner stands after the tag, which holds no other '<'.
-        const std::string_view text = withoutMark(m_bytes).substr(
+        const std::string_view text = withoutByteOrderMark(m_bytes).substr(
             0, static_cast<std::size_t>(this->getScanner()->getSrcOffset()));
         const auto begin = text.rfind('<');
         if (begin != std::string_view::npos && text.substr(begin + 1).starts_with(tag.name))

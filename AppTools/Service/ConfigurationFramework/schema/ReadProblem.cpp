@@ -4,6 +4,7 @@
 #include <ConfigurationFramework/schema/LineRewriting.h>
 #include <ConfigurationFramework/schema/SchemaFileFailure.h>
 #include <ConfigurationFramework/schema/StartTagProblem.h>
+#include <ConfigurationFramework/xml/ByteOrderMark.h>
 #include <ConfigurationFramework/xml/XercesSession.h>
 #include <ConfigurationFramework/xml/XmlText.h>
 #include <ConfigurationFramework/xsd/ParsingChecks.h>
@@ -16,7 +17,6 @@
 #include <cstddef>
 #include <source_location>
 #include <string_view>
-#include <system_error>
 
 #include <xsd/cxx/exceptions.hxx>
 
@@ -57,8 +57,7 @@ bool hasOnlyCarriageReturns(const std::string& bytes) {
 
 /// A line of a document, in UTF-16; lines are what Xerces counts.
 XmlString lineOf(std::string_view bytes, unsigned int number) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF"; // is in no column
-    bytes.remove_prefix(bytes.starts_with(mark) ? mark.size() : 0);
+    bytes = withoutByteOrderMark(bytes);
     const auto endOfLine = [&bytes] { return bytes.substr(0, bytes.find_first_of("\r\n")); };
     for (; number > 1; --number) {
         bytes.remove_prefix(endOfLine().size());
@@ -190,20 +189,12 @@ XsdReadProblem problemOfText(const std::string& bytes, SchemaDialect dialect,
                                            : problemOfDocument(bytes, dialect, misfit);
 }
 
-/// @return the reason, in words that tell about the file where those of the system do not
-std::string reasonOf(const SchemaFileFailure& failure) {
-    // What is reported of what is neither a file nor a directory.
-    static const std::string s_notRegular =
-        std::make_error_code(std::errc::not_supported).message();
-    return failure.reason() == s_notRegular ? "it is not a regular file" : failure.reason();
-}
-
 XsdReadProblem describe(const std::string& bytes, SchemaDialect dialect,
                         const std::exception_ptr& caught) {
     try {
         std::rethrow_exception(caught);
     } catch (const SchemaFileFailure& e) {
-        return {0, 0, reasonOf(e)};
+        return {0, 0, e.reason()};
     } catch (const FileNameException&) {
         return {0, 0, "no file can have this name"};
     } catch (const MisfitElement& e) {

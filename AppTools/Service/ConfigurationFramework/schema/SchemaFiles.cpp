@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <source_location>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 namespace Orvant::SchemaFiles {
@@ -51,8 +52,9 @@ bool isScratchFile(const FileName& file) {
 
 std::string read(const FileName& file) {
     FileBytes found = readBytes(file);
-    if (!found.bytes)
-        throw SchemaFileFailure(found.error.message());
+    if (!found.bytes) // what is neither a file nor a directory is not supported
+        throw SchemaFileFailure(found.error == std::errc::not_supported ? "it is not a regular file"
+                                                                        : found.error.message());
     return std::move(*found.bytes);
 }
 

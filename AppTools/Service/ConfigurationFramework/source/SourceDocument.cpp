@@ -1,6 +1,7 @@
 #include <ConfigurationFramework/source/SourceDocument.h>
 
 #include <ConfigurationFramework/source/SourceParser.h>
+#include <ConfigurationFramework/xml/ByteOrderMark.h>
 
 #include <GeneralServices/XmlErrorHandler.h>
 
@@ -11,21 +12,6 @@
 
 namespace Orvant {
 
-namespace {
-
-/// @return bytes of a byte order mark, which Xerces leaves out where it counts
-std::size_t markSize(std::string_view bytes) {
-    using namespace std::string_view_literals;
-    // That of UTF-32 begins like that of UTF-16.
-    for (const std::string_view mark :
-         {"\xEF\xBB\xBF"sv, "\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv, "\xFF\xFE"sv, "\xFE\xFF"sv})
-        if (bytes.starts_with(mark))
-            return mark.size();
-    return 0;
-}
-
-} // namespace
-
 std::optional<SourceDocument> SourceDocument::parse(const std::string& bytes) {
     XmlErrorHandler errors;
     ParserConfinement confinement(ParserConfinement::schemas);
@@ -35,7 +21,7 @@ std::optional<SourceDocument> SourceDocument::parse(const std::string& bytes) {
     SourceDocument document = parser->take();
     if (errors.getSawErrors() || document.m_root == none)
         return std::nullopt;
-    if (const std::size_t mark = markSize(bytes))
+    if (const std::size_t mark = bytes.size() - withoutByteOrderMark(bytes).size())
         for (Node& node : document.m_nodes) {
             node.begin += mark;
             node.end += mark;
